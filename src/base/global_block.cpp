@@ -1,0 +1,138 @@
+#include "base/global_block.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+// A handle is slot index + 1 in its low 20 bits and the slot's generation in
+// the high 12, so a handle kept after its block was freed is recognised as
+// stale instead of reaching the slot's next block.
+constexpr uint32_t kIndexBits = 20;
+constexpr uint32_t kIndexMask = (1u << kIndexBits) - 1;
+constexpr uint32_t kMaxSlots = kIndexMask;  // index + 1 must fit the mask
+
+struct Slot {
+  uint8_t* data = nullptr;
+  uint32_t size = 0;
+  uint32_t capacity = 0;  // grows geometrically, so growing a block bit by bit stays linear
+  uint32_t locks = 0;
+  uint32_t generation = 1;
+  bool live = false;
+};
+
+std::vector<Slot>& Slots() {
+  static std::vector<Slot> slots;
+  return slots;
+}
+std::vector<uint32_t>& FreeSlots() {
+  static std::vector<uint32_t> free_slots;
+  return free_slots;
+}
+uint32_t g_live = 0;
+
+Slot* Find(GlobalHandle h) {
+  if (h == 0) return nullptr;
+  uint32_t index = (h & kIndexMask);
+  if (index == 0 || index > Slots().size()) return nullptr;
+  Slot& s = Slots()[index - 1];
+  if (!s.live || (h >> kIndexBits) != (s.generation & 0xFFF)) return nullptr;
+  return &s;
+}
+
+}  // namespace
+
+GlobalHandle GlobalBlockAlloc(uint32_t size) {
+  uint32_t index;
+  if (!FreeSlots().empty()) {
+    index = FreeSlots().back();
+  } else {
+    if (Slots().size() >= kMaxSlots) return 0;
+    Slots().emplace_back();
+    index = static_cast<uint32_t>(Slots().size() - 1);
+    FreeSlots().push_back(index);
+  }
+  Slot& s = Slots()[index];
+  // calloc(0) may return null; every block owns at least one byte of storage.
+  uint8_t* data = static_cast<uint8_t*>(std::calloc(size ? size : 1, 1));
+  if (!data) return 0;
+  FreeSlots().pop_back();
+  s.data = data;
+  s.size = size;
+  s.capacity = size ? size : 1;
+  s.locks = 0;
+  s.live = true;
+  ++g_live;
+  return ((s.generation & 0xFFF) << kIndexBits) | (index + 1);
+}
+
+void* GlobalBlockLock(GlobalHandle block) {
+  Slot* s = Find(block);
+  if (!s) return nullptr;
+  ++s->locks;
+  return s->data;
+}
+
+bool GlobalBlockUnlock(GlobalHandle block) {
+  Slot* s = Find(block);
+  if (!s || s->locks == 0) return false;
+  --s->locks;
+  return true;
+}
+
+uint32_t GlobalBlockSize(GlobalHandle block) {
+  Slot* s = Find(block);
+  return s ? s->size : 0;
+}
+
+bool GlobalBlockReAlloc(GlobalHandle block, uint32_t size) {
+  Slot* s = Find(block);
+  if (!s) return false;
+  if (size > s->capacity) {
+    uint64_t grown = static_cast<uint64_t>(s->capacity) + s->capacity / 2;
+    uint32_t capacity = grown > size && grown <= UINT32_MAX ? static_cast<uint32_t>(grown) : size;
+    uint8_t* data = static_cast<uint8_t*>(std::realloc(s->data, capacity));
+    if (!data && capacity != size) {
+      capacity = size;
+      data = static_cast<uint8_t*>(std::realloc(s->data, capacity));
+    }
+    if (!data) return false;
+    s->data = data;
+    s->capacity = capacity;
+  }
+  if (size > s->size) std::memset(s->data + s->size, 0, size - s->size);
+  s->size = size;
+  return true;
+}
+
+bool GlobalBlockFree(GlobalHandle block) {
+  Slot* s = Find(block);
+  if (!s) return false;
+  std::free(s->data);
+  s->data = nullptr;
+  s->size = s->capacity = s->locks = 0;
+  s->live = false;
+  s->generation = (s->generation + 1) & 0xFFF;
+  if (s->generation == 0) s->generation = 1;
+  FreeSlots().push_back(static_cast<uint32_t>(s - Slots().data()));
+  --g_live;
+  return true;
+}
+
+GlobalHandle DuplicateBlock(GlobalHandle block) {
+  uint32_t size = GlobalBlockSize(block);
+  if (size < 1) return 0;
+  GlobalHandle copy = GlobalBlockAlloc(size);
+  if (!copy) return 0;
+  BlockLock from(block), to(copy);
+  std::memcpy(to.bytes(), from.bytes(), size);
+  return copy;
+}
+
+uint32_t GlobalBlockLiveCount() { return g_live; }
+
+uint32_t GlobalBlockLockCount(GlobalHandle block) {
+  Slot* s = Find(block);
+  return s ? s->locks : 0;
+}

@@ -1,0 +1,68 @@
+#include "base/text.h"
+
+#include <cstring>
+
+void CopyText(char* to, size_t size, const char* from) {
+  if (size == 0) return;
+  size_t n = 0;
+  while (n + 1 < size && from[n]) {
+    to[n] = from[n];
+    ++n;
+  }
+  to[n] = 0;
+}
+
+static unsigned char Upper(unsigned char c) { return c >= 'a' && c <= 'z' ? c - 32 : c; }
+
+int CompareNoCase(const char* a, const char* b, size_t n) {
+  for (size_t i = 0; i < n; ++i) {
+    unsigned char ca = Upper(static_cast<unsigned char>(a[i]));
+    unsigned char cb = Upper(static_cast<unsigned char>(b[i]));
+    if (ca != cb) return ca < cb ? -1 : 1;
+    if (ca == 0) return 0;
+  }
+  return 0;
+}
+
+std::string Cp1252ToUtf8(const std::string& text) {
+  // 0x80..0x9F differ from Latin-1; 0 marks the five bytes Windows leaves unassigned.
+  static const unsigned short k80[32] = {
+      0x20AC, 0, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+      0x2039, 0x0152, 0, 0x017D, 0, 0, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+      0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0, 0x017E, 0x0178};
+  std::string out;
+  out.reserve(text.size());
+  for (unsigned char c : text) {
+    unsigned code = c;
+    if (c >= 0x80 && c < 0xA0) code = k80[c - 0x80] ? k80[c - 0x80] : 0xFFFD;
+    if (code < 0x80) {
+      out += static_cast<char>(code);
+    } else if (code < 0x800) {
+      out += static_cast<char>(0xC0 | (code >> 6));
+      out += static_cast<char>(0x80 | (code & 0x3F));
+    } else {
+      out += static_cast<char>(0xE0 | (code >> 12));
+      out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+      out += static_cast<char>(0x80 | (code & 0x3F));
+    }
+  }
+  return out;
+}
+
+const char* FileNamePart(const char* path) {
+  const char* name = path;
+  for (const char* p = path; *p; ++p)
+    if (*p == '\\' || *p == '/' || *p == ':') name = p + 1;
+  return name;
+}
+
+std::string JoinPath(const std::string& folder, const std::string& name) {
+#ifdef _WIN32
+  const char separator = '\\';
+#else
+  const char separator = '/';
+#endif
+  std::string path = folder;
+  if (path.empty() || (path.back() != '\\' && path.back() != '/')) path += separator;
+  return path + name;
+}

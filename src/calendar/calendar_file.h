@@ -1,0 +1,39 @@
+// The calendar file (.CLN): the header record, the cover picture's zlib
+// stream, then each month record followed by its picture's zlib stream.
+#pragma once
+#include <cstdint>
+#include <cstdio>
+
+#include "base/global_block.h"
+#include "calendar/calendar_model.h"
+#include "calendar/file_progress.h"
+
+constexpr const char* kDamagedRecordQuestion =
+    "There has been an error reading one of the records in your file. Click on Yes to proceed, or No to abort.";
+constexpr const char* kSaveFailedMessage =
+    "There has been an error writing this file. Please check the available space on the destination drive.";
+constexpr const char* kLoadFailedMessage = "There has been an error reading this file. It might be corrupted.";
+
+// The largest picture block a calendar file may hold. Real photographs are far
+// below it; a stream claiming more is treated as a damaged record.
+constexpr uint32_t kMaxPictureBytes = 512u << 20;
+
+// Writes `document` to `path` at the ImageCompression level. The file is
+// written beside the target under another name and moved over it only when
+// complete, so on failure (0) the previous file is untouched.
+int SaveCalendar(FileProgress* progress, const char* path, CalendarDocument document);
+// Reads a calendar; 0 when the file cannot be read. Event lists are loaded
+// from the program's folder.
+CalendarDocument LoadCalendar(FileProgress* progress, const char* path);
+
+// Compresses the first *inOutSize bytes of `block` into `file` as one zlib
+// stream; *inOutSize receives the number of bytes written.
+bool CompressBlockToFile(std::FILE* file, GlobalHandle block, uint32_t* inOutSize, int level);
+// Inflates one zlib stream of *inOutSize compressed bytes from `file` into a
+// new block of exactly `expectedSize` bytes; *inOutSize receives the bytes
+// produced. 0 when the stream is damaged or cut short, or would write past
+// `expectedSize` (a shorter stream leaves the rest of the block zero).
+GlobalHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t expectedSize);
+// The same when the size is not known; the block grows with the output, up to
+// kMaxPictureBytes.
+GlobalHandle InflateBlockFromFileGrowing(std::FILE* file, uint32_t* inOutSize);

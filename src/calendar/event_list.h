@@ -1,0 +1,42 @@
+// Named lists of dated events, each kept in its own text file "<name>.CDF"
+// in the program's folder. A line is the month name's first three letters,
+// the day as two digits, one separator and the text: "JAN05 Party".
+#pragma once
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "base/global_block.h"
+
+// The events file of list `name`: ApplicationPath, name, ".CDF".
+std::string EventFilePath(const char* name);
+
+// Loads the list into a block of consecutive NUL-terminated lines ended by an
+// empty one; 0 when the file cannot be opened or memory runs out. A file
+// without event lines gives a valid, empty list.
+GlobalHandle LoadEventList(const char* name);
+
+// The text of the first event of day `dayIndex` + 1 of `month` (0..11) in
+// `list`; 1 with the text in `out`, or 0 with `out` empty.
+int FindEvent(char* out, size_t outSize, GlobalHandle list, int month, int dayIndex);
+
+// Calls `visit` for every line of the list, in file order.
+template <class Visit>
+void ForEachEventLine(GlobalHandle list, Visit visit);
+
+struct EventEntry {
+  int month;  // 0..11
+  int day;    // 1..31
+  std::string text;
+};
+
+// One line of an events file as the program writes it.
+std::string FormatEventLine(const EventEntry& entry);
+
+// Writes list `name`: the previous ".BAK" is deleted, the current file becomes
+// the new ".BAK", and the entries are written in order. The new file is
+// written in full before anything is renamed, so a failed write leaves both
+// old files as they were. False on failure.
+bool WriteEventList(const char* name, const std::vector<EventEntry>& entries);
+
+#include "calendar/event_list_inl.h"

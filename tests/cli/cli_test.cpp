@@ -1,0 +1,172 @@
+// quernal-cli driven as a user drives it: a process with arguments, its
+// output and its exit code.
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <string>
+
+#include "calendar/calendar_file.h"
+#include "config/settings.h"
+#include "unit/test_support.h"
+
+namespace {
+
+struct CliRun {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+class CliTest : public QuernalTest {
+ protected:
+  CliRun Cli(const std::string& args) {
+    std::string errPath = dir_.File("stderr.txt");
+    std::string command = std::string(QUERNAL_CLI) + " " + args + " 2>'" + errPath + "'";
+    CliRun run{};
+    std::FILE* p = popen(command.c_str(), "r");
+    char buffer[4096];
+    size_t n;
+    while ((n = std::fread(buffer, 1, sizeof buffer, p)) > 0) run.out.append(buffer, n);
+    int status = pclose(p);
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.err = ReadFile(errPath);
+    return run;
+  }
+  std::string Q(const std::string& path) { return "'" + path + "'"; }
+  static bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+};
+
+}  // namespace
+
+TEST_F(CliTest, NewWritesAFreshCalendarForTheYearAndMonthAsked) {
+  std::string file = dir_.File("2031.CLN");
+  CliRun r = Cli("new --year 2031 --month 12 -o " + Q(file));
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(ReadFile(file).size(), 70139u);
+  r = Cli("info " + Q(file));
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_TRUE(Has(r.out, "\"Magic\": \"TRWK\""));
+  EXPECT_TRUE(Has(r.out, "\"Year\": 2031,"));
+  EXPECT_TRUE(Has(r.out, "\"CurrentPage\": 11,"));
+  EXPECT_TRUE(Has(r.out, "\"CoverPicture\": null,"));
+  EXPECT_TRUE(Has(r.out, "\"DateBackColour\": 14737632,"));
+  EXPECT_FALSE(Has(r.out, "Reserved"));
+  EXPECT_EQ(r.out.substr(0, 14), "{\n  \"header\": ");
+}
+
+TEST_F(CliTest, NewReadsTheSettingsOfTheConfigFolder) {
+  TempDir config;
+  WriteFile(config.File("QUERNL.INI"), "[Quernal]\nDateFontSize = 42\nDaysName = Feiertage\nYagRound = 3\n");
+  std::string file = dir_.File("x.CLN");
+  ASSERT_EQ(Cli("new --year 2030 --config " + Q(config.path()) + " -o " + Q(file)).status, 0);
+  CliRun r = Cli("info " + Q(file));
+  EXPECT_TRUE(Has(r.out, "\"DateFontSize\": 42,"));
+  EXPECT_TRUE(Has(r.out, "\"DaysName\": \"Feiertage\","));
+  EXPECT_TRUE(Has(r.out, "\"YagRound\": 3,"));
+}
+
+TEST_F(CliTest, BadArgumentsAreRefused) {
+  EXPECT_EQ(Cli("new --year 1200 -o " + Q(dir_.File("a.CLN"))).status, 2);
+  EXPECT_EQ(Cli("new --month 13 -o " + Q(dir_.File("a.CLN"))).status, 2);
+  EXPECT_EQ(Cli("new --year 2026").status, 2);
+  EXPECT_EQ(Cli("resave a.CLN -o b.CLN --level 0").status, 2);
+  EXPECT_EQ(Cli("info").status, 2);
+  EXPECT_EQ(Cli("frobnicate").status, 2);
+  EXPECT_FALSE(FileExists(dir_.File("a.CLN")));
+}
+
+TEST_F(CliTest, InfoShowsEventsPicturesAndTextsInUtf8) {
+  // A calendar made by the library, with a picture and a caption in Windows-1252.
+  CalendarDocument doc = CreateCalendar(2024, 1);
+  MonthPage feb;
+  GetMonthPage(doc, 1, &feb);
+  feb.Picture = MakePatternDib(30, 20, 8, 1);
+  std::strcpy(feb.LeftCaption, "Caf\xE9 \x80 \"quoted\"\nnext");
+  PutMonthPage(doc, 1, &feb);
+  std::string file = dir_.File("events.CLN");
+  SilentProgress progress;
+  ASSERT_EQ(SaveCalendar(&progress, file.c_str(), doc), 1);
+  FreeCalendar(doc);
+
+  TempDir app;
+  WriteFile(app.File("General.CDF"), "FEB05 Party\nFEB29 Leap day\nFEB30 Never\nMAR01 Spring\n");
+  CliRun r = Cli("info " + Q(file) + " --app-dir " + Q(app.path()));
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_TRUE(Has(r.out, "\"LeftCaption\": \"Caf\xC3\xA9 \xE2\x82\xAC \\\"quoted\\\"\\nnext\","));
+  EXPECT_TRUE(Has(r.out, "\"Picture\": {\"width\": 30, \"height\": 20, \"bits\": 8, \"bytes\": 1704},"));
+  EXPECT_TRUE(Has(r.out, "\"5\": \"Party\",\n        \"29\": \"Leap day\"\n      }}"));
+  EXPECT_FALSE(Has(r.out, "Never")) << "2024 has no 30 February";
+  EXPECT_TRUE(Has(r.out, "\"1\": \"Spring\""));
+
+  // Without the events file every page says null.
+  r = Cli("info " + Q(file) + " --app-dir " + Q(dir_.path()));
+  EXPECT_TRUE(Has(r.out, "\"Events\": null,"));
+  EXPECT_FALSE(Has(r.out, "\"days\""));
+}
+
+TEST_F(CliTest, DamagedFilesAreReportedOrRepaired) {
+  std::string file = dir_.File("damaged.CLN");
+  WriteFile(file, "not a calendar");
+  CliRun r = Cli("info " + Q(file));
+  EXPECT_EQ(r.status, 1);
+  EXPECT_TRUE(Has(r.err, "There has been an error reading this file. It might be corrupted."));
+  EXPECT_TRUE(r.out.empty());
+
+  CalendarDocument doc = CreateCalendar(2026, 0);
+  MonthPage jan;
+  GetMonthPage(doc, 0, &jan);
+  jan.Picture = MakePatternDib(50, 50, 24, 2);
+  PutMonthPage(doc, 0, &jan);
+  SilentProgress progress;
+  ASSERT_EQ(SaveCalendar(&progress, file.c_str(), doc), 1);
+  FreeCalendar(doc);
+  std::string bytes = ReadFile(file);
+  bytes[kHeaderSize + kMonthPageSize + 30] ^= 0x33;  // inside January's picture stream
+  WriteFile(file, bytes);
+
+  r = Cli("info " + Q(file));
+  EXPECT_EQ(r.status, 0);
+  EXPECT_TRUE(Has(r.err, "a damaged picture was skipped"));
+  EXPECT_TRUE(Has(r.out, "\"Picture\": null,"));
+
+  std::string repaired = dir_.File("repaired.CLN");
+  r = Cli("resave " + Q(file) + " -o " + Q(repaired));
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(ReadFile(repaired).size(), 70139u);
+  r = Cli("info " + Q(repaired));
+  EXPECT_TRUE(r.err.empty()) << r.err;
+}
+
+TEST_F(CliTest, ResaveRecompressesAtTheLevelAsked) {
+  CalendarDocument doc = CreateCalendar(2026, 0);
+  MonthPage jan;
+  GetMonthPage(doc, 0, &jan);
+  jan.Picture = MakePatternDib(400, 300, 24, 3);
+  PutMonthPage(doc, 0, &jan);
+  std::string file = dir_.File("in.CLN");
+  SilentProgress progress;
+  ASSERT_EQ(SaveCalendar(&progress, file.c_str(), doc), 1);
+  FreeCalendar(doc);
+  std::string fast = dir_.File("fast.CLN"), small = dir_.File("small.CLN");
+  ASSERT_EQ(Cli("resave " + Q(file) + " -o " + Q(fast) + " --level 1").status, 0);
+  ASSERT_EQ(Cli("resave " + Q(fast) + " -o " + Q(small) + " --level 9").status, 0);
+  EXPECT_LT(ReadFile(small).size(), ReadFile(fast).size());
+  std::string again = dir_.File("again.CLN");
+  ASSERT_EQ(Cli("resave " + Q(small) + " -o " + Q(again) + " --level 9").status, 0);
+  EXPECT_EQ(ReadFile(again), ReadFile(small));
+}
+
+TEST_F(CliTest, SettingsPrintsWhatTheProgramWouldWrite) {
+  TempDir config;
+  WriteFile(config.File("mine.ini"), "CapFontName = TIMES\nMenuItem = C:\\x.CLN\nPatchLevel = 1\n");
+  CliRun r = Cli("settings --ini " + Q(config.File("mine.ini")));
+  ASSERT_EQ(r.status, 0);
+  EXPECT_EQ(r.out.substr(0, 67), ";Quernal configuration file\n;Edit this at your own risk\n;Quernal\n;L");
+  EXPECT_TRUE(Has(r.out, "\nCapFontName = TIMES\n"));
+  EXPECT_TRUE(Has(r.out, "\nPatchLevel = 35\n"));
+  EXPECT_TRUE(Has(r.out, "\nApplicationPath = \n"));
+  EXPECT_EQ(r.out.substr(r.out.size() - 44), ";----- Menu items ------\n[QuernalMenuItems]\n");
+  EXPECT_EQ(Cli("settings --ini " + Q(config.File("absent.ini"))).status, 1);
+}

@@ -1,0 +1,466 @@
+#include <zlib.h>
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "base/dib.h"
+#include "calendar/calendar_file.h"
+#include "calendar/event_list.h"
+#include "config/settings.h"
+#include "test_support.h"
+
+#ifndef _WIN32
+#include <csignal>
+#include <sys/resource.h>
+#endif
+
+namespace {
+
+// Remembers what the file layer showed and answers its questions.
+class RecordingProgress : public FileProgress {
+ public:
+  explicit RecordingProgress(bool answer = true) : answer_(answer) {}
+  void Begin(const char* caption) override { log.push_back(std::string("begin ") + caption); }
+  void Advance(int current, int total) override {
+    log.push_back("bar " + std::to_string(current) + "/" + std::to_string(total));
+  }
+  void End() override { log.push_back("end"); }
+  bool AskYesNo(const char* question) override {
+    EXPECT_STREQ(question, kDamagedRecordQuestion);
+    ++questions;
+    return answer_;
+  }
+  std::vector<std::string> log;
+  int questions = 0;
+
+ private:
+  bool answer_;
+};
+
+constexpr uint32_t MonthAt(int month) { return kHeaderSize + month * kMonthPageSize; }
+
+uint32_t U32At(const std::string& bytes, size_t offset) {
+  uint32_t v;
+  std::memcpy(&v, bytes.data() + offset, 4);
+  return v;
+}
+void PutU32(std::string* bytes, size_t offset, uint32_t v) { std::memcpy(&(*bytes)[offset], &v, 4); }
+
+class CalendarFileTest : public QuernalTest {
+ protected:
+  std::string path_ = dir_.File("Family Year.CLN");
+
+  // A calendar with a cover picture and pictures on the months given.
+  CalendarDocument WithPictures(std::initializer_list<int> months) {
+    CalendarDocument doc = CreateCalendar(2026, 3);
+    CalendarHeader h;
+    GetHeader(doc, &h);
+    h.CoverPicture = MakePatternDib(64, 48, 24, 100);
+    h.CoverPictureShowPicture = 1;
+    std::strcpy(h.CoverTitle, "Cover \xE9t\xE9");
+    PutHeader(doc, &h);
+    for (int m : months) {
+      MonthPage p;
+      GetMonthPage(doc, m, &p);
+      p.Picture = MakePatternDib(40 + m, 30, m % 2 ? 8 : 24, m);
+      std::snprintf(p.LeftCaption, sizeof p.LeftCaption, "Left %d", m);
+      PutMonthPage(doc, m, &p);
+    }
+    return doc;
+  }
+  int Save(CalendarDocument doc, const std::string& path) {
+    SilentProgress progress;
+    return SaveCalendar(&progress, path.c_str(), doc);
+  }
+  CalendarDocument Load(const std::string& path, bool answer = true, int* questions = nullptr) {
+    RecordingProgress progress(answer);
+    CalendarDocument doc = LoadCalendar(&progress, path.c_str());
+    if (questions) *questions = progress.questions;
+    return doc;
+  }
+  MonthPage Page(CalendarDocument doc, int month) {
+    MonthPage p;
+    EXPECT_TRUE(GetMonthPage(doc, month, &p));
+    return p;
+  }
+};
+
+}  // namespace
+
+TEST_F(CalendarFileTest, NewCalendarIs70139BytesAndReloadsFieldForField) {
+  CalendarDocument doc = CreateCalendar(2026, 10);
+  ASSERT_EQ(Save(doc, path_), 1);
+  std::string bytes = ReadFile(path_);
+  EXPECT_EQ(bytes.size(), 70139u);
+  EXPECT_EQ(bytes.substr(0, 4), "TRWK");
+  EXPECT_EQ(bytes.substr(MonthAt(11), 4), "PAGE");
+
+  CalendarDocument back = Load(path_);
+  ASSERT_NE(back, 0u);
+  CalendarHeader a, b;
+  GetHeader(doc, &a);
+  GetHeader(back, &b);
+  EXPECT_EQ(std::memcmp(&a, &b, sizeof a), 0);
+  for (int m = 0; m < 12; ++m) {
+    MonthPage pa = Page(doc, m), pb = Page(back, m);
+    EXPECT_EQ(std::memcmp(&pa, &pb, sizeof pa), 0) << "month " << m;
+  }
+  FreeCalendar(doc);
+  FreeCalendar(back);
+}
+
+TEST_F(CalendarFileTest, CalendarsWithPicturesRoundTripByteForByte) {
+  CalendarDocument doc = WithPictures({0, 5, 11});
+  ASSERT_EQ(Save(doc, path_), 1);
+  CalendarDocument back = Load(path_);
+  ASSERT_NE(back, 0u);
+
+  CalendarHeader h, hb;
+  GetHeader(doc, &h);
+  GetHeader(back, &hb);
+  EXPECT_EQ(BlockBytes(hb.CoverPicture), BlockBytes(h.CoverPicture));
+  EXPECT_STREQ(hb.CoverTitle, "Cover \xE9t\xE9");
+  EXPECT_EQ(hb.CoverPictureShowPicture, 1);
+  EXPECT_EQ(hb.RecordSize, 1343u);
+  for (int m : {0, 5, 11}) {
+    MonthPage p = Page(doc, m), pb = Page(back, m);
+    EXPECT_EQ(BlockBytes(pb.Picture), BlockBytes(p.Picture)) << m;
+    EXPECT_NE(pb.Picture, p.Picture);
+    EXPECT_EQ(pb.RecordSize, 5733u);
+    EXPECT_EQ(pb.PictureDataSize, GlobalBlockSize(p.Picture));
+  }
+  EXPECT_EQ(Page(back, 1).Picture, 0u);
+
+  std::string again = dir_.File("again.CLN");
+  ASSERT_EQ(Save(back, again), 1);
+  EXPECT_EQ(ReadFile(again), ReadFile(path_));
+  FreeCalendar(doc);
+  FreeCalendar(back);
+}
+
+TEST_F(CalendarFileTest, RecordSizesInTheFileCountTheStreams) {
+  CalendarDocument doc = WithPictures({2});
+  ASSERT_EQ(Save(doc, path_), 1);
+  std::string bytes = ReadFile(path_);
+  uint32_t headerLength = U32At(bytes, 4);
+  EXPECT_GT(headerLength, kHeaderSize);
+  EXPECT_EQ(U32At(bytes, 30), 1u) << "handles are written as flags";
+  // The cover stream is a zlib stream right after the header.
+  EXPECT_EQ(static_cast<uint8_t>(bytes[kHeaderSize]), 0x78);
+  size_t march = headerLength + 2 * kMonthPageSize;
+  EXPECT_EQ(bytes.substr(march, 4), "PAGE");
+  uint32_t marchLength = U32At(bytes, march + 4);
+  EXPECT_GT(marchLength, kMonthPageSize);
+  EXPECT_EQ(U32At(bytes, march + offsetof(MonthPage, Picture)), 1u);
+  EXPECT_EQ(U32At(bytes, march + offsetof(MonthPage, Events)), 0u);
+  EXPECT_EQ(bytes.size(), headerLength + 11 * kMonthPageSize + marchLength);
+  FreeCalendar(doc);
+}
+
+TEST_F(CalendarFileTest, ProgressShowsTheFileNameAndMovesForPictureMonthsOnly) {
+  CalendarDocument doc = WithPictures({3, 7});
+  RecordingProgress saving;
+  ASSERT_EQ(SaveCalendar(&saving, path_.c_str(), doc), 1);
+  EXPECT_EQ(saving.log, (std::vector<std::string>{"begin Saving Family Year.CLN", "bar 4/12", "bar 8/12", "end"}));
+  RecordingProgress loading;
+  CalendarDocument back = LoadCalendar(&loading, path_.c_str());
+  std::vector<std::string> expected = {"begin Opening Family Year.CLN", "bar 1/12"};
+  for (int m = 1; m <= 12; ++m) expected.push_back("bar " + std::to_string(m) + "/12");
+  expected.push_back("end");
+  EXPECT_EQ(loading.log, expected);
+  FreeCalendar(doc);
+  FreeCalendar(back);
+}
+
+TEST_F(CalendarFileTest, LoadingReadsEventListsAndClearsTheChangedFlag) {
+  CalendarDocument doc = CreateCalendar(2026, 0);
+  CalendarHeader h;
+  GetHeader(doc, &h);
+  h.Changed = 1;
+  PutHeader(doc, &h);
+  MonthPage p = Page(doc, 6);
+  std::strcpy(p.DaysName, "Family");
+  PutMonthPage(doc, 6, &p);
+  ASSERT_EQ(Save(doc, path_), 1);
+  WriteFile(dir_.File("Family.CDF"), "JUL04 Picnic\n");
+  CalendarDocument back = Load(path_);
+  GetHeader(back, &h);
+  EXPECT_EQ(h.Changed, 0);
+  GlobalHandle events = Page(back, 6).Events;
+  ASSERT_NE(events, 0u);
+  char text[64];
+  EXPECT_EQ(FindEvent(text, sizeof text, events, 6, 3), 1);
+  EXPECT_STREQ(text, "Picnic");
+  EXPECT_EQ(Page(back, 5).Events, 0u) << "no General.CDF";
+  FreeCalendar(doc);
+  FreeCalendar(back);
+}
+
+TEST_F(CalendarFileTest, HiddenPicturesAreNotSaved) {
+  CalendarDocument doc = WithPictures({4});
+  MonthPage p = Page(doc, 4);
+  p.PictureShowPicture = 0;
+  PutMonthPage(doc, 4, &p);
+  ASSERT_EQ(Save(doc, path_), 1);
+  CalendarDocument back = Load(path_);
+  EXPECT_EQ(Page(back, 4).Picture, 0u);
+  FreeCalendar(back);
+
+  // A hidden cover picture keeps its flag in the header but no stream
+  // follows, so reopening finds the cover record damaged and goes on without it.
+  CalendarHeader h;
+  GetHeader(doc, &h);
+  h.CoverPictureShowPicture = 0;
+  PutHeader(doc, &h);
+  ASSERT_EQ(Save(doc, path_), 1);
+  EXPECT_EQ(U32At(ReadFile(path_), 4), kHeaderSize);
+  int questions = 0;
+  back = Load(path_, true, &questions);
+  ASSERT_NE(back, 0u);
+  EXPECT_EQ(questions, 1);
+  GetHeader(back, &h);
+  EXPECT_EQ(h.CoverPicture, 0u);
+  EXPECT_EQ(h.CoverPictureShowPicture, 0);
+  FreeCalendar(doc);
+  FreeCalendar(back);
+}
+
+TEST_F(CalendarFileTest, TheReaderSeeksToTheEndEachRecordStates) {
+  CalendarDocument doc = WithPictures({});
+  ASSERT_EQ(Save(doc, path_), 1);
+  FreeCalendar(doc);
+  std::string bytes = ReadFile(path_);
+  // Thirty bytes of something unknown after March's record, which says so.
+  size_t march = U32At(bytes, 4) + 2 * kMonthPageSize;
+  PutU32(&bytes, march + 4, kMonthPageSize + 30);
+  bytes.insert(march + kMonthPageSize, std::string(30, '\x5A'));
+  WriteFile(path_, bytes);
+  int questions = 0;
+  CalendarDocument back = Load(path_, true, &questions);
+  ASSERT_NE(back, 0u);
+  EXPECT_EQ(questions, 0);
+  EXPECT_EQ(Page(back, 3).RecordSize, kMonthPageSize);
+  EXPECT_EQ(Page(back, 11).DateFontSize, 50);
+  FreeCalendar(back);
+}
+
+TEST_F(CalendarFileTest, ATruncatedPictureStreamAsksAndYesKeepsTheRest) {
+  CalendarDocument doc = WithPictures({0, 11});
+  ASSERT_EQ(Save(doc, path_), 1);
+  FreeCalendar(doc);
+  std::string bytes = ReadFile(path_);
+  WriteFile(path_, bytes.substr(0, bytes.size() - 40));  // ends inside December's picture
+
+  int questions = 0;
+  EXPECT_EQ(Load(path_, false, &questions), 0u) << "No aborts the load";
+  EXPECT_EQ(questions, 1);
+  CalendarDocument back = Load(path_, true, &questions);
+  ASSERT_NE(back, 0u);
+  EXPECT_NE(Page(back, 0).Picture, 0u);
+  EXPECT_EQ(Page(back, 11).Picture, 0u);
+  EXPECT_EQ(Page(back, 11).PictureShowPicture, 0);
+  FreeCalendar(back);
+
+  // Ending inside January's picture leaves February's record incomplete.
+  size_t januaryEnd = U32At(bytes, 4) + U32At(bytes, U32At(bytes, 4) + 4);
+  WriteFile(path_, bytes.substr(0, januaryEnd - 10));
+  EXPECT_EQ(Load(path_, true), 0u);
+}
+
+TEST_F(CalendarFileTest, DamagedStreamsAndHostileSizesAreDamagedRecords) {
+  CalendarDocument doc = WithPictures({1});
+  ASSERT_EQ(Save(doc, path_), 1);
+  FreeCalendar(doc);
+  const std::string good = ReadFile(path_);
+  const size_t feb = U32At(good, 4) + kMonthPageSize;
+  const uint32_t febLength = U32At(good, feb + 4);
+
+  struct Case {
+    const char* what;
+    void (*damage)(std::string* bytes, size_t feb, uint32_t febLength);
+    bool asks = true;  // false: the picture reads, but the next record is not where the file says
+  };
+  const Case cases[] = {
+      {"a flipped byte inside the stream",
+       [](std::string* b, size_t f, uint32_t) { (*b)[f + kMonthPageSize + 40] ^= 0x55; }},
+      {"a stated size smaller than the picture",
+       [](std::string* b, size_t f, uint32_t) {
+         PutU32(b, f + offsetof(MonthPage, PictureDataSize), 100);
+       }},
+      {"an absurd stated size",
+       [](std::string* b, size_t f, uint32_t) {
+         PutU32(b, f + offsetof(MonthPage, PictureDataSize), 0xFFFFFFF0u);
+       }},
+      {"a stated size no stream of this length can fill",
+       [](std::string* b, size_t f, uint32_t) {
+         PutU32(b, f + offsetof(MonthPage, PictureDataSize), 400u << 20);
+       }},
+      {"a record size smaller than the record",
+       [](std::string* b, size_t f, uint32_t) { PutU32(b, f + 4, 100); }},
+      {"a record size beyond the end of the file",
+       [](std::string* b, size_t f, uint32_t) { PutU32(b, f + 4, 0x7FFFFFF0u); }, false},
+      {"a stream of something that is not a picture",
+       [](std::string* b, size_t f, uint32_t len) {
+         std::string junk(200, 'j');
+         uLongf size = compressBound(junk.size());
+         std::string z(size, 0);
+         compress(reinterpret_cast<Bytef*>(&z[0]), &size, reinterpret_cast<const Bytef*>(junk.data()), junk.size());
+         z.resize(size);
+         b->replace(f + kMonthPageSize, len - kMonthPageSize, z);
+         PutU32(b, f + 4, kMonthPageSize + static_cast<uint32_t>(z.size()));
+         PutU32(b, f + offsetof(MonthPage, PictureDataSize), 200);
+       }},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    std::string bytes = good;
+    c.damage(&bytes, feb, febLength);
+    WriteFile(path_, bytes);
+    int questions = 0;
+    EXPECT_EQ(Load(path_, false, &questions), 0u);
+    EXPECT_EQ(questions, c.asks ? 1 : 0);
+    CalendarDocument back = Load(path_, true, &questions);
+    if (back) {
+      EXPECT_EQ(Page(back, 1).Picture, 0u);
+      EXPECT_EQ(Page(back, 1).PictureShowPicture, 0);
+      FreeCalendar(back);
+    }
+  }
+}
+
+TEST_F(CalendarFileTest, UnreadableFilesGiveNoCalendarAndLeakNothing) {
+  CalendarDocument doc = WithPictures({});
+  ASSERT_EQ(Save(doc, path_), 1);
+  FreeCalendar(doc);
+  const std::string good = ReadFile(path_);
+  EXPECT_EQ(Load(dir_.File("absent.CLN")), 0u);
+  std::string bytes = good;
+  bytes[0] = 'X';
+  WriteFile(path_, bytes);
+  EXPECT_EQ(Load(path_), 0u) << "wrong magic";
+  WriteFile(path_, good.substr(0, 1000));
+  EXPECT_EQ(Load(path_), 0u) << "short header";
+  bytes = good;
+  bytes[U32At(good, 4) + 5 * kMonthPageSize] = 'p';
+  WriteFile(path_, bytes);
+  EXPECT_EQ(Load(path_), 0u) << "a page without its magic";
+  WriteFile(path_, good.substr(0, good.size() - 100));
+  EXPECT_EQ(Load(path_), 0u) << "the last page cut short";
+  // The fixture checks that none of these left a block behind.
+}
+
+TEST_F(CalendarFileTest, TextsWithoutTheirZeroAreCutOnLoading) {
+  CalendarDocument doc = CreateCalendar(2026, 0);
+  ASSERT_EQ(Save(doc, path_), 1);
+  FreeCalendar(doc);
+  std::string bytes = ReadFile(path_);
+  size_t jan = kHeaderSize;
+  std::memset(&bytes[jan + offsetof(MonthPage, DaysName)], 'N', kFontNameSize);
+  std::memset(&bytes[offsetof(CalendarHeader, CoverTitle)], 'T', kFontNameSize);
+  std::memset(&bytes[jan + offsetof(MonthPage, RightCaption)], 'R', kCaptionSize);
+  WriteFile(path_, bytes);
+  CalendarDocument back = Load(path_);
+  ASSERT_NE(back, 0u);
+  MonthPage p = Page(back, 0);
+  EXPECT_EQ(std::strlen(p.DaysName), kFontNameSize - 1u);
+  EXPECT_EQ(std::strlen(p.RightCaption), kCaptionSize - 1u);
+  CalendarHeader h;
+  GetHeader(back, &h);
+  EXPECT_EQ(std::strlen(h.CoverTitle), kFontNameSize - 1u);
+  FreeCalendar(back);
+}
+
+TEST_F(CalendarFileTest, AFailedSaveLeavesThePreviousFile) {
+  CalendarDocument doc = WithPictures({0, 1, 2});
+  WriteFile(path_, "the previous calendar");
+  // The temporary file cannot be created.
+  std::string blocker = path_ + ".saving";
+  ASSERT_TRUE(std::filesystem::create_directory(blocker));
+  RecordingProgress progress;
+  EXPECT_EQ(SaveCalendar(&progress, path_.c_str(), doc), 0);
+  EXPECT_EQ(progress.log.back(), "end") << "the status window is closed on failure too";
+  EXPECT_EQ(ReadFile(path_), "the previous calendar");
+  std::filesystem::remove(blocker);
+  EXPECT_EQ(Save(doc, dir_.File("no such folder/x.CLN")), 0);
+
+#ifndef _WIN32
+  // The disk fills up half-way through the pictures.
+  struct rlimit old;
+  getrlimit(RLIMIT_FSIZE, &old);
+  struct rlimit small = old;
+  small.rlim_cur = 60000;  // less than a calendar without pictures
+  std::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &small);
+  int result = Save(doc, path_);
+  setrlimit(RLIMIT_FSIZE, &old);
+  EXPECT_EQ(result, 0);
+  EXPECT_EQ(ReadFile(path_), "the previous calendar");
+  EXPECT_FALSE(FileExists(path_ + ".saving"));
+#endif
+  FreeCalendar(doc);
+}
+
+TEST_F(CalendarFileTest, CompressionLevelsAndTheStreamFunctions) {
+  GlobalHandle picture = MakePatternDib(300, 200, 24, 9);
+  std::string path = dir_.File("stream.bin");
+  uint32_t sizes[2];
+  for (int level : {1, 9}) {
+    std::FILE* f = std::fopen(path.c_str(), "wb");
+    uint32_t size = GlobalBlockSize(picture);
+    ASSERT_TRUE(CompressBlockToFile(f, picture, &size, level));
+    std::fclose(f);
+    EXPECT_EQ(size, ReadFile(path).size());
+    sizes[level == 9] = size;
+
+    f = std::fopen(path.c_str(), "rb");
+    uint32_t length = size;
+    GlobalHandle known = InflateBlockFromFile(f, &length, GlobalBlockSize(picture));
+    EXPECT_EQ(length, GlobalBlockSize(picture));
+    std::rewind(f);
+    length = size;
+    GlobalHandle grown = InflateBlockFromFileGrowing(f, &length);
+    std::fclose(f);
+    EXPECT_EQ(BlockBytes(known), BlockBytes(picture));
+    EXPECT_EQ(BlockBytes(grown), BlockBytes(picture));
+    GlobalBlockFree(known);
+    GlobalBlockFree(grown);
+  }
+  EXPECT_LT(sizes[1], sizes[0]);
+
+  // An empty stream is a failure for the growing reader.
+  std::FILE* f = std::fopen(path.c_str(), "rb");
+  uint32_t zero = 0;
+  EXPECT_EQ(InflateBlockFromFileGrowing(f, &zero), 0u);
+  std::fclose(f);
+  GlobalBlockFree(picture);
+}
+
+TEST_F(CalendarFileTest, AStreamThatInflatesBeyondTheLimitIsRefused) {
+  // 520 MiB of zeros in half a megabyte: more than any picture may be.
+  std::string path = dir_.File("bomb.z");
+  std::FILE* f = std::fopen(path.c_str(), "wb");
+  z_stream z{};
+  deflateInit(&z, 9);
+  std::vector<unsigned char> zeros(1 << 20), out(1 << 20);
+  for (int mib = 0; mib < 520; ++mib) {
+    z.next_in = zeros.data();
+    z.avail_in = static_cast<uInt>(zeros.size());
+    int flush = mib == 519 ? Z_FINISH : Z_NO_FLUSH;
+    do {
+      z.next_out = out.data();
+      z.avail_out = static_cast<uInt>(out.size());
+      deflate(&z, flush);
+      std::fwrite(out.data(), 1, out.size() - z.avail_out, f);
+    } while (z.avail_out == 0);
+  }
+  uint32_t length = static_cast<uint32_t>(z.total_out);
+  deflateEnd(&z);
+  std::fclose(f);
+  f = std::fopen(path.c_str(), "rb");
+  uint32_t inOut = length;
+  EXPECT_EQ(InflateBlockFromFileGrowing(f, &inOut), 0u);
+  std::fclose(f);
+}

@@ -1,0 +1,41 @@
+// Shared helpers of the unit tests: a private folder per test, whole-file
+// reads and writes, and a fixture that starts from the compiled-in settings
+// and fails a test that leaves memory blocks behind.
+#pragma once
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/global_block.h"
+
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  const std::string& path() const { return path_; }
+  // path() joined with `name` by the platform's separator.
+  std::string File(const std::string& name) const;
+
+ private:
+  std::string path_;
+};
+
+void WriteFile(const std::string& path, const std::string& bytes);
+std::string ReadFile(const std::string& path);
+bool FileExists(const std::string& path);
+
+class QuernalTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+  TempDir dir_;
+
+ private:
+  uint32_t liveBlocks_ = 0;
+};
+
+// A Dib of the given size whose pixels follow a pattern from `seed`.
+GlobalHandle MakePatternDib(int width, int height, int bits, uint32_t seed);
+std::vector<uint8_t> BlockBytes(GlobalHandle block);
