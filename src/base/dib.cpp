@@ -30,7 +30,7 @@ uint64_t DibTotalSize(const BitmapInfoHeader& h) {
   return DibBitsOffset(h) + DibRowStride(h.biWidth, h.biBitCount) * rows;
 }
 
-bool DibBlockIsValid(GlobalHandle block) {
+bool DibBlockIsValid(BlockHandle block) {
   uint32_t size = GlobalBlockSize(block);
   if (size < sizeof(BitmapInfoHeader)) return false;
   BlockLock lock(block);
@@ -41,7 +41,7 @@ bool DibBlockIsValid(GlobalHandle block) {
   return need != 0 && need <= size;
 }
 
-GlobalHandle DibCreate(int32_t width, int32_t height, uint16_t bitCount) {
+BlockHandle DibCreate(int32_t width, int32_t height, uint16_t bitCount) {
   BitmapInfoHeader h{};
   h.biSize = sizeof h;
   h.biWidth = width;
@@ -52,7 +52,7 @@ GlobalHandle DibCreate(int32_t width, int32_t height, uint16_t bitCount) {
   uint64_t total = DibTotalSize(h);
   if (total == 0 || total > UINT32_MAX) return 0;
   h.biSizeImage = static_cast<uint32_t>(total - DibBitsOffset(h));
-  GlobalHandle block = GlobalBlockAlloc(static_cast<uint32_t>(total));
+  BlockHandle block = GlobalBlockAlloc(static_cast<uint32_t>(total));
   if (!block) return 0;
   BlockLock lock(block);
   std::memcpy(lock.bytes(), &h, sizeof h);

@@ -47,10 +47,10 @@ uint64_t DibTotalSize(const BitmapInfoHeader& header);
 bool DibHeaderIsUsable(const BitmapInfoHeader& header);
 // True when `block` holds a usable header and is large enough for its
 // colour table and every pixel row.
-bool DibBlockIsValid(GlobalHandle block);
+bool DibBlockIsValid(BlockHandle block);
 
 // A zero-filled bottom-up Dib, or 0 when the size is not usable or memory runs out.
-GlobalHandle DibCreate(int32_t width, int32_t height, uint16_t bitCount);
+BlockHandle DibCreate(int32_t width, int32_t height, uint16_t bitCount);
 
 inline RgbQuad* DibColourTable(void* dib) {
   return reinterpret_cast<RgbQuad*>(static_cast<uint8_t*>(dib) + static_cast<BitmapInfoHeader*>(dib)->biSize);

@@ -32,7 +32,7 @@ std::vector<uint32_t>& FreeSlots() {
 }
 uint32_t g_live = 0;
 
-Slot* Find(GlobalHandle h) {
+Slot* Find(BlockHandle h) {
   if (h == 0) return nullptr;
   uint32_t index = (h & kIndexMask);
   if (index == 0 || index > Slots().size()) return nullptr;
@@ -43,7 +43,7 @@ Slot* Find(GlobalHandle h) {
 
 }  // namespace
 
-GlobalHandle GlobalBlockAlloc(uint32_t size) {
+BlockHandle GlobalBlockAlloc(uint32_t size) {
   uint32_t index;
   if (!FreeSlots().empty()) {
     index = FreeSlots().back();
@@ -67,26 +67,26 @@ GlobalHandle GlobalBlockAlloc(uint32_t size) {
   return ((s.generation & 0xFFF) << kIndexBits) | (index + 1);
 }
 
-void* GlobalBlockLock(GlobalHandle block) {
+void* GlobalBlockLock(BlockHandle block) {
   Slot* s = Find(block);
   if (!s) return nullptr;
   ++s->locks;
   return s->data;
 }
 
-bool GlobalBlockUnlock(GlobalHandle block) {
+bool GlobalBlockUnlock(BlockHandle block) {
   Slot* s = Find(block);
   if (!s || s->locks == 0) return false;
   --s->locks;
   return true;
 }
 
-uint32_t GlobalBlockSize(GlobalHandle block) {
+uint32_t GlobalBlockSize(BlockHandle block) {
   Slot* s = Find(block);
   return s ? s->size : 0;
 }
 
-bool GlobalBlockReAlloc(GlobalHandle block, uint32_t size) {
+bool GlobalBlockReAlloc(BlockHandle block, uint32_t size) {
   Slot* s = Find(block);
   if (!s) return false;
   if (size > s->capacity) {
@@ -106,7 +106,7 @@ bool GlobalBlockReAlloc(GlobalHandle block, uint32_t size) {
   return true;
 }
 
-bool GlobalBlockFree(GlobalHandle block) {
+bool GlobalBlockFree(BlockHandle block) {
   Slot* s = Find(block);
   if (!s) return false;
   std::free(s->data);
@@ -120,10 +120,10 @@ bool GlobalBlockFree(GlobalHandle block) {
   return true;
 }
 
-GlobalHandle DuplicateBlock(GlobalHandle block) {
+BlockHandle DuplicateBlock(BlockHandle block) {
   uint32_t size = GlobalBlockSize(block);
   if (size < 1) return 0;
-  GlobalHandle copy = GlobalBlockAlloc(size);
+  BlockHandle copy = GlobalBlockAlloc(size);
   if (!copy) return 0;
   BlockLock from(block), to(copy);
   std::memcpy(to.bytes(), from.bytes(), size);
@@ -132,7 +132,7 @@ GlobalHandle DuplicateBlock(GlobalHandle block) {
 
 uint32_t GlobalBlockLiveCount() { return g_live; }
 
-uint32_t GlobalBlockLockCount(GlobalHandle block) {
+uint32_t GlobalBlockLockCount(BlockHandle block) {
   Slot* s = Find(block);
   return s ? s->locks : 0;
 }

@@ -5,35 +5,35 @@
 #pragma once
 #include <cstdint>
 
-using GlobalHandle = uint32_t;  // 0 is "no block"
+using BlockHandle = uint32_t;  // 0 is "no block"
 
 // A new zero-filled block of `size` bytes, or 0 when memory runs out.
-GlobalHandle GlobalBlockAlloc(uint32_t size);
+BlockHandle GlobalBlockAlloc(uint32_t size);
 // The block's bytes, or nullptr for a handle that is not a live block. The
 // pointer stays valid until the block is reallocated or freed.
-void* GlobalBlockLock(GlobalHandle block);
+void* GlobalBlockLock(BlockHandle block);
 // Ends one access begun by GlobalBlockLock; false when nothing was locked.
-bool GlobalBlockUnlock(GlobalHandle block);
+bool GlobalBlockUnlock(BlockHandle block);
 // The block's size in bytes, 0 for a handle that is not a live block.
-uint32_t GlobalBlockSize(GlobalHandle block);
+uint32_t GlobalBlockSize(BlockHandle block);
 // Grows or shrinks the block, keeping its bytes and zero-filling new ones.
 // The handle stays the same; false (block untouched) when memory runs out.
-bool GlobalBlockReAlloc(GlobalHandle block, uint32_t size);
+bool GlobalBlockReAlloc(BlockHandle block, uint32_t size);
 // Frees the block; false for a handle that is not a live block.
-bool GlobalBlockFree(GlobalHandle block);
+bool GlobalBlockFree(BlockHandle block);
 
 // A new block with a copy of `block`'s bytes, or 0 when the block is empty
 // (size below 1), not live, or memory runs out.
-GlobalHandle DuplicateBlock(GlobalHandle block);
+BlockHandle DuplicateBlock(BlockHandle block);
 
 // How many blocks are alive and how many locks are held, for leak checks.
 uint32_t GlobalBlockLiveCount();
-uint32_t GlobalBlockLockCount(GlobalHandle block);
+uint32_t GlobalBlockLockCount(BlockHandle block);
 
 // Locks a block for the lifetime of the object.
 class BlockLock {
  public:
-  explicit BlockLock(GlobalHandle block) : block_(block), data_(GlobalBlockLock(block)) {}
+  explicit BlockLock(BlockHandle block) : block_(block), data_(GlobalBlockLock(block)) {}
   ~BlockLock() {
     if (data_) GlobalBlockUnlock(block_);
   }
@@ -45,6 +45,6 @@ class BlockLock {
   T* as() const { return static_cast<T*>(data_); }
 
  private:
-  GlobalHandle block_;
+  BlockHandle block_;
   void* data_;
 };

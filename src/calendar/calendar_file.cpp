@@ -48,7 +48,7 @@ std::string Caption(const char* verb, const char* path) { return std::string(ver
 // Writes `record` at its start, then (when a picture follows) compresses the
 // picture behind it and rewrites the record with its full length.
 template <class Record>
-bool WriteRecordWithPicture(std::FILE* f, Record* record, GlobalHandle picture, uint32_t* dataSize, int level) {
+bool WriteRecordWithPicture(std::FILE* f, Record* record, BlockHandle picture, uint32_t* dataSize, int level) {
   uint64_t start;
   if (!Tell(f, &start) || !WriteAll(f, record, sizeof *record)) return false;
   if (!picture) return true;
@@ -64,14 +64,14 @@ bool WriteCalendar(std::FILE* f, CalendarDocument document, FileProgress* progre
   CalendarHeader header;
   if (!GetHeader(document, &header)) return false;
   // Handles mean nothing outside this process; the file keeps them as flags.
-  GlobalHandle cover = header.CoverPictureShowPicture ? header.CoverPicture : 0;
+  BlockHandle cover = header.CoverPictureShowPicture ? header.CoverPicture : 0;
   header.CoverPicture = header.CoverPicture ? 1 : 0;
   if (!WriteRecordWithPicture(f, &header, cover, &header.CoverPictureDataSize, level)) return false;
   for (int month = 0; month < 12; ++month) {
     MonthPage page;
     if (!GetMonthPage(document, month, &page)) return false;
     // A hidden picture is deliberately not saved.
-    GlobalHandle picture = page.PictureShowPicture ? page.Picture : 0;
+    BlockHandle picture = page.PictureShowPicture ? page.Picture : 0;
     page.Picture = picture ? 1 : 0;
     page.Events = 0;
     if (!WriteRecordWithPicture(f, &page, picture, &page.PictureDataSize, level)) return false;
@@ -83,10 +83,10 @@ bool WriteCalendar(std::FILE* f, CalendarDocument document, FileProgress* progre
 
 // Reads one picture stream of `compressed` bytes that should inflate to a
 // usable Dib; 0 when it does not.
-GlobalHandle ReadPicture(std::FILE* f, int64_t compressed, uint32_t dataSize) {
+BlockHandle ReadPicture(std::FILE* f, int64_t compressed, uint32_t dataSize) {
   if (compressed <= 0 || compressed > UINT32_MAX) return 0;
   uint32_t length = static_cast<uint32_t>(compressed);
-  GlobalHandle block;
+  BlockHandle block;
   if (dataSize) {
     if (dataSize > kMaxPictureBytes || dataSize > length * kMaxInflateRatio + 64) return 0;
     block = InflateBlockFromFile(f, &length, dataSize);
@@ -114,7 +114,7 @@ bool ReadCalendar(std::FILE* f, CalendarDocument document, FileProgress* progres
   const uint32_t headerLength = header.RecordSize;
   progress->Advance(1, 12);
   if (header.CoverPicture) {
-    GlobalHandle cover =
+    BlockHandle cover =
         ReadPicture(f, static_cast<int64_t>(headerLength) - kHeaderSize, header.CoverPictureDataSize);
     if (!cover && !progress->AskYesNo(kDamagedRecordQuestion)) return false;
     header.CoverPicture = cover;
@@ -240,7 +240,7 @@ CalendarDocument LoadCalendar(FileProgress* progress, const char* path) {
   return document;
 }
 
-bool CompressBlockToFile(std::FILE* file, GlobalHandle block, uint32_t* inOutSize, int level) {
+bool CompressBlockToFile(std::FILE* file, BlockHandle block, uint32_t* inOutSize, int level) {
   if (*inOutSize > GlobalBlockSize(block)) return false;
   z_stream z{};
   if (deflateInit(&z, level) != Z_OK) return false;
@@ -265,9 +265,9 @@ bool CompressBlockToFile(std::FILE* file, GlobalHandle block, uint32_t* inOutSiz
   return ok;
 }
 
-GlobalHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t expectedSize) {
+BlockHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t expectedSize) {
   if (expectedSize == 0 || expectedSize > kMaxPictureBytes) return 0;
-  GlobalHandle block = GlobalBlockAlloc(expectedSize);
+  BlockHandle block = GlobalBlockAlloc(expectedSize);
   if (!block) return 0;
   uint8_t* data = static_cast<uint8_t*>(GlobalBlockLock(block));
   // Output goes straight into the block; once it is full, one spare byte
@@ -299,8 +299,8 @@ GlobalHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t
   return block;
 }
 
-GlobalHandle InflateBlockFromFileGrowing(std::FILE* file, uint32_t* inOutSize) {
-  GlobalHandle block = 0;
+BlockHandle InflateBlockFromFileGrowing(std::FILE* file, uint32_t* inOutSize) {
+  BlockHandle block = 0;
   uint32_t size = 0;
   unsigned char out[kChunk];
   auto room = [&](z_stream* z) {

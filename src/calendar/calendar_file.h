@@ -28,12 +28,12 @@ CalendarDocument LoadCalendar(FileProgress* progress, const char* path);
 
 // Compresses the first *inOutSize bytes of `block` into `file` as one zlib
 // stream; *inOutSize receives the number of bytes written.
-bool CompressBlockToFile(std::FILE* file, GlobalHandle block, uint32_t* inOutSize, int level);
+bool CompressBlockToFile(std::FILE* file, BlockHandle block, uint32_t* inOutSize, int level);
 // Inflates one zlib stream of *inOutSize compressed bytes from `file` into a
 // new block of exactly `expectedSize` bytes; *inOutSize receives the bytes
 // produced. 0 when the stream is damaged or cut short, or would write past
 // `expectedSize` (a shorter stream leaves the rest of the block zero).
-GlobalHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t expectedSize);
+BlockHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t expectedSize);
 // The same when the size is not known; the block grows with the output, up to
 // kMaxPictureBytes.
-GlobalHandle InflateBlockFromFileGrowing(std::FILE* file, uint32_t* inOutSize);
+BlockHandle InflateBlockFromFileGrowing(std::FILE* file, uint32_t* inOutSize);

@@ -5,7 +5,7 @@
 #include "base/global_block.h"
 #include "calendar/records.h"
 
-using CalendarDocument = GlobalHandle;
+using CalendarDocument = BlockHandle;
 
 // A new calendar for `year` opening on `currentPage`, built from the current
 // settings; 0 when memory runs out.

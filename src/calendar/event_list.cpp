@@ -23,10 +23,10 @@ std::string MonthCode(int month) {
 
 std::string EventFilePath(const char* name) { return JoinPath(Settings.ApplicationPath, std::string(name) + ".CDF"); }
 
-GlobalHandle LoadEventList(const char* name) {
+BlockHandle LoadEventList(const char* name) {
   std::FILE* f = std::fopen(EventFilePath(name).c_str(), "rt");
   if (!f) return 0;
-  GlobalHandle list = GlobalBlockAlloc(kEmptyListSize);
+  BlockHandle list = GlobalBlockAlloc(kEmptyListSize);
   uint32_t used = 0;  // bytes of the lines stored so far, NULs included
   char line[kEventLineSize];
   while (list && std::fgets(line, sizeof line, f)) {
@@ -51,7 +51,7 @@ GlobalHandle LoadEventList(const char* name) {
   return list;
 }
 
-int FindEvent(char* out, size_t outSize, GlobalHandle list, int month, int dayIndex) {
+int FindEvent(char* out, size_t outSize, BlockHandle list, int month, int dayIndex) {
   if (outSize) out[0] = 0;
   if (!list || month < 0 || month > 11) return 0;
   char key[16];

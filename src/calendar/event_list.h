@@ -14,15 +14,15 @@ std::string EventFilePath(const char* name);
 // Loads the list into a block of consecutive NUL-terminated lines ended by an
 // empty one; 0 when the file cannot be opened or memory runs out. A file
 // without event lines gives a valid, empty list.
-GlobalHandle LoadEventList(const char* name);
+BlockHandle LoadEventList(const char* name);
 
 // The text of the first event of day `dayIndex` + 1 of `month` (0..11) in
 // `list`; 1 with the text in `out`, or 0 with `out` empty.
-int FindEvent(char* out, size_t outSize, GlobalHandle list, int month, int dayIndex);
+int FindEvent(char* out, size_t outSize, BlockHandle list, int month, int dayIndex);
 
 // Calls `visit` for every line of the list, in file order.
 template <class Visit>
-void ForEachEventLine(GlobalHandle list, Visit visit);
+void ForEachEventLine(BlockHandle list, Visit visit);
 
 struct EventEntry {
   int month;  // 0..11

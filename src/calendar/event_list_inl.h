@@ -2,7 +2,7 @@
 #include <cstring>
 
 template <class Visit>
-void ForEachEventLine(GlobalHandle list, Visit visit) {
+void ForEachEventLine(BlockHandle list, Visit visit) {
   uint32_t size = GlobalBlockSize(list);
   BlockLock lock(list);
   if (!lock) return;

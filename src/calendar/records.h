@@ -30,7 +30,7 @@ struct CalendarHeader {
   uint16_t UseCurrentYear;
   uint16_t ShowYearInPages;
   uint16_t Changed;
-  GlobalHandle CoverPicture;
+  BlockHandle CoverPicture;
   char YagFontName[kFontNameSize];
   uint32_t YagColour;
   int32_t TagFontItal;
@@ -127,8 +127,8 @@ struct MonthPage {
   uint32_t PageBackgroundColour;
   int32_t PageMargin;
   int32_t Gutter;
-  GlobalHandle Picture;
-  GlobalHandle Events;
+  BlockHandle Picture;
+  BlockHandle Events;
   int32_t LastPropertyPage;  // page of the page property sheet last applied
   char LeftCaption[kCaptionSize];
   char RightCaption[kCaptionSize];

@@ -151,7 +151,7 @@ void WriteString(std::FILE* out, const std::string& utf8) {
   std::fputc('"', out);
 }
 
-void WritePicture(std::FILE* out, GlobalHandle picture) {
+void WritePicture(std::FILE* out, BlockHandle picture) {
   uint32_t bytes = GlobalBlockSize(picture);
   BlockLock lock(picture);
   if (!lock || bytes < sizeof(BitmapInfoHeader)) {
@@ -165,7 +165,7 @@ void WritePicture(std::FILE* out, GlobalHandle picture) {
 }
 
 // Every day of the page's month that has an event, with the text FindEvent gives.
-void WriteEvents(std::FILE* out, GlobalHandle events, int year, int month, const char* indent) {
+void WriteEvents(std::FILE* out, BlockHandle events, int year, int month, const char* indent) {
   if (!events) {
     std::fputs("null", out);
     return;

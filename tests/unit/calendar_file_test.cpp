@@ -189,7 +189,7 @@ TEST_F(CalendarFileTest, LoadingReadsEventListsAndClearsTheChangedFlag) {
   CalendarDocument back = Load(path_);
   GetHeader(back, &h);
   EXPECT_EQ(h.Changed, 0);
-  GlobalHandle events = Page(back, 6).Events;
+  BlockHandle events = Page(back, 6).Events;
   ASSERT_NE(events, 0u);
   char text[64];
   EXPECT_EQ(FindEvent(text, sizeof text, events, 6, 3), 1);
@@ -404,7 +404,7 @@ TEST_F(CalendarFileTest, AFailedSaveLeavesThePreviousFile) {
 }
 
 TEST_F(CalendarFileTest, CompressionLevelsAndTheStreamFunctions) {
-  GlobalHandle picture = MakePatternDib(300, 200, 24, 9);
+  BlockHandle picture = MakePatternDib(300, 200, 24, 9);
   std::string path = dir_.File("stream.bin");
   uint32_t sizes[2];
   for (int level : {1, 9}) {
@@ -417,11 +417,11 @@ TEST_F(CalendarFileTest, CompressionLevelsAndTheStreamFunctions) {
 
     f = std::fopen(path.c_str(), "rb");
     uint32_t length = size;
-    GlobalHandle known = InflateBlockFromFile(f, &length, GlobalBlockSize(picture));
+    BlockHandle known = InflateBlockFromFile(f, &length, GlobalBlockSize(picture));
     EXPECT_EQ(length, GlobalBlockSize(picture));
     std::rewind(f);
     length = size;
-    GlobalHandle grown = InflateBlockFromFileGrowing(f, &length);
+    BlockHandle grown = InflateBlockFromFileGrowing(f, &length);
     std::fclose(f);
     EXPECT_EQ(BlockBytes(known), BlockBytes(picture));
     EXPECT_EQ(BlockBytes(grown), BlockBytes(picture));

@@ -68,7 +68,7 @@ TEST_F(CalendarModelTest, NewCalendarTakesItsDesignFromTheSettings) {
 TEST_F(CalendarModelTest, NewCalendarLoadsEachPageItsEventList) {
   WriteFile(dir_.File("General.CDF"), "JAN05 Party\n");
   CalendarDocument doc = CreateCalendar(2026, 0);
-  GlobalHandle seen[12];
+  BlockHandle seen[12];
   for (int m = 0; m < 12; ++m) {
     seen[m] = Page(doc, m).Events;
     ASSERT_NE(seen[m], 0u);
@@ -211,7 +211,7 @@ TEST_F(CalendarModelTest, RecordAccessChecksIndexAndMagic) {
 
   ASSERT_TRUE(GetHeader(doc, &h));
   // A block that is not a calendar is refused by every access.
-  GlobalHandle other = GlobalBlockAlloc(70139);
+  BlockHandle other = GlobalBlockAlloc(70139);
   EXPECT_FALSE(GetHeader(other, &h));
   EXPECT_FALSE(PutHeader(other, &h));
   EXPECT_FALSE(GetMonthPage(other, 0, &p));

@@ -19,12 +19,12 @@ TEST(Dib, ColourTableAndStrideFollowTheBitCount) {
 }
 
 TEST(Dib, CreatedDibsAreValidAndDamagedOnesAreNot) {
-  GlobalHandle pal = DibCreate(10, 3, 8);
+  BlockHandle pal = DibCreate(10, 3, 8);
   ASSERT_NE(pal, 0u);
   EXPECT_EQ(GlobalBlockSize(pal), 40u + 256 * 4 + 12 * 3);
   EXPECT_TRUE(DibBlockIsValid(pal));
 
-  GlobalHandle rgb = DibCreate(3, -2, 24);  // top-down
+  BlockHandle rgb = DibCreate(3, -2, 24);  // top-down
   EXPECT_EQ(GlobalBlockSize(rgb), 40u + 12 * 2);
   EXPECT_TRUE(DibBlockIsValid(rgb));
   // One byte short of the last row.
@@ -43,5 +43,5 @@ TEST(Dib, CreatedDibsAreValidAndDamagedOnesAreNot) {
   EXPECT_EQ(DibCreate(0, 5, 24), 0u);
   EXPECT_EQ(DibCreate(5, 5, 7), 0u);
   EXPECT_EQ(DibCreate(100000, 100000, 32), 0u) << "larger than a block can be";
-  for (GlobalHandle b : {pal, rgb}) GlobalBlockFree(b);
+  for (BlockHandle b : {pal, rgb}) GlobalBlockFree(b);
 }

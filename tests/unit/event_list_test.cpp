@@ -9,12 +9,12 @@ namespace {
 
 class EventListTest : public QuernalTest {
  protected:
-  GlobalHandle Load(const std::string& text) {
+  BlockHandle Load(const std::string& text) {
     WriteFile(dir_.File("General.CDF"), text);
     return LoadEventList("General");
   }
   // The text FindEvent gives, or "<none>".
-  static std::string Find(GlobalHandle list, int month, int day) {
+  static std::string Find(BlockHandle list, int month, int day) {
     char text[1024] = "stale";
     int found = FindEvent(text, sizeof text, list, month, day - 1);
     if (!found) {
@@ -22,7 +22,7 @@ class EventListTest : public QuernalTest {
     }
     return found ? text : "<none>";
   }
-  static std::vector<std::string> Lines(GlobalHandle list) {
+  static std::vector<std::string> Lines(BlockHandle list) {
     std::vector<std::string> lines;
     ForEachEventLine(list, [&](const char* line) { lines.push_back(line); });
     return lines;
@@ -32,14 +32,14 @@ class EventListTest : public QuernalTest {
 }  // namespace
 
 TEST_F(EventListTest, LinesAreKeptCutAtTheirFirstControlCharacter) {
-  GlobalHandle list = Load("; a comment\n   ;indented comment\nJAN05 Party\r\n  FEB02 Indented\nMAR03 Tab\tcut\n");
+  BlockHandle list = Load("; a comment\n   ;indented comment\nJAN05 Party\r\n  FEB02 Indented\nMAR03 Tab\tcut\n");
   ASSERT_NE(list, 0u);
   EXPECT_EQ(Lines(list), (std::vector<std::string>{"JAN05 Party", "  FEB02 Indented", "MAR03 Tab"}));
   GlobalBlockFree(list);
 }
 
 TEST_F(EventListTest, CommentsOnlyGiveAnEmptyListAndNoFileGivesNone) {
-  GlobalHandle list = Load(";nothing here\n; still nothing\n");
+  BlockHandle list = Load(";nothing here\n; still nothing\n");
   ASSERT_NE(list, 0u);
   EXPECT_TRUE(Lines(list).empty());
   EXPECT_EQ(Find(list, 0, 1), "<none>");
@@ -48,7 +48,7 @@ TEST_F(EventListTest, CommentsOnlyGiveAnEmptyListAndNoFileGivesNone) {
 }
 
 TEST_F(EventListTest, FindEventMatchesMonthAndDayWithoutRegardToCase) {
-  GlobalHandle list = Load("jan05 lower\nJAN05 Second on the same day\nDEC31 Year's end\n"
+  BlockHandle list = Load("jan05 lower\nJAN05 Second on the same day\nDEC31 Year's end\n"
                            "  FEB02 Indented never matches\nMAR07\nMAR0812\nJAN1x Bad\n");
   EXPECT_EQ(Find(list, 0, 5), "lower");
   EXPECT_EQ(Find(list, 11, 31), "Year's end");
@@ -68,14 +68,14 @@ TEST_F(EventListTest, FindEventMatchesMonthAndDayWithoutRegardToCase) {
 TEST_F(EventListTest, MonthNamesFromTheSettingsMakeTheKeys) {
   std::strcpy(Settings.MonthMarch, "M\xE4rz");
   std::strcpy(Settings.MonthMay, "Mai");
-  GlobalHandle list = Load("M\xC4R14 Capital umlaut\nM\xE4R14 Pi\nMAI01 Feiertag\nMAR14 English\n");
+  BlockHandle list = Load("M\xC4R14 Capital umlaut\nM\xE4R14 Pi\nMAI01 Feiertag\nMAR14 English\n");
   EXPECT_EQ(Find(list, 2, 14), "Pi") << "only ASCII letters fold";
   EXPECT_EQ(Find(list, 4, 1), "Feiertag");
   GlobalBlockFree(list);
 }
 
 TEST_F(EventListTest, LongLinesAreReadInPiecesOf1023) {
-  GlobalHandle list = Load("APR01 " + std::string(1017, 'x') + "FEB01 From the second piece\n");
+  BlockHandle list = Load("APR01 " + std::string(1017, 'x') + "FEB01 From the second piece\n");
   EXPECT_EQ(Find(list, 3, 1), std::string(1017, 'x'));
   EXPECT_EQ(Find(list, 1, 1), "From the second piece");
   GlobalBlockFree(list);
@@ -93,10 +93,10 @@ TEST_F(EventListTest, WritingKeepsExactlyOnePreviousVersion) {
   EXPECT_FALSE(FileExists(dir_.File("Family.BAK")));
   ASSERT_TRUE(WriteEventList("Family", {{0, 5, "Second"}, {6, 4, "Picnic"}}));
   ASSERT_TRUE(WriteEventList("Family", {{0, 5, "Third"}}));
-  EXPECT_EQ(ReadFile(dir_.File("Family.CDF")), "Jan05 Third\n");
-  EXPECT_EQ(ReadFile(dir_.File("Family.BAK")), "Jan05 Second\nJul04 Picnic\n");
+  EXPECT_EQ(ReadFile(dir_.File("Family.CDF")), AsTextFile("Jan05 Third\n"));
+  EXPECT_EQ(ReadFile(dir_.File("Family.BAK")), AsTextFile("Jan05 Second\nJul04 Picnic\n"));
 
-  GlobalHandle list = LoadEventList("Family");
+  BlockHandle list = LoadEventList("Family");
   EXPECT_EQ(Find(list, 0, 5), "Third");
   GlobalBlockFree(list);
 
@@ -104,5 +104,5 @@ TEST_F(EventListTest, WritingKeepsExactlyOnePreviousVersion) {
   std::strcpy(Settings.ApplicationPath, dir_.File("no such folder").c_str());
   EXPECT_FALSE(WriteEventList("Family", {}));
   std::strcpy(Settings.ApplicationPath, dir_.path().c_str());
-  EXPECT_EQ(ReadFile(dir_.File("Family.CDF")), "Jan05 Third\n");
+  EXPECT_EQ(ReadFile(dir_.File("Family.CDF")), AsTextFile("Jan05 Third\n"));
 }

@@ -4,7 +4,7 @@
 #include "test_support.h"
 
 TEST(GlobalBlock, NewBlocksAreZeroAndKeepTheirBytesWhenResized) {
-  GlobalHandle h = GlobalBlockAlloc(16);
+  BlockHandle h = GlobalBlockAlloc(16);
   ASSERT_NE(h, 0u);
   EXPECT_EQ(GlobalBlockSize(h), 16u);
   {
@@ -30,10 +30,10 @@ TEST(GlobalBlock, NewBlocksAreZeroAndKeepTheirBytesWhenResized) {
 }
 
 TEST(GlobalBlock, StaleAndUnknownHandlesAreRefused) {
-  GlobalHandle h = GlobalBlockAlloc(8);
+  BlockHandle h = GlobalBlockAlloc(8);
   ASSERT_TRUE(GlobalBlockFree(h));
   // The slot is reused, but the old handle must not reach the new block.
-  GlobalHandle again = GlobalBlockAlloc(8);
+  BlockHandle again = GlobalBlockAlloc(8);
   EXPECT_NE(again, h);
   EXPECT_EQ(GlobalBlockLock(h), nullptr);
   EXPECT_EQ(GlobalBlockSize(h), 0u);
@@ -45,7 +45,7 @@ TEST(GlobalBlock, StaleAndUnknownHandlesAreRefused) {
 }
 
 TEST(GlobalBlock, LocksAreCountedAndDuplicatesOwnTheirBytes) {
-  GlobalHandle h = GlobalBlockAlloc(4);
+  BlockHandle h = GlobalBlockAlloc(4);
   EXPECT_FALSE(GlobalBlockUnlock(h));
   {
     BlockLock a(h), b(h);
@@ -54,7 +54,7 @@ TEST(GlobalBlock, LocksAreCountedAndDuplicatesOwnTheirBytes) {
   }
   EXPECT_EQ(GlobalBlockLockCount(h), 0u);
 
-  GlobalHandle copy = DuplicateBlock(h);
+  BlockHandle copy = DuplicateBlock(h);
   ASSERT_NE(copy, 0u);
   ASSERT_NE(copy, h);
   EXPECT_EQ(BlockBytes(copy), BlockBytes(h));
@@ -63,8 +63,8 @@ TEST(GlobalBlock, LocksAreCountedAndDuplicatesOwnTheirBytes) {
   EXPECT_EQ(GlobalBlockLockCount(h), 0u);
 
   // Nothing to duplicate in an empty or dead block.
-  GlobalHandle empty = GlobalBlockAlloc(0);
+  BlockHandle empty = GlobalBlockAlloc(0);
   EXPECT_EQ(DuplicateBlock(empty), 0u);
   EXPECT_EQ(DuplicateBlock(0), 0u);
-  for (GlobalHandle b : {h, copy, empty}) EXPECT_TRUE(GlobalBlockFree(b));
+  for (BlockHandle b : {h, copy, empty}) EXPECT_TRUE(GlobalBlockFree(b));
 }

@@ -46,6 +46,16 @@ std::string ReadFile(const std::string& path) {
 
 bool FileExists(const std::string& path) { return fs::exists(path); }
 
+std::string AsTextFile(const std::string& text) {
+#ifdef _WIN32
+  std::string out;
+  for (char c : text) out += c == '\n' ? std::string("\r\n") : std::string(1, c);
+  return out;
+#else
+  return text;
+#endif
+}
+
 void QuernalTest::SetUp() {
   ResetSettings();
   CopyText(Settings.ApplicationPath, sizeof Settings.ApplicationPath, dir_.path().c_str());
@@ -59,8 +69,8 @@ void QuernalTest::TearDown() {
   EXPECT_EQ(GlobalBlockLiveCount(), liveBlocks_) << "the test left memory blocks behind";
 }
 
-GlobalHandle MakePatternDib(int width, int height, int bits, uint32_t seed) {
-  GlobalHandle dib = DibCreate(width, height, static_cast<uint16_t>(bits));
+BlockHandle MakePatternDib(int width, int height, int bits, uint32_t seed) {
+  BlockHandle dib = DibCreate(width, height, static_cast<uint16_t>(bits));
   BlockLock lock(dib);
   uint8_t* p = lock.bytes() + sizeof(BitmapInfoHeader);
   uint8_t* end = lock.bytes() + GlobalBlockSize(dib);
@@ -69,7 +79,7 @@ GlobalHandle MakePatternDib(int width, int height, int bits, uint32_t seed) {
   return dib;
 }
 
-std::vector<uint8_t> BlockBytes(GlobalHandle block) {
+std::vector<uint8_t> BlockBytes(BlockHandle block) {
   BlockLock lock(block);
   if (!lock) return {};
   return std::vector<uint8_t>(lock.bytes(), lock.bytes() + GlobalBlockSize(block));

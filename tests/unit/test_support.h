@@ -25,6 +25,8 @@ class TempDir {
 void WriteFile(const std::string& path, const std::string& bytes);
 std::string ReadFile(const std::string& path);
 bool FileExists(const std::string& path);
+// `text` as a file written in text mode holds it: CR LF line ends on Windows.
+std::string AsTextFile(const std::string& text);
 
 class QuernalTest : public ::testing::Test {
  protected:
@@ -37,5 +39,5 @@ class QuernalTest : public ::testing::Test {
 };
 
 // A Dib of the given size whose pixels follow a pattern from `seed`.
-GlobalHandle MakePatternDib(int width, int height, int bits, uint32_t seed);
-std::vector<uint8_t> BlockBytes(GlobalHandle block);
+BlockHandle MakePatternDib(int width, int height, int bits, uint32_t seed);
+std::vector<uint8_t> BlockBytes(BlockHandle block);
