@@ -45,15 +45,18 @@ bool ReadAll(std::FILE* f, void* data, size_t size) { return std::fread(data, 1,
 
 std::string Caption(const char* verb, const char* path) { return std::string(verb) + " " + FileNamePart(path); }
 
+void SetPictureDataSize(CalendarHeader* header, uint32_t size) { header->CoverPictureDataSize = size; }
+void SetPictureDataSize(MonthPage* page, uint32_t size) { page->PictureDataSize = size; }
+
 // Writes `record` at its start, then (when a picture follows) compresses the
 // picture behind it and rewrites the record with its full length.
 template <class Record>
-bool WriteRecordWithPicture(std::FILE* f, Record* record, BlockHandle picture, uint32_t* dataSize, int level) {
+bool WriteRecordWithPicture(std::FILE* f, Record* record, BlockHandle picture, int level) {
   uint64_t start;
   if (!Tell(f, &start) || !WriteAll(f, record, sizeof *record)) return false;
   if (!picture) return true;
-  *dataSize = GlobalBlockSize(picture);
-  uint32_t written = *dataSize;
+  uint32_t written = GlobalBlockSize(picture);
+  SetPictureDataSize(record, written);
   if (!CompressBlockToFile(f, picture, &written, level)) return false;
   record->RecordSize = static_cast<uint32_t>(sizeof *record) + written;
   return Seek(f, start) && WriteAll(f, record, sizeof *record) && Seek(f, 0, SEEK_END);
@@ -66,7 +69,7 @@ bool WriteCalendar(std::FILE* f, CalendarDocument document, FileProgress* progre
   // Handles mean nothing outside this process; the file keeps them as flags.
   BlockHandle cover = header.CoverPictureShowPicture ? header.CoverPicture : 0;
   header.CoverPicture = header.CoverPicture ? 1 : 0;
-  if (!WriteRecordWithPicture(f, &header, cover, &header.CoverPictureDataSize, level)) return false;
+  if (!WriteRecordWithPicture(f, &header, cover, level)) return false;
   for (int month = 0; month < 12; ++month) {
     MonthPage page;
     if (!GetMonthPage(document, month, &page)) return false;
@@ -74,7 +77,7 @@ bool WriteCalendar(std::FILE* f, CalendarDocument document, FileProgress* progre
     BlockHandle picture = page.PictureShowPicture ? page.Picture : 0;
     page.Picture = picture ? 1 : 0;
     page.Events = 0;
-    if (!WriteRecordWithPicture(f, &page, picture, &page.PictureDataSize, level)) return false;
+    if (!WriteRecordWithPicture(f, &page, picture, level)) return false;
     // The bar moves only for months that carry a picture.
     if (picture) progress->Advance(month + 1, 12);
   }
