@@ -16,6 +16,9 @@
 namespace {
 
 constexpr uint32_t kChunk = 8192;
+// Compressed input is read in larger pieces than the 8 KiB output steps:
+// fewer, larger inflate calls keep loading within a few percent of zlib.
+constexpr uint32_t kInputChunk = 1 << 16;
 // Deflate cannot expand data by more than about 1,032 to 1, so a stream that
 // claims more than this many bytes per compressed byte is damaged, and the
 // block need not be allocated to find out.
@@ -166,7 +169,7 @@ class StreamInput {
   // Refills the stream's input when it is empty; false when the file ends.
   bool Refill(z_stream* z) {
     if (z->avail_in > 0 || remaining_ == 0) return true;
-    size_t got = std::fread(buffer_, 1, std::min(remaining_, kChunk), file_);
+    size_t got = std::fread(buffer_, 1, std::min(remaining_, kInputChunk), file_);
     if (got == 0) return false;
     remaining_ -= static_cast<uint32_t>(got);
     z->next_in = buffer_;
@@ -177,7 +180,7 @@ class StreamInput {
  private:
   std::FILE* file_;
   uint32_t remaining_;
-  unsigned char buffer_[kChunk];
+  unsigned char buffer_[kInputChunk];
 };
 
 // Runs inflate until the stream ends. `room` is called before every step to
@@ -233,6 +236,8 @@ CalendarDocument LoadCalendar(FileProgress* progress, const char* path) {
   progress->Begin(Caption("Opening", path).c_str());
   CalendarDocument document = CreateCalendar(today.year, today.month - 1);
   std::FILE* f = document ? std::fopen(path, "rb") : nullptr;
+  static char buffer[1 << 16];
+  if (f) std::setvbuf(f, buffer, _IOFBF, sizeof buffer);
   bool ok = f && ReadCalendar(f, document, progress);
   if (f) std::fclose(f);
   if (!ok && document) {
