@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include "base/global_block.h"
 
@@ -12,6 +13,10 @@ const std::string& FuzzFolder() {
     char pattern[] = "/tmp/quernal-fuzz-XXXXXX";
     const char* made = mkdtemp(pattern);
     if (!made) std::abort();
+    std::atexit([] {
+      std::error_code ignored;
+      std::filesystem::remove_all(FuzzFolder(), ignored);
+    });
     return std::string(made);
   }();
   return folder;
