@@ -1,0 +1,254 @@
+// A month page: the picture half above, the calendar half below with the
+// heading, the day names, the two captions, the date cells with their events
+// and the small previous and next months.
+#include <algorithm>
+#include <string>
+
+#include "calendar/calendar_dates.h"
+#include "calendar/event_list.h"
+#include "render/page_parts.h"
+#include "render/page_renderer.h"
+#include "render/primitives.h"
+
+namespace {
+
+// Everything the page's layout derives from its rectangle, computed before
+// anything is drawn.
+struct MonthLayout {
+  Rect inner;
+  int32_t gutter, gridTop, colW, rowH, headBandH, daysBandH;
+  int32_t radius, interior, exterior;
+  int32_t headFontH, daysFontH, dateFontH, eventFontH, captionFontH, smallFontH;
+  int32_t headShadow, dateShadow, pictureInset;
+};
+
+MonthLayout Layout(const Rect& page, const MonthPage& p) {
+  MonthLayout l;
+  const int32_t margin = PercentOf(Width(page), p.PageMargin);
+  l.inner = Deflated(page, margin);
+  l.gutter = PercentOf(Height(l.inner), p.Gutter);
+  l.gridTop = Height(l.inner) / 2 + l.inner.top + l.gutter;
+  l.colW = Width(l.inner) / 7;
+  l.rowH = (Height(l.inner) / 2 - l.gutter) / 7;
+  l.headBandH = l.rowH * 2 / 3;
+  l.daysBandH = l.rowH - l.headBandH;
+  l.radius = PercentOf(l.colW, p.DateRound) / 2;
+  l.interior = PercentOf(l.daysBandH, p.HeadInteriorPadding);
+  l.exterior = PercentOf(l.daysBandH, std::max(p.HeadExteriorPadding, p.DateRound));
+  const int32_t insets = 2 * (l.interior + l.exterior);
+  l.headFontH = l.headBandH - insets;
+  l.daysFontH = l.daysBandH - insets;
+  l.dateFontH = PercentOf(l.rowH, p.DateFontSize);
+  l.eventFontH = PercentOf(l.rowH, p.DaysFontSize);
+  l.captionFontH = PercentOf(l.headBandH, p.CapFontSize);
+  l.smallFontH = (l.rowH - 2 * (l.exterior + l.interior)) / 8;
+  l.headShadow = PercentOf(l.headFontH, p.DateShadowOffset);
+  l.dateShadow = PercentOf(l.dateFontH, p.DateShadowOffset);
+  l.pictureInset = PercentOf(Width(l.inner), p.PictureExteriorPadding);
+  return l;
+}
+
+void DrawPicture(Canvas& c, const MonthLayout& l, const MonthPage& p, bool printing) {
+  int32_t pictureW, pictureH;
+  if (!p.PictureShowPicture || !PictureSize(p.Picture, &pictureW, &pictureH)) return;
+  // The box ends a margin short of the middle: its bottom comes from the inner
+  // height alone, without the inner top.
+  Rect box = Deflated({l.inner.left, l.inner.top, l.inner.right, (Height(l.inner) - l.gutter) / 2}, l.pictureInset);
+  const int32_t shadow = p.PictureDropShadow ? PercentOf(std::min(Width(box), Height(box)), p.PictureShadowOffset) : 0;
+  box.right -= shadow;
+  box.bottom -= shadow;
+  const PictureFit fit = FitPicture(box, pictureW, pictureH, false);
+  int32_t x, y;
+  PlacePicture(box, fit, p.PicturePlacement, &x, &y);
+  const Colour shadowColour = Mix(p.PictureFrameColour, p.PageBackgroundColour);
+
+  c.SaveState();
+  c.SetOrigin(box.left + x, box.top + y);
+  if (p.PictureDropShadow) {
+    if (p.PictureShadowSoftness) {
+      DrawSoftShadow(c, shadow, shadow, fit.width + shadow, fit.height + shadow, shadowColour, p.PageBackgroundColour,
+                     p.PictureShadowSoftness);
+    } else {
+      c.SetPen(kNullPen);
+      c.SetBrush(SolidBrush(shadowColour));
+      c.Rectangle({shadow, shadow, fit.width + shadow, fit.height + shadow});
+    }
+  }
+  c.DrawPicture(p.Picture, fit.width, fit.height, printing);
+  if (p.PictureShowFrame) {
+    c.SetPen(SolidPen(p.PictureFrameColour));
+    c.SetBrush(kNullBrush);
+    c.Rectangle({0, 0, fit.width, fit.height});
+  }
+  c.RestoreState();
+  c.EndStage();
+}
+
+void DrawHeading(Canvas& c, const MonthLayout& l, const MonthPage& p, const std::string& title) {
+  c.SetFont({l.headFontH, p.HeadFontBold, p.HeadFontItal, p.HeadFontName});
+  c.SetBrush(SolidBrush(p.HeadBackColour));
+  c.SetPen(SolidPen(p.HeadFrameColour));
+  const Rect cell = RectOfSize(l.inner.left + 2 * l.colW, l.gridTop, 3 * l.colW, l.headBandH);
+  const Rect text = DrawBox(c, cell, l.exterior, l.interior, l.radius);
+  const uint32_t format = static_cast<uint32_t>(p.HeadPlacement) | kDtSingleLine | kDtNoPrefix;
+  if (p.HeadShadow) {
+    // The shadowed heading is deliberately not centred vertically.
+    DrawShadowedText(c, title, text, Offset(text, -l.headShadow, -l.headShadow), format,
+                     Mix(p.HeadBackColour, p.HeadFontColour), p.HeadFontColour);
+  } else {
+    Rect r = text;
+    c.SetTextColour(p.HeadFontColour);
+    c.DrawText(title, &r, format | kDtVCenter);
+  }
+  c.EndStage();
+}
+
+void DrawDayNames(Canvas& c, const MonthLayout& l, const MonthPage& p) {
+  c.SetFont({l.daysFontH, p.HeadFontBold, p.HeadFontItal, p.HeadFontName});
+  c.SetTextColour(p.HeadFontColour);
+  c.SetBrush(SolidBrush(p.HeadBackColour));
+  c.SetPen(SolidPen(p.HeadFrameColour));
+  for (int i = 0; i < 7; ++i) {
+    const Rect cell = RectOfSize(l.inner.left + i * l.colW, l.gridTop + l.headBandH, l.colW, l.daysBandH);
+    Rect text = DrawBox(c, cell, l.exterior, l.interior, l.radius);
+    c.DrawText(DayName(i), &text,
+               static_cast<uint32_t>(p.HeadPlacement) | kDtSingleLine | kDtNoPrefix | kDtVCenter);
+  }
+  c.EndStage();
+}
+
+void DrawCaptions(Canvas& c, const MonthLayout& l, const MonthPage& p) {
+  c.SetFont({l.captionFontH, p.CapFontBold, p.CapFontItal, p.CapFontName});
+  c.SetTextColour(p.CapFontColour);
+  c.SetBrush(SolidBrush(p.HeadBackColour));
+  c.SetPen(SolidPen(p.HeadFrameColour));
+  const uint32_t format = static_cast<uint32_t>(p.CapPlacement) | kDtWordBreak | kDtNoPrefix;
+  const struct {
+    int32_t column;
+    const char* text;
+  } boxes[] = {{5, p.RightCaption}, {0, p.LeftCaption}};
+  for (const auto& b : boxes) {
+    const Rect cell = RectOfSize(l.inner.left + b.column * l.colW, l.gridTop, 2 * l.colW, l.headBandH);
+    Rect text = DrawBox(c, cell, l.exterior, l.interior, l.radius);
+    c.DrawText(b.text, &text, format);
+  }
+  c.EndStage();
+}
+
+// Events sit opposite the date number.
+uint32_t EventAlignment(int32_t datePlacement) {
+  return datePlacement == 0 || datePlacement == 8 ? kDtRight : kDtLeft;
+}
+
+void DrawEvent(Canvas& c, const MonthLayout& l, const MonthPage& p, const FontSpec& eventFont, const Rect& cell,
+               int month, int day) {
+  char text[1024];
+  if (p.DateFontPlacement == 1 || !FindEvent(text, sizeof text, p.Events, month, day)) return;
+  Rect r = Deflated(Deflated(cell, l.exterior), l.interior);
+  const uint32_t format = EventAlignment(p.DateFontPlacement) | kDtWordBreak | kDtNoPrefix;
+  c.SetFont(eventFont);
+  c.SetTextColour(p.DaysFontColour);
+  if (p.DateFontPlacement == 0 || p.DateFontPlacement == 2) {
+    // Under a number at the top, the text sits at the bottom of the cell, and
+    // runs above its top when it is taller than the cell.
+    Rect measured = r;
+    c.DrawText(text, &measured, format | kDtCalcRect);
+    r.top = r.bottom - Height(measured);
+  }
+  c.DrawText(text, &r, format);
+}
+
+// Draws the date cells and returns the grid position after the last day.
+void DrawDates(Canvas& c, const MonthLayout& l, const MonthPage& p, int year, int month, int32_t* column,
+               int32_t* y) {
+  const FontSpec dateFont{l.dateFontH, p.DateFontBold, p.DateFontItal, p.DateFontName};
+  const FontSpec eventFont{l.eventFontH, p.DaysFontBold, p.DaysFontItal, p.DaysFontName};
+  const uint32_t format = static_cast<uint32_t>(p.DateFontPlacement) | kDtSingleLine | kDtNoPrefix;
+  const Colour shadowColour = Mix(p.DateBackColour, p.DateFontColour);
+  *y = l.gridTop + l.rowH;
+  *column = FirstWeekdayColumn(year, month);
+  for (int day = 0; day < MonthLength(year, month); ++day) {
+    if (*column >= 7) {
+      *y += l.rowH;
+      *column = 0;
+    }
+    const Rect cell = RectOfSize(l.inner.left + *column * l.colW, *y, l.colW, l.rowH);
+    c.SetBrush(SolidBrush(p.DateBackColour));
+    c.SetPen(SolidPen(p.DateFrameColour));
+    Rect text = DrawBox(c, cell, l.exterior, l.interior, l.radius);
+    c.SetFont(dateFont);
+    const std::string number = std::to_string(day + 1);
+    if (p.DateShadow) {
+      DrawShadowedText(c, number, text, Offset(text, -l.dateShadow, -l.dateShadow), format, shadowColour,
+                       p.DateFontColour);
+    } else {
+      c.SetTextColour(p.DateFontColour);
+      c.DrawText(number, &text, format);
+    }
+    DrawEvent(c, l, p, eventFont, cell, month, day);
+    ++*column;
+  }
+  c.EndStage();
+}
+
+// The previous and next months in the two cells after the last day.
+void DrawSmallMonths(Canvas& c, const MonthLayout& l, const MonthPage& p, int year, int month, bool showYear,
+                     int32_t column, int32_t y) {
+  c.SetFont({l.smallFontH, p.CapFontBold, p.CapFontItal, p.CapFontName});
+  c.SetBrush(SolidBrush(p.DateBackColour));
+  c.SetPen(SolidPen(p.DateFrameColour));
+  const struct {
+    int year, month;
+  } months[] = {{month == 0 ? year - 1 : year, month == 0 ? 11 : month - 1},
+                {month == 11 ? year + 1 : year, month == 11 ? 0 : month + 1}};
+  for (const auto& m : months) {
+    if (column >= 7) {
+      y += l.rowH;
+      column = 0;
+    }
+    const Rect cell = RectOfSize(l.inner.left + column * l.colW, y, l.colW, l.rowH);
+    const Rect inside = DrawBox(c, cell, l.exterior, l.interior, l.radius);
+    DrawSmallMonth(c, inside, m.year, m.month, showYear, p.DateFontColour, p.DateFontColour);
+    ++column;
+  }
+  c.EndStage();
+}
+
+int DrawMonthPage(Canvas& c, const Rect& page, const CalendarHeader& h, const MonthPage& p, int month, bool printing,
+                  bool pictureHalf, bool calendarHalf) {
+  const MonthLayout l = Layout(page, p);
+  const int year = CalendarYear(&h);
+  if (!printing) DrawScreenFrame(c, page);
+  // Both half fills split the page at half its bottom coordinate, not at its
+  // middle; pages drawn away from the origin keep that.
+  if (pictureHalf) {
+    c.FillRect({page.left, page.top, page.right, page.bottom / 2}, p.PageBackgroundColour);
+    DrawPicture(c, l, p, printing);
+  }
+  if (!calendarHalf) return 1;
+  c.FillRect({page.left, page.bottom / 2, page.right, page.bottom}, p.PageBackgroundColour);
+  DrawHeading(c, l, p, MonthTitle(month, year, h.ShowYearInPages != 0));
+  DrawDayNames(c, l, p);
+  DrawCaptions(c, l, p);
+  int32_t column, y;
+  DrawDates(c, l, p, year, month, &column, &y);
+  if (p.HeadPrevNext) DrawSmallMonths(c, l, p, year, month, h.ShowYearInPages != 0, column, y);
+  return 1;
+}
+
+}  // namespace
+
+int DrawCalendarPage(Canvas& canvas, const Rect& pageRect, CalendarDocument document, int pageIndex, bool printing,
+                     bool drawPictureHalf, bool drawCalendarHalf) {
+  if (pageIndex == kCoverPageIndex)
+    return DrawCoverPage(canvas, pageRect, document, printing, drawPictureHalf, drawCalendarHalf);
+  if (pageIndex == kYearPageIndex)
+    return DrawYearPage(canvas, pageRect, document, printing, drawPictureHalf, drawCalendarHalf);
+  // The renderer works on copies: nothing it computes goes back into the document.
+  CalendarHeader header;
+  MonthPage page;
+  if (!GetHeader(document, &header) || !GetMonthPage(document, pageIndex, &page)) return 0;
+  TerminateTexts(&header);
+  TerminateTexts(&page);
+  return DrawMonthPage(canvas, pageRect, header, page, pageIndex, printing, drawPictureHalf, drawCalendarHalf);
+}

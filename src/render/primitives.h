@@ -1,0 +1,23 @@
+// Small drawing routines shared by the page renderers and the editors.
+#pragma once
+#include <cstdint>
+
+#include "base/geometry.h"
+#include "render/canvas.h"
+
+struct BitmapInfoHeader;
+
+// The per-channel mean (a + b) >> 1.
+Colour Mix(Colour a, Colour b);
+// Per channel (a * t + b * (255 - t)) / 255 for a weight t of 0..255.
+Colour BlendColour(Colour a, Colour b, int t);
+
+// A shadow fading from the background at its rim to `shadowColour` inside:
+// n = width * softness / 100 rounded rectangles, each smaller than the last.
+// Placed by its size alone at the current origin, not by left and top.
+int DrawSoftShadow(Canvas& canvas, int32_t left, int32_t top, int32_t right, int32_t bottom, Colour shadowColour,
+                   Colour backgroundColour, int32_t softnessPercent);
+
+// Clears the 768-byte triplet table and fills it with the Dib's colour table
+// as red, green, blue; returns the entry count (0 above 8 bits per pixel).
+int DibPaletteToTriplets(const BitmapInfoHeader* dibHeader, uint8_t* triplets);
