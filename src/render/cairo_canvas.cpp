@@ -1,0 +1,283 @@
+#include "render/cairo_canvas.h"
+
+#include <cairo.h>
+#include <pango/pangocairo.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <memory>
+
+#include "base/dib.h"
+#include "base/text.h"
+
+namespace {
+
+constexpr int32_t kDefaultFontHeight = 16;  // what a font of height 0 or less gets
+
+Rect Normalized(Rect r) {
+  if (r.left > r.right) std::swap(r.left, r.right);
+  if (r.top > r.bottom) std::swap(r.top, r.bottom);
+  return r;
+}
+
+// Text as the layout shows it: without the & prefixes unless they are to be
+// shown as they stand, and on one line when asked.
+std::string Displayed(const std::string& text, uint32_t format) {
+  std::string out;
+  for (size_t i = 0; i < text.size(); ++i) {
+    char c = text[i];
+    if (!(format & kDtNoPrefix) && c == '&') {
+      if (i + 1 < text.size() && text[i + 1] == '&') ++i;
+      else continue;
+    }
+    if ((format & kDtSingleLine) && (c == '\r' || c == '\n')) c = ' ';
+    if (!(format & kDtSingleLine) && c == '\r') continue;
+    out += c;
+  }
+  return Cp1252ToUtf8(out);
+}
+
+// The Dib as a Cairo image, or null for a block that is not a usable Dib.
+cairo_surface_t* DibToSurface(BlockHandle dib) {
+  if (!DibBlockIsValid(dib)) return nullptr;
+  BlockLock lock(dib);
+  const BitmapInfoHeader& h = *lock.as<BitmapInfoHeader>();
+  const int width = h.biWidth, height = std::abs(h.biHeight);
+  cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+  if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(surface);
+    return nullptr;
+  }
+  cairo_surface_flush(surface);
+  uint8_t* out = cairo_image_surface_get_data(surface);
+  const int outStride = cairo_image_surface_get_stride(surface);
+  const uint8_t* bits = DibBits(lock.bytes());
+  const RgbQuad* table = DibColourTable(lock.bytes());
+  const size_t stride = DibRowStride(width, h.biBitCount);
+  const int bitCount = h.biBitCount;
+  for (int y = 0; y < height; ++y) {
+    const uint8_t* row = bits + (h.biHeight > 0 ? height - 1 - y : y) * stride;
+    uint32_t* pixel = reinterpret_cast<uint32_t*>(out + y * outStride);
+    for (int x = 0; x < width; ++x) {
+      uint32_t r, g, b;
+      if (bitCount <= 8) {
+        int perByte = 8 / bitCount;
+        int index = (row[x / perByte] >> (8 - bitCount * (x % perByte + 1))) & ((1 << bitCount) - 1);
+        r = table[index].rgbRed, g = table[index].rgbGreen, b = table[index].rgbBlue;
+      } else if (bitCount == 16) {
+        uint32_t v = row[x * 2] | row[x * 2 + 1] << 8;
+        r = (v >> 10 & 31) * 255 / 31, g = (v >> 5 & 31) * 255 / 31, b = (v & 31) * 255 / 31;
+      } else {
+        const uint8_t* p = row + x * (bitCount / 8);
+        b = p[0], g = p[1], r = p[2];
+      }
+      pixel[x] = r << 16 | g << 8 | b;
+    }
+  }
+  cairo_surface_mark_dirty(surface);
+  return surface;
+}
+
+}  // namespace
+
+CairoCanvas::CairoCanvas(cairo_t* cr) : cr_(cr), layout_(pango_cairo_create_layout(cr)) {
+  // Positions that do not depend on the output's pixel grid, so PNG, PDF and
+  // SVG lay text out alike.
+  cairo_font_options_t* options = cairo_font_options_create();
+  cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
+  cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
+  pango_cairo_context_set_font_options(pango_layout_get_context(layout_), options);
+  cairo_font_options_destroy(options);
+}
+
+CairoCanvas::~CairoCanvas() { g_object_unref(layout_); }
+
+void CairoCanvas::EndStage() {
+  State fresh;
+  state_.font = fresh.font;
+  state_.pen = fresh.pen;
+  state_.brush = fresh.brush;
+}
+
+void CairoCanvas::SetColour(Colour c) { cairo_set_source_rgb(cr_, RedOf(c) / 255.0, GreenOf(c) / 255.0, BlueOf(c) / 255.0); }
+
+void CairoCanvas::FillRect(const Rect& r, Colour colour) {
+  if (Width(r) <= 0 || Height(r) <= 0) return;
+  SetColour(colour);
+  cairo_rectangle(cr_, r.left + state_.originX, r.top + state_.originY, Width(r), Height(r));
+  cairo_fill(cr_);
+}
+
+void CairoCanvas::FrameRect(const Rect& r, Colour colour) {
+  if (Width(r) <= 0 || Height(r) <= 0) return;
+  FillRect({r.left, r.top, r.right, r.top + 1}, colour);
+  FillRect({r.left, r.bottom - 1, r.right, r.bottom}, colour);
+  FillRect({r.left, r.top, r.left + 1, r.bottom}, colour);
+  FillRect({r.right - 1, r.top, r.right, r.bottom}, colour);
+}
+
+void CairoCanvas::Shape(const Rect& given, int32_t ellipseWidth, int32_t ellipseHeight) {
+  // As GDI: an inverted rectangle is drawn the right way round; the pen runs
+  // inside the right and bottom edges; without a pen the shape is a pixel smaller.
+  const Rect r = Normalized(given);
+  const bool pen = !state_.pen.none;
+  double x = r.left + state_.originX, y = r.top + state_.originY;
+  double w = Width(r) - 1, h = Height(r) - 1;
+  if (w <= 0 || h <= 0) return;
+  auto path = [&](double inset) {
+    double px = x + inset, py = y + inset, pw = w + (pen ? 1 - 2 * inset : 0), ph = h + (pen ? 1 - 2 * inset : 0);
+    double rx = std::min(std::abs(ellipseWidth) / 2.0, pw / 2), ry = std::min(std::abs(ellipseHeight) / 2.0, ph / 2);
+    cairo_new_path(cr_);
+    if (rx <= 0 || ry <= 0) {
+      cairo_rectangle(cr_, px, py, pw, ph);
+      return;
+    }
+    const double corners[4][3] = {{px + pw - rx, py + ry, -M_PI / 2}, {px + pw - rx, py + ph - ry, 0},
+                                  {px + rx, py + ph - ry, M_PI / 2}, {px + rx, py + ry, M_PI}};
+    for (const auto& c : corners) {
+      cairo_save(cr_);
+      cairo_translate(cr_, c[0], c[1]);
+      cairo_scale(cr_, rx, ry);
+      cairo_arc(cr_, 0, 0, 1, c[2], c[2] + M_PI / 2);
+      cairo_restore(cr_);
+    }
+    cairo_close_path(cr_);
+  };
+  if (!state_.brush.none) {
+    path(0);
+    SetColour(state_.brush.colour);
+    cairo_fill(cr_);
+  }
+  if (pen) {
+    path(0.5);
+    SetColour(state_.pen.colour);
+    cairo_set_line_width(cr_, 1);
+    cairo_stroke(cr_);
+  }
+}
+
+void CairoCanvas::Rectangle(const Rect& r) { Shape(r, 0, 0); }
+
+void CairoCanvas::RoundRect(const Rect& r, int32_t ellipseWidth, int32_t ellipseHeight) {
+  Shape(r, ellipseWidth, ellipseHeight);
+}
+
+double CairoCanvas::PangoSizeFor(const FontSpec& font) {
+  // A font's height here is its cell height (ascent plus descent), as for
+  // CreateFontA; Pango sizes fonts by the em, so convert once per face.
+  const std::string key = font.face + "/" + std::to_string(font.weight) + "/" + std::to_string(font.italic);
+  auto found = cellToEm_.find(key);
+  if (found == cellToEm_.end()) {
+    PangoFontDescription* d = pango_font_description_from_string("");
+    pango_font_description_set_family(d, font.face.c_str());
+    pango_font_description_set_weight(d, static_cast<PangoWeight>(std::clamp(font.weight, 100, 1000)));
+    pango_font_description_set_style(d, font.italic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
+    pango_font_description_set_absolute_size(d, 100 * PANGO_SCALE);
+    PangoFontMetrics* m = pango_context_get_metrics(pango_layout_get_context(layout_), d, nullptr);
+    double cell = (pango_font_metrics_get_ascent(m) + pango_font_metrics_get_descent(m)) / double(PANGO_SCALE);
+    pango_font_metrics_unref(m);
+    pango_font_description_free(d);
+    found = cellToEm_.emplace(key, cell > 0 ? cell / 100 : 1.15).first;
+  }
+  const int32_t height = font.height > 0 ? font.height : kDefaultFontHeight;
+  return height / found->second;
+}
+
+void CairoCanvas::Layout(const std::string& text, int32_t width, uint32_t format, int32_t* textW, int32_t* textH) {
+  pango_cairo_update_layout(cr_, layout_);
+  const FontSpec& f = state_.font;
+  PangoFontDescription* d = pango_font_description_from_string("");
+  pango_font_description_set_family(d, f.face.c_str());
+  pango_font_description_set_weight(d, static_cast<PangoWeight>(std::clamp(f.weight, 100, 1000)));
+  pango_font_description_set_style(d, f.italic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
+  pango_font_description_set_absolute_size(d, PangoSizeFor(f) * PANGO_SCALE);
+  pango_layout_set_font_description(layout_, d);
+  pango_font_description_free(d);
+  const bool wrap = (format & kDtWordBreak) && !(format & kDtSingleLine);
+  pango_layout_set_width(layout_, wrap && width > 0 ? width * PANGO_SCALE : -1);
+  pango_layout_set_wrap(layout_, PANGO_WRAP_WORD);
+  pango_layout_set_alignment(layout_, (format & kDtCenter)  ? PANGO_ALIGN_CENTER
+                                      : (format & kDtRight) ? PANGO_ALIGN_RIGHT
+                                                            : PANGO_ALIGN_LEFT);
+  const std::string shown = Displayed(text, format);
+  pango_layout_set_text(layout_, shown.c_str(), static_cast<int>(shown.size()));
+  PangoRectangle logical;
+  pango_layout_get_pixel_extents(layout_, nullptr, &logical);
+  *textW = logical.width;
+  *textH = shown.empty() ? 0 : logical.height;
+}
+
+int32_t CairoCanvas::DrawText(const std::string& text, Rect* r, uint32_t format) {
+  int32_t textW, textH;
+  Layout(text, Width(*r), format, &textW, &textH);
+  const bool wrapped = pango_layout_get_width(layout_) > 0;
+  if (format & kDtCalcRect) {
+    r->right = r->left + (pango_layout_get_line_count(layout_) <= 1 ? textW : std::max(Width(*r), textW));
+    r->bottom = r->top + textH;
+    return textH;
+  }
+  double x = r->left + state_.originX, y = r->top + state_.originY;
+  // A wrapped layout aligns its lines itself; otherwise place the block.
+  if (!wrapped) {
+    if (format & kDtCenter) x += (Width(*r) - textW) / 2.0;
+    else if (format & kDtRight) x += Width(*r) - textW;
+  }
+  if (format & kDtSingleLine) {
+    if (format & kDtVCenter) y += (Height(*r) - textH) / 2.0;
+    else if (format & kDtBottom) y += Height(*r) - textH;
+  }
+  cairo_save(cr_);
+  if (!(format & kDtNoClip)) {
+    cairo_rectangle(cr_, r->left + state_.originX, r->top + state_.originY, Width(*r), Height(*r));
+    cairo_clip(cr_);
+  }
+  SetColour(state_.textColour);
+  cairo_move_to(cr_, x, y);
+  pango_cairo_show_layout(cr_, layout_);
+  cairo_restore(cr_);
+  return textH;
+}
+
+void CairoCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool) {
+  if (width <= 0 || height <= 0) return;
+  cairo_surface_t* source = DibToSurface(dib);
+  if (!source) return;
+  // Resample once to the drawn size, so every output, vector ones included,
+  // carries the picture at the page's resolution.
+  cairo_surface_t* scaled = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+  if (cairo_surface_status(scaled) == CAIRO_STATUS_SUCCESS) {
+    cairo_t* s = cairo_create(scaled);
+    cairo_scale(s, double(width) / cairo_image_surface_get_width(source),
+                double(height) / cairo_image_surface_get_height(source));
+    cairo_set_source_surface(s, source, 0, 0);
+    cairo_pattern_set_filter(cairo_get_source(s), CAIRO_FILTER_GOOD);
+    cairo_pattern_set_extend(cairo_get_source(s), CAIRO_EXTEND_PAD);
+    cairo_paint(s);
+    cairo_destroy(s);
+    cairo_set_source_surface(cr_, scaled, state_.originX, state_.originY);
+    cairo_rectangle(cr_, state_.originX, state_.originY, width, height);
+    cairo_fill(cr_);
+  }
+  cairo_surface_destroy(scaled);
+  cairo_surface_destroy(source);
+}
+
+void CairoCanvas::SaveState() {
+  saved_.push_back(state_);
+  cairo_save(cr_);
+}
+
+void CairoCanvas::RestoreState() {
+  if (saved_.empty()) return;
+  state_ = saved_.back();
+  saved_.pop_back();
+  cairo_restore(cr_);
+}
+
+void CairoCanvas::Clip(const Rect& r) {
+  cairo_rectangle(cr_, r.left + state_.originX, r.top + state_.originY, Width(r), Height(r));
+  cairo_clip(cr_);
+}
+
+void CairoCanvas::Unclip() { cairo_reset_clip(cr_); }
