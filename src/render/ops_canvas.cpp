@@ -32,8 +32,10 @@ std::string HexColour(Colour c) {
 }
 
 std::string OpsCanvas::Place(const Rect& r) const {
-  return std::to_string(r.left + state_.originX) + " " + std::to_string(r.top + state_.originY) + " " +
-         std::to_string(r.right + state_.originX) + " " + std::to_string(r.bottom + state_.originY);
+  char text[64];
+  std::snprintf(text, sizeof text, "%d %d %d %d", r.left + state_.originX, r.top + state_.originY,
+                r.right + state_.originX, r.bottom + state_.originY);
+  return text;
 }
 
 void OpsCanvas::EndStage() {
@@ -107,9 +109,14 @@ int32_t OpsCanvas::DrawText(const std::string& text, Rect* r, uint32_t format) {
     return height;
   }
   const FontSpec& f = state_.font;
-  Line("text " + Place(*r) + " flags=" + std::to_string(format) + " color=" + HexColour(state_.textColour) +
-       " font=" + std::to_string(f.height) + "," + std::to_string(f.weight) + "," + std::to_string(f.italic) + "," +
-       Quoted(f.face) + " " + Quoted(text));
+  char head[160];
+  std::snprintf(head, sizeof head, "text %s flags=%u color=%s font=%d,%d,%d,", Place(*r).c_str(), format,
+                HexColour(state_.textColour).c_str(), f.height, f.weight, f.italic);
+  out_ += head;
+  out_ += Quoted(f.face);
+  out_ += ' ';
+  out_ += Quoted(text);
+  out_ += '\n';
   return height;
 }
 
