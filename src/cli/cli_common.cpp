@@ -18,7 +18,7 @@ const char kUsage[] =
     "  quernal-cli summary FILE.CLN [--app-dir DIR]\n"
     "  quernal-cli resave IN.CLN -o OUT.CLN [--level 1-9] [--app-dir DIR]\n"
     "  quernal-cli settings [--ini FILE]\n"
-    "  quernal-cli render (FILE.CLN | --new [--year Y] [--config DIR]) [--page N | --all]\n"
+    "  quernal-cli render (FILE.CLN | --new [--year Y] [--config DIR]) [--page N | --all | --booklet]\n"
     "              [--halves both|upper|lower] [--screen]\n"
     "              [--width W --height H | --paper a4|letter] [--dpi D] [--app-dir DIR]\n"
     "              --format png|pdf|svg|ops -o OUT\n";

@@ -122,7 +122,7 @@ int main(int argc, char** argv) {
       {"render",
        {"--year", "--config", "--page", "--halves", "--width", "--height", "--paper", "--dpi", "--app-dir", "--format",
         "-o"},
-       {"--new", "--all", "--screen"},
+       {"--new", "--all", "--booklet", "--screen"},
        RenderCommand},
   };
   for (const Command& c : commands) {

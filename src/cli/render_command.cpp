@@ -12,6 +12,7 @@
 
 #include "render/cairo_canvas.h"
 #include "render/ops_canvas.h"
+#include "print/booklet.h"
 #include "render/page_renderer.h"
 
 namespace {
@@ -24,9 +25,16 @@ struct PageSize {
 };
 const PageSize kPapers[] = {{"a4", 210 / 25.4, 297 / 25.4}, {"letter", 8.5, 11}};
 
+// One output page: a page of the calendar with the halves asked for, or a
+// booklet side with one page's upper half over another's lower half.
+struct Side {
+  int page;
+  int lowerPage = -1;  // a booklet side's lower half
+};
+
 struct RenderJob {
   CalendarDocument document = 0;
-  std::vector<int> pages;
+  std::vector<Side> sides;
   bool upper = true, lower = true, screen = false;
   int width = 0, height = 0, dpi = 300;  // the page in pixels
   std::string format, out;
@@ -46,10 +54,15 @@ std::string NumberedPath(const std::string& path, int n) {
   return path.substr(0, dot) + number + path.substr(dot);
 }
 
-void DrawPage(Canvas& canvas, const RenderJob& job, int page, bool background) {
+void DrawPage(Canvas& canvas, const RenderJob& job, const Side& side, bool background) {
   if (background)
     canvas.FillRect({0, 0, job.SurfaceWidth(), job.SurfaceHeight()}, job.screen ? kWindowColour : 0xFFFFFF);
-  DrawCalendarPage(canvas, job.PageRect(), job.document, page, !job.screen, job.upper, job.lower);
+  if (side.lowerPage < 0) {
+    DrawCalendarPage(canvas, job.PageRect(), job.document, side.page, !job.screen, job.upper, job.lower);
+  } else {
+    DrawCalendarPage(canvas, job.PageRect(), job.document, side.page, !job.screen, true, false);
+    DrawCalendarPage(canvas, job.PageRect(), job.document, side.lowerPage, !job.screen, false, true);
+  }
 }
 
 bool Failed(const std::string& path, const char* what) {
@@ -61,7 +74,7 @@ bool Failed(const std::string& path, const char* what) {
 // The scale goes under the user space, so fonts are sized in pixels too.
 void ScaleToPixels(cairo_surface_t* surface, int dpi) { cairo_surface_set_device_scale(surface, 72.0 / dpi, 72.0 / dpi); }
 
-bool RenderOps(const RenderJob& job, int page, const std::string& path) {
+bool RenderOps(const RenderJob& job, const Side& page, const std::string& path) {
   OpsCanvas canvas;
   DrawPage(canvas, job, page, false);
   std::FILE* f = std::fopen(path.c_str(), "wb");
@@ -71,7 +84,7 @@ bool RenderOps(const RenderJob& job, int page, const std::string& path) {
   return ok || Failed(path, "cannot be written");
 }
 
-bool RenderPng(const RenderJob& job, int page, const std::string& path) {
+bool RenderPng(const RenderJob& job, const Side& page, const std::string& path) {
   cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, job.SurfaceWidth(), job.SurfaceHeight());
   cairo_t* cr = cairo_create(surface);
   {
@@ -84,7 +97,7 @@ bool RenderPng(const RenderJob& job, int page, const std::string& path) {
   return ok || Failed(path, "cannot be written");
 }
 
-bool RenderSvg(const RenderJob& job, int page, const std::string& path) {
+bool RenderSvg(const RenderJob& job, const Side& page, const std::string& path) {
   cairo_surface_t* surface =
       cairo_svg_surface_create(path.c_str(), job.SurfaceWidth() * 72.0 / job.dpi, job.SurfaceHeight() * 72.0 / job.dpi);
   ScaleToPixels(surface, job.dpi);
@@ -106,10 +119,10 @@ bool RenderPdf(const RenderJob& job) {
                                                       job.SurfaceHeight() * 72.0 / job.dpi);
   ScaleToPixels(surface, job.dpi);
   cairo_t* cr = cairo_create(surface);
-  for (int page : job.pages) {
+  for (const Side& side : job.sides) {
     {
       CairoCanvas canvas(cr);
-      DrawPage(canvas, job, page, true);
+      DrawPage(canvas, job, side, true);
     }
     cairo_show_page(cr);
   }
@@ -122,11 +135,11 @@ bool RenderPdf(const RenderJob& job) {
 
 bool Render(const RenderJob& job) {
   if (job.format == "pdf") return RenderPdf(job);
-  const std::function<bool(const RenderJob&, int, const std::string&)> one =
+  const std::function<bool(const RenderJob&, const Side&, const std::string&)> one =
       job.format == "png" ? RenderPng : job.format == "svg" ? RenderSvg : RenderOps;
-  if (job.pages.size() == 1) return one(job, job.pages[0], job.out);
-  for (size_t i = 0; i < job.pages.size(); ++i)
-    if (!one(job, job.pages[i], NumberedPath(job.out, static_cast<int>(i + 1)))) return false;
+  if (job.sides.size() == 1) return one(job, job.sides[0], job.out);
+  for (size_t i = 0; i < job.sides.size(); ++i)
+    if (!one(job, job.sides[i], NumberedPath(job.out, static_cast<int>(i + 1)))) return false;
   return true;
 }
 
@@ -137,14 +150,24 @@ int Plan(const Arguments& args, RenderJob* job) {
   if (job->format != "png" && job->format != "pdf" && job->format != "svg" && job->format != "ops")
     return Usage("--format takes png, pdf, svg or ops");
   job->out = args.options.at("-o");
-  if (args.Has("--all") && args.Has("--page")) return Usage("--page and --all exclude each other");
+  if (args.Has("--all") + args.Has("--page") + args.Has("--booklet") > 1)
+    return Usage("--page, --all and --booklet exclude each other");
+  if (args.Has("--booklet") && args.Has("--halves")) return Usage("a booklet side has both halves");
   if (args.Has("--all")) {
-    job->pages = {kCoverPageIndex, kYearPageIndex};
-    for (int month = 0; month < 12; ++month) job->pages.push_back(month);
+    job->sides = {{kCoverPageIndex}, {kYearPageIndex}};
+    for (int month = 0; month < 12; ++month) job->sides.push_back({month});
   } else if (args.Has("--page")) {
     int page;
     if (!ParseInt(args.options.at("--page"), 0, 13, &page)) return Usage("--page takes 0 to 11 for a month, 12, 13");
-    job->pages = {page};
+    job->sides = {{page}};
+  } else if (args.Has("--booklet")) {
+    // The fronts of the seven sheets, then their backs in the order of a
+    // printer that lays its paper face down.
+    for (const BookletSheet& sheet : BookletSheets) job->sides.push_back({sheet.frontUpper, sheet.frontLower});
+    for (int j = 0; j < kBookletSheetCount; ++j) {
+      const BookletSheet& sheet = BookletSheets[BackPassSheet(j, false)];
+      job->sides.push_back({sheet.backUpper, sheet.backLower});
+    }
   }
   if (args.Has("--halves")) {
     const std::string& halves = args.options.at("--halves");
@@ -191,11 +214,11 @@ int RenderCommand(const Arguments& args) {
     status = 1;
   }
   if (!job.document) return status;
-  if (job.pages.empty()) {
+  if (job.sides.empty()) {
     // The page the calendar opens on.
     CalendarHeader header;
     GetHeader(job.document, &header);
-    job.pages = {header.CurrentPage >= 0 && header.CurrentPage <= 13 ? header.CurrentPage : 0};
+    job.sides = {{header.CurrentPage >= 0 && header.CurrentPage <= 13 ? header.CurrentPage : 0}};
   }
   bool ok = Render(job);
   FreeCalendar(job.document);

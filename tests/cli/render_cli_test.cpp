@@ -116,3 +116,34 @@ TEST_F(RenderCliTest, BadRequestsAreRefused) {
   EXPECT_EQ(Cli("render " + Q(dir_.File("absent.CLN")) + " --format png" + out), 1);
   EXPECT_FALSE(FileExists(dir_.File("x.png")));
 }
+
+TEST_F(RenderCliTest, BookletSidesComeInTheOrderOfTheTwoPasses) {
+  std::string base = dir_.File("side.ops");
+  ASSERT_EQ(Cli("render --new --year 2026 --booklet --width 700 --height 1000 --format ops -o " + Q(base)), 0);
+  // Front of sheet 0: July's picture half over May's calendar half.
+  std::string first = ReadFile(dir_.File("side-01.ops"));
+  EXPECT_EQ(first.substr(0, first.find('\n')), "fill 0 0 700 500 #FFFFFF");
+  EXPECT_NE(first.find("\"May\""), std::string::npos);
+  EXPECT_EQ(first.find("\"July\""), std::string::npos) << "July's half here is its picture";
+  // Front of sheet 6: the cover. Back of sheet 0 (side 8): June over June.
+  EXPECT_EQ(ReadFile(dir_.File("side-07.ops")), "fill 0 0 700 500 #FFFFFF\nfill 0 500 700 1000 #FFFFFF\n");
+  EXPECT_NE(ReadFile(dir_.File("side-08.ops")).find("\"June\""), std::string::npos);
+  // Back of sheet 6 (side 14): the year's first half over December.
+  std::string last = ReadFile(dir_.File("side-14.ops"));
+  EXPECT_NE(last.find("\"2026\""), std::string::npos);
+  EXPECT_NE(last.find("\"January\""), std::string::npos);
+  EXPECT_NE(last.find("\"December\""), std::string::npos);
+  EXPECT_EQ(last.find("\"July\""), std::string::npos) << "the year's second half is elsewhere";
+  EXPECT_FALSE(FileExists(dir_.File("side-15.ops")));
+
+  std::string pdf = dir_.File("booklet.pdf");
+  ASSERT_EQ(Cli("render --new --booklet --format pdf -o " + Q(pdf)), 0);
+  std::string info;
+  std::FILE* p = popen(("pdfinfo " + Q(pdf)).c_str(), "r");
+  char buffer[4096];
+  size_t n;
+  while ((n = std::fread(buffer, 1, sizeof buffer, p)) > 0) info.append(buffer, n);
+  pclose(p);
+  EXPECT_NE(info.find("Pages:           14"), std::string::npos);
+  EXPECT_EQ(Cli("render --new --booklet --halves upper --format pdf -o " + Q(pdf)), 2);
+}
