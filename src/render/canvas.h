@@ -65,7 +65,8 @@ class Canvas {
 
   virtual void SaveState() = 0;
   virtual void RestoreState() = 0;
-  // The device position of logical (0, 0), as SetViewportOrgEx.
+  // Where logical (0, 0) goes, as SetViewportOrgEx, measured from the origin
+  // the device had when the canvas was made (normally the device's corner).
   virtual void SetOrigin(int32_t x, int32_t y) = 0;
   // Limits drawing to `r` (logical coordinates at the current origin) until Unclip.
   virtual void Clip(const Rect& r) = 0;

@@ -1,0 +1,242 @@
+#include "render/gdi_canvas_win32.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "base/dib.h"
+
+// The placement codes in the records go straight to DrawTextA.
+static_assert(kDtLeft == DT_LEFT && kDtTop == DT_TOP && kDtCenter == DT_CENTER && kDtRight == DT_RIGHT &&
+                  kDtVCenter == DT_VCENTER && kDtBottom == DT_BOTTOM && kDtWordBreak == DT_WORDBREAK &&
+                  kDtSingleLine == DT_SINGLELINE && kDtExpandTabs == DT_EXPANDTABS && kDtNoClip == DT_NOCLIP &&
+                  kDtCalcRect == DT_CALCRECT && kDtNoPrefix == DT_NOPREFIX,
+              "the DrawText bits are Win32's");
+static_assert(sizeof(Colour) == sizeof(COLORREF), "a Colour is a COLORREF");
+
+namespace {
+
+RECT ToRECT(const Rect& r) { return RECT{r.left, r.top, r.right, r.bottom}; }
+
+bool SameFont(const FontSpec& a, const FontSpec& b) {
+  return a.height == b.height && a.weight == b.weight && a.italic == b.italic && a.face == b.face;
+}
+
+// A BITMAPINFO that GDI reads the way the Dib is stored: a plain 40-byte
+// header whatever size the stored one has, and a colour table of 2^bits
+// entries (GDI would size it by biClrUsed, which the Dib does not follow).
+struct DibInfo {
+  BITMAPINFOHEADER header;
+  RGBQUAD colours[256];
+};
+
+// Fills `info` from the locked Dib and returns its pixel rows, or nullptr
+// when the block is not a Dib this program draws.
+const void* ReadDib(BlockHandle dib, const BlockLock& lock, DibInfo* info) {
+  if (!lock || !DibBlockIsValid(dib)) return nullptr;
+  BitmapInfoHeader stored;
+  std::memcpy(&stored, lock.bytes(), sizeof stored);
+  std::memset(info, 0, sizeof *info);
+  info->header.biSize = sizeof(BITMAPINFOHEADER);
+  info->header.biWidth = stored.biWidth;
+  info->header.biHeight = stored.biHeight;
+  info->header.biPlanes = 1;
+  info->header.biBitCount = stored.biBitCount;
+  info->header.biCompression = BI_RGB;
+  const uint32_t entries = DibColourTableEntries(stored.biBitCount);
+  std::memcpy(info->colours, lock.bytes() + stored.biSize, entries * sizeof(RGBQUAD));
+  return lock.bytes() + DibBitsOffset(stored);
+}
+
+}  // namespace
+
+GdiCanvas::GdiCanvas(HDC dc) : dc_(dc) { GetViewportOrgEx(dc_, &baseOrigin_); }
+
+GdiCanvas::~GdiCanvas() { EndStage(); }
+
+bool GdiCanvas::Pinned(HGDIOBJ object) const {
+  if (object == fonts_.selected || object == pens_.selected || object == brushes_.selected) return true;
+  for (const Selection& s : saved_)
+    if (object == s.font || object == s.pen || object == s.brush) return true;
+  return false;
+}
+
+void GdiCanvas::Select(Kind& kind, HGDIOBJ object) {
+  HGDIOBJ previous = SelectObject(dc_, object);
+  if (!previous || previous == HGDI_ERROR) return;
+  if (!kind.original) kind.original = previous;
+  kind.selected = object;
+}
+
+// Keeps a kind's cache small: the least recently used object that nothing
+// refers to goes, so a soft shadow's hundreds of brushes never pile up.
+void GdiCanvas::MakeRoom(Kind& kind) {
+  if (kind.made.size() < kCachePerKind) return;
+  for (auto it = kind.made.begin(); it != kind.made.end(); ++it) {
+    if (Pinned(it->object)) continue;
+    DeleteObject(it->object);
+    kind.made.erase(it);
+    return;
+  }
+}
+
+template <class Matches, class Make>
+void GdiCanvas::SelectMade(Kind& kind, Matches matches, Make make) {
+  auto found = std::find_if(kind.made.begin(), kind.made.end(), matches);
+  if (found != kind.made.end()) {
+    // Most recently used last.
+    std::rotate(found, found + 1, kind.made.end());
+    Select(kind, kind.made.back().object);
+    return;
+  }
+  MakeRoom(kind);
+  Made made = make();
+  if (!made.object) return;
+  kind.made.push_back(made);
+  Select(kind, made.object);
+}
+
+void GdiCanvas::SetFont(const FontSpec& font) {
+  SelectMade(
+      fonts_, [&font](const Made& m) { return SameFont(m.font, font); },
+      [&font]() {
+        // A height of 0 or less means the system's default size here, where a
+        // negative height would ask GDI for a character height instead.
+        const int height = font.height > 0 ? font.height : 0;
+        HFONT f = CreateFontA(height, 0, 0, 0, font.weight, static_cast<DWORD>(font.italic), 0, 0, DEFAULT_CHARSET,
+                              0, 0, 4, 0, font.face.c_str());
+        return Made{font, 0, f};
+      });
+}
+
+void GdiCanvas::SetPen(const PenSpec& pen) {
+  if (pen.none) {
+    Select(pens_, GetStockObject(NULL_PEN));
+    return;
+  }
+  const Colour c = pen.colour;
+  SelectMade(
+      pens_, [c](const Made& m) { return m.colour == c; },
+      [c]() { return Made{{}, c, CreatePen(PS_SOLID, 1, c)}; });
+}
+
+void GdiCanvas::SetBrush(const BrushSpec& brush) {
+  if (brush.none) {
+    Select(brushes_, GetStockObject(NULL_BRUSH));
+    return;
+  }
+  const Colour c = brush.colour;
+  SelectMade(
+      brushes_, [c](const Made& m) { return m.colour == c; },
+      [c]() { return Made{{}, c, CreateSolidBrush(c)}; });
+}
+
+void GdiCanvas::SetTextColour(Colour colour) { SetTextColor(dc_, colour); }
+
+void GdiCanvas::EndKind(Kind& kind) {
+  if (kind.original) SelectObject(dc_, kind.original);
+  for (const Made& m : kind.made) DeleteObject(m.object);
+  kind.made.clear();
+  kind.original = nullptr;
+  kind.selected = nullptr;
+}
+
+void GdiCanvas::EndStage() {
+  EndKind(fonts_);
+  EndKind(pens_);
+  EndKind(brushes_);
+}
+
+void GdiCanvas::FillRect(const Rect& r, Colour colour) {
+  const RECT rc = ToRECT(r);
+  HBRUSH brush = CreateSolidBrush(colour);
+  if (!brush) return;
+  ::FillRect(dc_, &rc, brush);
+  DeleteObject(brush);
+}
+
+void GdiCanvas::FrameRect(const Rect& r, Colour colour) {
+  const RECT rc = ToRECT(r);
+  HBRUSH brush = CreateSolidBrush(colour);
+  if (!brush) return;
+  ::FrameRect(dc_, &rc, brush);
+  DeleteObject(brush);
+}
+
+void GdiCanvas::Rectangle(const Rect& r) { ::Rectangle(dc_, r.left, r.top, r.right, r.bottom); }
+
+void GdiCanvas::RoundRect(const Rect& r, int32_t ellipseWidth, int32_t ellipseHeight) {
+  ::RoundRect(dc_, r.left, r.top, r.right, r.bottom, ellipseWidth, ellipseHeight);
+}
+
+int32_t GdiCanvas::DrawText(const std::string& text, Rect* r, uint32_t format) {
+  SetBkMode(dc_, TRANSPARENT);
+  RECT rc = ToRECT(*r);
+  const int height = DrawTextA(dc_, text.data(), static_cast<int>(text.size()), &rc, format);
+  if (format & kDtCalcRect) *r = Rect{rc.left, rc.top, rc.right, rc.bottom};
+  return height;
+}
+
+void GdiCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool printing) {
+  BlockLock lock(dib);
+  DibInfo info;
+  const void* bits = ReadDib(dib, lock, &info);
+  if (!bits) return;
+  const BITMAPINFO* bmi = reinterpret_cast<const BITMAPINFO*>(&info);
+  const int dibW = info.header.biWidth, dibH = std::abs(info.header.biHeight);
+  if (printing) {
+    // Printers get the Dib itself and scale it at their own resolution.
+    StretchDIBits(dc_, 0, 0, width, height, 0, 0, dibW, dibH, bits, bmi, DIB_RGB_COLORS, SRCCOPY);
+    return;
+  }
+  // The screen draws through a bitmap in the display's own format, stretched
+  // with averaging so that reduced photographs stay smooth.
+  HBITMAP bitmap = CreateDIBitmap(dc_, &info.header, CBM_INIT, bits, bmi, DIB_RGB_COLORS);
+  if (!bitmap) return;
+  HDC memory = CreateCompatibleDC(dc_);
+  if (memory) {
+    HGDIOBJ previous = SelectObject(memory, bitmap);
+    const int oldMode = SetStretchBltMode(dc_, HALFTONE);
+    POINT oldBrushOrigin{0, 0};
+    SetBrushOrgEx(dc_, 0, 0, &oldBrushOrigin);  // HALFTONE needs the brush origin reset
+    StretchBlt(dc_, 0, 0, width, height, memory, 0, 0, dibW, dibH, SRCCOPY);
+    SetStretchBltMode(dc_, oldMode);
+    SetBrushOrgEx(dc_, oldBrushOrigin.x, oldBrushOrigin.y, nullptr);
+    SelectObject(memory, previous);
+    DeleteDC(memory);
+  }
+  DeleteObject(bitmap);
+}
+
+void GdiCanvas::SaveState() {
+  SaveDC(dc_);
+  saved_.push_back({fonts_.selected, pens_.selected, brushes_.selected});
+}
+
+void GdiCanvas::RestoreState() {
+  RestoreDC(dc_, -1);
+  if (saved_.empty()) return;
+  fonts_.selected = saved_.back().font;
+  pens_.selected = saved_.back().pen;
+  brushes_.selected = saved_.back().brush;
+  saved_.pop_back();
+}
+
+void GdiCanvas::SetOrigin(int32_t x, int32_t y) {
+  SetViewportOrgEx(dc_, baseOrigin_.x + x, baseOrigin_.y + y, nullptr);
+}
+
+void GdiCanvas::Clip(const Rect& r) {
+  // SelectClipRgn takes device coordinates: the rectangle moves by the
+  // viewport origin (and the window origin, when a caller set one).
+  POINT corners[2] = {{r.left, r.top}, {r.right, r.bottom}};
+  LPtoDP(dc_, corners, 2);
+  HRGN region = CreateRectRgn(corners[0].x, corners[0].y, corners[1].x, corners[1].y);
+  if (!region) return;
+  SelectClipRgn(dc_, region);  // the device context keeps its own copy
+  DeleteObject(region);
+}
+
+void GdiCanvas::Unclip() { SelectClipRgn(dc_, nullptr); }
+
+Colour GdiCanvas::ButtonShadowColour() { return GetSysColor(COLOR_BTNSHADOW); }

@@ -1,0 +1,82 @@
+// The GDI canvas on a memory device context: what a stage keeps and gives
+// back, and how Dibs reach the device.
+#include <algorithm>
+
+#include "base/dib.h"
+#include "gdi_test_support.h"
+#include "render/gdi_canvas_win32.h"
+#include "test_support.h"
+
+TEST_F(QuernalTest, GdiStagesReuseTheirObjectsAndGiveThemBack) {
+  DibSurface surface(50, 50, 0);
+  HDC dc = surface.dc();
+  const HGDIOBJ font = GetCurrentObject(dc, OBJ_FONT), pen = GetCurrentObject(dc, OBJ_PEN),
+                brush = GetCurrentObject(dc, OBJ_BRUSH);
+  const int before = LiveGdiObjects();
+  {
+    GdiCanvas canvas(dc);
+    const FontSpec heading{32, 700, 1, "ARIAL"}, dates{-5, 400, 0, "ARIAL"};
+    for (int i = 0; i < 10; ++i) {
+      canvas.SetFont(i % 2 ? heading : dates);
+      canvas.SetPen(i % 3 ? SolidPen(i % 2 ? 0x0000FF : 0x00FF00) : kNullPen);
+      canvas.SetBrush(SolidBrush(i % 2 ? 0x0000FF : 0x00FF00));
+    }
+    EXPECT_EQ(LiveGdiObjects(), before + 6) << "two of each kind, however often they switch";
+    LOGFONTA made;
+    GetObjectA(GetCurrentObject(dc, OBJ_FONT), sizeof made, &made);
+    EXPECT_EQ(made.lfHeight, 32);
+    EXPECT_EQ(made.lfWeight, 700);
+    EXPECT_EQ(made.lfItalic, 1);
+    EXPECT_EQ(made.lfQuality, 4);
+    EXPECT_STREQ(made.lfFaceName, "ARIAL");
+    canvas.SetFont(dates);
+    GetObjectA(GetCurrentObject(dc, OBJ_FONT), sizeof made, &made);
+    EXPECT_EQ(made.lfHeight, 0) << "no height: the default size, not a character height";
+
+    canvas.EndStage();
+    EXPECT_EQ(LiveGdiObjects(), before);
+    EXPECT_TRUE(GetCurrentObject(dc, OBJ_FONT) == font && GetCurrentObject(dc, OBJ_PEN) == pen &&
+                GetCurrentObject(dc, OBJ_BRUSH) == brush);
+
+    // A soft shadow's worth of brushes stays within the cache, and the brush
+    // a saved state holds lives until the state is restored.
+    canvas.SetBrush(SolidBrush(0x123456));
+    const HGDIOBJ saved = GetCurrentObject(dc, OBJ_BRUSH);
+    canvas.SaveState();
+    for (Colour c = 0; c < 300; ++c) canvas.SetBrush(SolidBrush(c));
+    EXPECT_LE(LiveGdiObjects(), before + static_cast<int>(GdiCanvas::kCachePerKind));
+    canvas.RestoreState();
+    EXPECT_EQ(GetCurrentObject(dc, OBJ_BRUSH), saved);
+    EXPECT_EQ(GetObjectType(saved), static_cast<DWORD>(OBJ_BRUSH));
+  }
+  EXPECT_EQ(LiveGdiObjects(), before) << "the destructor ends the last stage";
+  EXPECT_EQ(GetCurrentObject(dc, OBJ_BRUSH), brush);
+}
+
+TEST_F(QuernalTest, GdiPicturesAreUprightAndTakeTheWholeColourTable) {
+  // An 8-bit Dib whose biClrUsed says 16 while its table has 256 entries:
+  // its upper half of index 201, its lower half (the first rows) of index 200.
+  constexpr COLORREF kUpper = RGB(90, 60, 30), kLower = RGB(10, 20, 250);
+  BlockHandle dib = DibCreate(30, 20, 8);
+  {
+    BlockLock lock(dib);
+    lock.as<BitmapInfoHeader>()->biClrUsed = 16;
+    DibColourTable(lock.bytes())[200] = RgbQuad{250, 20, 10, 0};
+    DibColourTable(lock.bytes())[201] = RgbQuad{30, 60, 90, 0};
+    uint8_t* rows = DibBits(lock.bytes());
+    const uint64_t half = DibRowStride(30, 8) * 10;
+    std::fill(rows, rows + half, 200);
+    std::fill(rows + half, rows + 2 * half, 201);
+  }
+  for (bool printing : {true, false}) {
+    SCOPED_TRACE(printing);
+    DibSurface surface(100, 100, RGB(255, 255, 255));
+    GdiCanvas canvas(surface.dc());
+    canvas.SetOrigin(5, 5);
+    canvas.DrawPicture(dib, 61, 40, printing);
+    EXPECT_EQ(surface.Count(5, 5, 66, 23, kUpper), 61 * 18);
+    EXPECT_EQ(surface.Count(5, 27, 66, 45, kLower), 61 * 18);
+    EXPECT_EQ(surface.Count(0, 0, 100, 100, RGB(255, 255, 255)), 100 * 100 - 61 * 40);
+  }
+  GlobalBlockFree(dib);
+}

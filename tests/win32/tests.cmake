@@ -1,0 +1,10 @@
+# The tests of the Win32 code: built in the Windows builds only, run under
+# Wine by the native build (tests/win32/CMakeLists.txt).
+add_executable(quernal_win32_tests
+  ${CMAKE_CURRENT_LIST_DIR}/../unit/test_support.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/gdi_test_support.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/gdi_canvas_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/gdi_pages_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/primitives_win32_test.cpp)
+target_link_libraries(quernal_win32_tests PRIVATE quernal_render quernal_calendar ${gtest_main_target})
+target_include_directories(quernal_win32_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/../unit)
