@@ -1,0 +1,30 @@
+// The program's process-wide state: one open calendar, its file, the view.
+#pragma once
+#include <windows.h>
+
+#include <string>
+
+#include "calendar/calendar_model.h"
+
+struct AppState {
+  HINSTANCE instance = nullptr;
+  HWND mainWindow = nullptr;
+  HDC printerDC = nullptr;  // none without a printer
+  int32_t defaultWidth = 0, defaultHeight = 0;
+  int colourBits = 24;
+  HFONT childFont = nullptr;
+  HBRUSH faceBrush = nullptr, blackBrush = nullptr, barBrush = nullptr;
+  CalendarDocument document = 0;
+  std::string path = "Untitled.CLN";
+  int zoom = 100;
+  int scrollX = 0, scrollY = 0;  // the zoomed page's offset in the window
+};
+
+extern AppState App;
+
+// A string-table text, or the program's own word that the table lacks it.
+std::string LoadText(UINT id);
+// A message box captioned "Message" with a string-table text.
+int ShowMessage(HWND owner, UINT id, UINT flags = MB_OK | MB_ICONINFORMATION);
+// Sets the main window's title from the document's file name and page.
+void UpdateTitle();

@@ -1,0 +1,104 @@
+// Start-up and shut-down of Quernal.exe.
+#include <windows.h>
+
+#include "app/app_state_win32.h"
+#include "app/main_window_win32.h"
+#include "app/resource_ids.h"
+#include "app/window_layout.h"
+#include "calendar/calendar_dates.h"
+#include "config/settings.h"
+#include "config/settings_file.h"
+
+AppState App;
+
+std::string LoadText(UINT id) {
+  char text[1024];
+  if (LoadStringA(App.instance, id, text, sizeof text) > 0) return text;
+  return "String table error - this application may be damaged";
+}
+
+int ShowMessage(HWND owner, UINT id, UINT flags) {
+  return MessageBoxA(owner, LoadText(id).c_str(), "Message", flags);
+}
+
+namespace {
+
+int ScreenColourDepth() {
+  HDC screen = GetDC(nullptr);
+  int bits = GetDeviceCaps(screen, BITSPIXEL) * GetDeviceCaps(screen, PLANES);
+  ReleaseDC(nullptr, screen);
+  return bits >= 9 ? 24 : bits;
+}
+
+bool RegisterClasses() {
+  WNDCLASSA main{};
+  main.style = CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS;
+  main.lpfnWndProc = MainWindowProc;
+  main.hInstance = App.instance;
+  main.hIcon = LoadIconA(App.instance, MAKEINTRESOURCEA(IDI_QUERNAL));
+  main.hCursor = LoadCursorA(nullptr, MAKEINTRESOURCEA(32512));  // IDC_ARROW
+  main.hbrBackground = App.faceBrush;
+  main.lpszMenuName = "MainMenu";
+  main.lpszClassName = kMainWindowClass;
+  return RegisterClassA(&main) != 0;
+}
+
+}  // namespace
+
+int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPSTR commandLine, int show) {
+  App.instance = instance;
+  DefaultWindowSize(GetSystemMetrics(SM_CYSCREEN), &App.defaultWidth, &App.defaultHeight);
+  App.colourBits = ScreenColourDepth();
+  App.childFont = CreateFontA(16, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+  App.faceBrush = CreateSolidBrush(GetSysColor(COLOR_BTNFACE));
+  App.blackBrush = CreateSolidBrush(RGB(0, 0, 0));
+  App.barBrush = CreateSolidBrush(GetSysColor(COLOR_BTNFACE));
+
+  // The first calendar is built before the settings are read, so it always
+  // has the compiled-in design.
+  CalendarDate today = Today();
+  App.document = CreateCalendar(today.year, today.month - 1);
+  if (!App.document) ShowMessage(nullptr, IDS_INIT_YEAR_FAILED);
+
+  if (!previous && !RegisterClasses()) {
+    ShowMessage(nullptr, IDS_CLASS_REGISTRATION_FAILED);
+    ExitProcess(0);
+  }
+  App.mainWindow = CreateWindowA(kMainWindowClass, "Quernal", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
+                                 App.defaultWidth, App.defaultHeight, nullptr, nullptr, instance, nullptr);
+  if (!App.mainWindow) return 0;
+  CreateChildControls(App.mainWindow);
+
+  // The program's folder, with its trailing backslash.
+  char module[MAX_PATH];
+  DWORD length = GetModuleFileNameA(nullptr, module, sizeof module);
+  std::string folder(module, length);
+  folder = folder.substr(0, folder.find_last_of('\\') + 1);
+  lstrcpynA(Settings.ApplicationPath, folder.c_str(), sizeof Settings.ApplicationPath);
+  if (!Settings.OpenPath[0]) lstrcpynA(Settings.OpenPath, Settings.ApplicationPath, sizeof Settings.OpenPath);
+
+  for (HWND child = GetWindow(App.mainWindow, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+    SendMessageA(child, WM_SETFONT, reinterpret_cast<WPARAM>(App.childFont), 0);
+  RestoreWindowPosition(App.mainWindow);
+  if (Settings.StartMaximized) PostMessageA(App.mainWindow, WM_SYSCOMMAND, SC_MAXIMIZE, 0);
+  ShowWindow(App.mainWindow, show);
+  UpdateWindow(App.mainWindow);
+  SetFocus(App.mainWindow);
+  UpdateTitle();
+  if (commandLine && *commandLine) OpenOnStart(App.mainWindow, commandLine);
+
+  MSG message;
+  while (GetMessageA(&message, nullptr, 0, 0) > 0) {
+    TranslateMessage(&message);
+    DispatchMessageA(&message);
+  }
+
+  if (App.document) FreeCalendar(App.document);
+  DeleteObject(App.childFont);
+  DeleteObject(App.faceBrush);
+  DeleteObject(App.blackBrush);
+  DeleteObject(App.barBrush);
+  UnregisterClassA(kMainWindowClass, instance);
+  if (App.printerDC) DeleteDC(App.printerDC);
+  return 0;
+}

@@ -1,0 +1,350 @@
+#include "app/main_window_win32.h"
+
+#include <commdlg.h>
+
+#include <string>
+
+#include "app/app_state_win32.h"
+#include "app/resource_ids.h"
+#include "app/window_layout.h"
+#include "calendar/calendar_dates.h"
+#include "calendar/calendar_file.h"
+#include "config/settings.h"
+#include "config/settings_file.h"
+#include "render/gdi_canvas_win32.h"
+#include "render/page_renderer.h"
+
+namespace {
+
+const int kZooms[4] = {100, 200, 400, 800};
+std::string g_pendingPath;  // the next Open takes this instead of asking
+
+// Loading and saving show the wait cursor and ask about damaged records.
+class WindowProgress : public FileProgress {
+ public:
+  explicit WindowProgress(HWND owner) : owner_(owner) {}
+  void Begin(const char*) override { previous_ = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514))); }
+  void Advance(int, int) override {}
+  void End() override { SetCursor(previous_); }
+  bool AskYesNo(const char* question) override {
+    return MessageBoxA(owner_, question, "Message", MB_YESNO | MB_ICONQUESTION) == IDYES;
+  }
+
+ private:
+  HWND owner_;
+  HCURSOR previous_ = nullptr;
+};
+
+int CurrentPage() {
+  CalendarHeader header;
+  if (!GetHeader(App.document, &header)) return 0;
+  return header.CurrentPage >= 0 && header.CurrentPage <= 13 ? header.CurrentPage : 0;
+}
+
+Rect ClientRect(HWND window) {
+  RECT r;
+  GetClientRect(window, &r);
+  return {r.left, r.top, r.right, r.bottom};
+}
+
+// The page at the current zoom, at 100 percent shaped like the printer's page.
+Rect ZoomedPageRect(HWND window) {
+  const bool printer = App.printerDC != nullptr;
+  const Rect page = PageRectForClient(Height(ClientRect(window)), printer,
+                                      printer ? GetDeviceCaps(App.printerDC, HORZRES) : 0,
+                                      printer ? GetDeviceCaps(App.printerDC, VERTRES) : 0);
+  return ZoomedPage(page, App.zoom);
+}
+
+// Where the page's top left corner sits in the client area: centred while
+// it fits, else moved by the scroll bars.
+POINT PageOrigin(HWND window, const Rect& page) {
+  const Rect client = ClientRect(window);
+  const int bar = GetSystemMetrics(SM_CXVSCROLL);
+  const int spaceW = Width(client) - bar, spaceH = Height(client) - bar;
+  POINT at;
+  at.x = Width(page) < spaceW ? (spaceW - Width(page)) / 2 : 4 - App.scrollX;
+  at.y = Height(page) < spaceH ? (spaceH - Height(page)) / 2 : 4 - App.scrollY;
+  return at;
+}
+
+void UpdateScrollBars(HWND window) {
+  const Rect page = ZoomedPageRect(window), client = ClientRect(window);
+  const int bar = GetSystemMetrics(SM_CXVSCROLL);
+  const struct {
+    int id, range, page;
+    int* position;
+  } bars[] = {{kHorizontalScrollId, Width(page) + 8, Width(client) - bar, &App.scrollX},
+              {kVerticalScrollId, Height(page) + 8, Height(client) - bar, &App.scrollY}};
+  for (const auto& b : bars) {
+    SCROLLINFO info{sizeof info, SIF_ALL, 0, b.range, static_cast<UINT>(b.page > 0 ? b.page : 0), *b.position, 0};
+    SetScrollInfo(GetDlgItem(window, b.id), SB_CTL, &info, TRUE);
+    GetScrollInfo(GetDlgItem(window, b.id), SB_CTL, &info);
+    *b.position = info.nPos;
+  }
+}
+
+void LayOutChildren(HWND window) {
+  const Rect client = ClientRect(window);
+  const int bar = GetSystemMetrics(SM_CXVSCROLL);
+  MoveWindow(GetDlgItem(window, kVerticalScrollId), client.right - bar, 0, bar, client.bottom - bar, TRUE);
+  MoveWindow(GetDlgItem(window, kHorizontalScrollId), 0, client.bottom - bar, client.right - bar, bar, TRUE);
+  MoveWindow(GetDlgItem(window, kScrollCornerId), client.right - bar, client.bottom - bar, bar, bar, TRUE);
+  UpdateScrollBars(window);
+}
+
+void Paint(HWND window) {
+  PAINTSTRUCT ps;
+  HDC dc = BeginPaint(window, &ps);
+  const Rect page = ZoomedPageRect(window);
+  const POINT at = PageOrigin(window, page);
+  POINT old;
+  SetViewportOrgEx(dc, at.x, at.y, &old);
+  {
+    GdiCanvas canvas(dc);
+    DrawCalendarPage(canvas, {0, 0, Width(page), Height(page)}, App.document, CurrentPage(), false, true, true);
+  }
+  SetViewportOrgEx(dc, old.x, old.y, nullptr);
+  EndPaint(window, &ps);
+}
+
+void SetZoom(HWND window, int command) {
+  App.zoom = kZooms[command - IDM_ZOOM_100];
+  HMENU menu = GetMenu(window);
+  for (int id = IDM_ZOOM_100; id <= IDM_ZOOM_800; ++id)
+    CheckMenuItem(menu, id, MF_BYCOMMAND | (id == command ? MF_CHECKED : MF_UNCHECKED));
+  App.scrollX = App.scrollY = 0;
+  UpdateScrollBars(window);
+  InvalidateRect(window, nullptr, TRUE);
+}
+
+void ShowPage(HWND window, int page) {
+  CalendarHeader header;
+  if (!GetHeader(App.document, &header)) return;
+  header.CurrentPage = page;
+  PutHeader(App.document, &header);
+  UpdateTitle();
+  InvalidateRect(window, nullptr, TRUE);
+}
+
+// Message 111 when the calendar has changed; Yes saves it first.
+void CheckUnsavedChanges(HWND window) {
+  CalendarHeader header;
+  if (!GetHeader(App.document, &header) || !header.Changed) return;
+  if (ShowMessage(window, IDS_UNSAVED_CHANGES, MB_YESNO | MB_ICONQUESTION) == IDYES)
+    SendMessageA(window, WM_COMMAND, IDM_SAVE, 0);
+}
+
+void Adopt(HWND window, CalendarDocument document, const std::string& path) {
+  FreeCalendar(App.document);
+  App.document = document;
+  App.path = path;
+  UpdateTitle();
+  InvalidateRect(window, nullptr, TRUE);
+}
+
+void NewCalendar(HWND window) {
+  CheckUnsavedChanges(window);
+  CalendarDate today = Today();
+  CalendarDocument document = CreateCalendar(today.year, today.month - 1);
+  if (!document) {
+    ShowMessage(window, IDS_INIT_YEAR_FAILED);
+    return;
+  }
+  Adopt(window, document, "Untitled.CLN");
+}
+
+bool AskFileName(HWND window, bool save, std::string* path) {
+  char file[MAX_PATH] = "";
+  OPENFILENAMEA ofn{};
+  ofn.lStructSize = sizeof ofn;
+  ofn.hwndOwner = window;
+  ofn.lpstrFilter = save ? "CLN files\0*.CLN\0" : "CLN files\0*.CLN\0All files\0*.*\0";
+  ofn.lpstrFile = file;
+  ofn.nMaxFile = sizeof file;
+  ofn.lpstrInitialDir = Settings.OpenPath;
+  ofn.lpstrDefExt = "CLN";
+  ofn.Flags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR |
+              (save ? OFN_OVERWRITEPROMPT : OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST);
+  if (!(save ? GetSaveFileNameA(&ofn) : GetOpenFileNameA(&ofn))) return false;
+  *path = file;
+  return true;
+}
+
+void OpenCalendar(HWND window) {
+  CheckUnsavedChanges(window);
+  std::string path;
+  if (!g_pendingPath.empty()) {
+    path = g_pendingPath;
+    g_pendingPath.clear();
+  } else if (!AskFileName(window, false, &path)) {
+    return;
+  }
+  WindowProgress progress(window);
+  CalendarDocument document = LoadCalendar(&progress, path.c_str());
+  if (!document) {
+    ShowMessage(window, IDS_READ_FAILED);
+    return;
+  }
+  Adopt(window, document, path);
+}
+
+void SaveTo(HWND window, const std::string& path) {
+  WindowProgress progress(window);
+  if (!SaveCalendar(&progress, path.c_str(), App.document)) {
+    ShowMessage(window, IDS_WRITE_FAILED);
+    return;
+  }
+  App.path = path;
+  UpdateTitle();
+  CalendarHeader header;
+  if (!GetHeader(App.document, &header)) return (void)ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
+  header.Changed = 0;
+  if (!PutHeader(App.document, &header)) ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
+}
+
+void Command(HWND window, int id) {
+  if (id >= IDM_PAGE_JANUARY && id <= IDM_PAGE_COVER) return ShowPage(window, id - IDM_PAGE_JANUARY);
+  if (id >= IDM_ZOOM_100 && id <= IDM_ZOOM_800) return SetZoom(window, id);
+  switch (id) {
+    case IDM_NEW: return NewCalendar(window);
+    case IDM_OPEN: return OpenCalendar(window);
+    case IDM_SAVE:
+      // An untitled calendar is saved under a new name.
+      if (lstrcmpiA(App.path.c_str(), "Untitled.CLN") == 0) return (void)SendMessageA(window, WM_COMMAND, IDM_SAVE_AS, 0);
+      return SaveTo(window, App.path);
+    case IDM_SAVE_AS: {
+      std::string path;
+      if (AskFileName(window, true, &path)) SaveTo(window, path);
+      return;
+    }
+    case IDM_EXIT:
+      CheckUnsavedChanges(window);
+      SendMessageA(window, WM_CLOSE, 0, 0);
+      return;
+    case IDM_EDIT_YEAR_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_YEAR, 0);
+    case IDM_EDIT_PAGE_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_MONTH, 0);
+    default: return;  // the editors, printing and the rest come with their own parts
+  }
+}
+
+void Scroll(HWND window, int bar, int request) {
+  const int id = bar == SB_VERT ? kVerticalScrollId : kHorizontalScrollId;
+  HWND control = GetDlgItem(window, id);
+  SCROLLINFO info{sizeof info, SIF_ALL, 0, 0, 0, 0, 0};
+  GetScrollInfo(control, SB_CTL, &info);
+  int position = info.nPos;
+  const int line = 32, page = static_cast<int>(info.nPage);
+  switch (request) {
+    case SB_LINEUP: position -= line; break;
+    case SB_LINEDOWN: position += line; break;
+    case SB_PAGEUP: position -= page; break;
+    case SB_PAGEDOWN: position += page; break;
+    case SB_TOP: position = info.nMin; break;
+    case SB_BOTTOM: position = info.nMax; break;
+    case SB_THUMBTRACK:
+    case SB_THUMBPOSITION: position = info.nTrackPos; break;
+    default: return;
+  }
+  info.fMask = SIF_POS;
+  info.nPos = position;
+  SetScrollInfo(control, SB_CTL, &info, TRUE);
+  GetScrollInfo(control, SB_CTL, &info);
+  (bar == SB_VERT ? App.scrollY : App.scrollX) = info.nPos;
+  InvalidateRect(window, nullptr, TRUE);
+}
+
+void KeyDown(HWND window, WPARAM key) {
+  const bool control = GetKeyState(VK_CONTROL) < 0;
+  if (control && key == 'N') return Command(window, IDM_NEW);
+  if (control && key == 'O') return Command(window, IDM_OPEN);
+  if (control && key == 'S') return Command(window, IDM_SAVE);
+  const struct {
+    WPARAM key;
+    int bar, request;
+  } keys[] = {{VK_UP, SB_VERT, SB_LINEUP},     {VK_DOWN, SB_VERT, SB_LINEDOWN}, {VK_PRIOR, SB_VERT, SB_PAGEUP},
+              {VK_NEXT, SB_VERT, SB_PAGEDOWN}, {VK_HOME, SB_VERT, SB_TOP},      {VK_END, SB_VERT, SB_BOTTOM},
+              {VK_LEFT, SB_HORZ, SB_LINEUP},   {VK_RIGHT, SB_HORZ, SB_LINEDOWN}};
+  for (const auto& k : keys)
+    if (k.key == key) return Scroll(window, k.bar, k.request);
+}
+
+void Close(HWND window) {
+  RECT r;
+  const bool maximized = IsZoomed(window);
+  if (!maximized && GetWindowRect(window, &r)) {
+    StoredEdges e = EdgesToStore({r.left, r.top, r.right, r.bottom}, GetSystemMetrics(SM_CXSCREEN),
+                                 GetSystemMetrics(SM_CYSCREEN));
+    Settings.StickyWindowLeft = e.left, Settings.StickyWindowTop = e.top;
+    Settings.StickyWindowRight = e.right, Settings.StickyWindowBottom = e.bottom;
+  }
+  Settings.StartMaximized = maximized ? 1 : 0;
+  SaveSettings({});
+}
+
+}  // namespace
+
+void UpdateTitle() {
+  const std::string label = App.document ? DocumentLabel(App.path, PageName(CurrentPage())) : App.path;
+  SetWindowTextA(App.mainWindow, WindowTitle(LoadText(IDS_PRODUCT_NAME), label).c_str());
+}
+
+void CreateChildControls(HWND window) {
+  const struct {
+    const char* cls;
+    DWORD style;
+    int id;
+  } children[] = {{"SCROLLBAR", SBS_VERT, kVerticalScrollId},
+                  {"SCROLLBAR", SBS_HORZ, kHorizontalScrollId},
+                  {"BUTTON", BS_PUSHBUTTON, kScrollCornerId}};
+  for (const auto& c : children)
+    CreateWindowA(c.cls, "", WS_CHILD | WS_VISIBLE | c.style, 0, 0, 1, 1, window,
+                  reinterpret_cast<HMENU>(static_cast<INT_PTR>(c.id)), App.instance, nullptr);
+  LayOutChildren(window);
+}
+
+void RestoreWindowPosition(HWND window) {
+  int32_t x, y;
+  StoredEdges e{Settings.StickyWindowLeft, Settings.StickyWindowTop, Settings.StickyWindowRight,
+                Settings.StickyWindowBottom};
+  if (RestoredPosition(e, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN), &x, &y))
+    SetWindowPos(window, nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+}
+
+void OpenOnStart(HWND window, const char* path) {
+  g_pendingPath = path;
+  PostMessageA(window, WM_COMMAND, IDM_OPEN, 0);
+}
+
+LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_CREATE: {
+      App.mainWindow = window;
+      LoadSettings();
+      // Centred on the screen.
+      RECT r;
+      GetWindowRect(window, &r);
+      SetWindowPos(window, nullptr, (GetSystemMetrics(SM_CXSCREEN) - (r.right - r.left)) / 2,
+                   (GetSystemMetrics(SM_CYSCREEN) - (r.bottom - r.top)) / 2, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+      PostMessageA(window, WM_COMMAND, IDM_ZOOM_100, 0);
+      PostMessageA(window, WM_COMMAND, IDM_PAGE_JANUARY + CurrentPage(), 0);
+      return 0;
+    }
+    case WM_SIZE: LayOutChildren(window); return 0;
+    case WM_PAINT: Paint(window); return 0;
+    case WM_COMMAND: Command(window, LOWORD(wParam)); return 0;
+    case WM_VSCROLL: Scroll(window, SB_VERT, LOWORD(wParam)); return 0;
+    case WM_HSCROLL: Scroll(window, SB_HORZ, LOWORD(wParam)); return 0;
+    case WM_MOUSEWHEEL:
+      Scroll(window, SB_VERT, GET_WHEEL_DELTA_WPARAM(wParam) > 0 ? SB_LINEUP : SB_LINEDOWN);
+      return 0;
+    case WM_KEYDOWN: KeyDown(window, wParam); return 0;
+    case WM_SYSCOMMAND:
+      if ((wParam & 0xFFF0) == SC_CLOSE) return Command(window, IDM_EXIT), 0;
+      break;
+    case WM_QUERYENDSESSION: CheckUnsavedChanges(window); return TRUE;
+    case WM_CLOSE: Close(window); break;
+    case WM_DESTROY: PostQuitMessage(0); return 0;
+  }
+  return DefWindowProcA(window, message, wParam, lParam);
+}

@@ -1,0 +1,15 @@
+// The main window: the page view with its zoom and scroll bars, and the
+// commands of the menu.
+#pragma once
+#include <windows.h>
+
+constexpr const char* kMainWindowClass = "QuernalApplication";
+constexpr int kVerticalScrollId = 703, kHorizontalScrollId = 704, kScrollCornerId = 705;
+
+LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+// The two scroll bars and the square between them.
+void CreateChildControls(HWND window);
+// Moves the window to where it was at the last exit, pulled onto this screen.
+void RestoreWindowPosition(HWND window);
+// Opens the file named on the command line, exactly as it stands.
+void OpenOnStart(HWND window, const char* path);

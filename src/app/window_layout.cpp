@@ -1,0 +1,46 @@
+#include "app/window_layout.h"
+
+#include <algorithm>
+
+#include "base/text.h"
+
+namespace {
+constexpr uint32_t kNone = 4294967295u;
+}
+
+void DefaultWindowSize(int32_t screenHeight, int32_t* width, int32_t* height) {
+  *height = screenHeight * 95 / 100;
+  *width = *height * 360 / 460;
+}
+
+bool RestoredPosition(const StoredEdges& e, int32_t screenWidth, int32_t screenHeight, int32_t* x, int32_t* y) {
+  if (e.left == kNone || e.top == kNone || e.right == kNone || e.bottom == kNone) return false;
+  *x = std::max<int64_t>(std::min<int64_t>(static_cast<int32_t>(e.left), screenWidth - 620), 0);
+  *y = std::max<int64_t>(std::min<int64_t>(static_cast<int32_t>(e.top), screenHeight - 460), 0);
+  return true;
+}
+
+StoredEdges EdgesToStore(const Rect& r, int32_t screenWidth, int32_t screenHeight) {
+  return {static_cast<uint32_t>(std::max(r.left, 0)), static_cast<uint32_t>(std::max(r.top, 0)),
+          static_cast<uint32_t>(std::min(r.right, screenWidth)), static_cast<uint32_t>(std::min(r.bottom, screenHeight))};
+}
+
+Rect PageRectForClient(int32_t clientHeight, bool havePrinter, int32_t printerWidth, int32_t printerHeight) {
+  const int32_t h = clientHeight * 95 / 100;
+  const int32_t w = havePrinter ? static_cast<int32_t>(int64_t(h) * printerWidth / std::max(printerHeight, 1))
+                                : h * 360 / 460;
+  return {0, 0, w, h};
+}
+
+Rect ZoomedPage(const Rect& page, int32_t percent) {
+  return {page.left * percent / 100, page.top * percent / 100, page.right * percent / 100,
+          page.bottom * percent / 100};
+}
+
+std::string WindowTitle(const std::string& productName, const std::string& label) {
+  return productName + " [ " + label + " ]";
+}
+
+std::string DocumentLabel(const std::string& path, const std::string& pageName) {
+  return std::string(FileNamePart(path.c_str())) + " \x96 " + pageName;
+}

@@ -1,0 +1,34 @@
+// The arithmetic of the main window, apart from the windows themselves: its
+// default size, where it reopens, the page rectangle the view draws into,
+// and the title.
+#pragma once
+#include <cstdint>
+#include <string>
+
+#include "base/geometry.h"
+
+// 95 percent of the screen's height, shaped like a calendar page (360 : 460).
+void DefaultWindowSize(int32_t screenHeight, int32_t* width, int32_t* height);
+
+struct StoredEdges {
+  uint32_t left, top, right, bottom;  // 4294967295: none stored
+};
+// Where the window reopens: the stored left and top, pulled back so that a
+// 620 x 460 window fits the present screen, never below 0. False when no
+// position was stored.
+bool RestoredPosition(const StoredEdges& edges, int32_t screenWidth, int32_t screenHeight, int32_t* x, int32_t* y);
+// The edges kept at exit for a window at `r`: left and top not below 0, right
+// and bottom not beyond the screen.
+StoredEdges EdgesToStore(const Rect& r, int32_t screenWidth, int32_t screenHeight);
+
+// The page as the screen shows it at 100 percent: 95 percent of the client
+// height, shaped like the printer's page, or 360 : 460 without a printer.
+Rect PageRectForClient(int32_t clientHeight, bool havePrinter, int32_t printerWidth, int32_t printerHeight);
+// The same page at a zoom of `percent`.
+Rect ZoomedPage(const Rect& page, int32_t percent);
+
+// "Quernal [ label ]"
+std::string WindowTitle(const std::string& productName, const std::string& label);
+// "Untitled.CLN – January": the file's name, an en dash (0x96 in Windows-1252)
+// and the page's name.
+std::string DocumentLabel(const std::string& path, const std::string& pageName);

@@ -1,0 +1,5 @@
+# Tests that start Quernal.exe and drive it: built in the Windows builds, run
+# under Wine by the native build (tests/win32/CMakeLists.txt).
+add_executable(quernal_e2e_tests ${CMAKE_CURRENT_LIST_DIR}/main_window_test.cpp)
+target_link_libraries(quernal_e2e_tests PRIVATE ${gtest_main_target} shell32)
+add_dependencies(quernal_e2e_tests Quernal)

@@ -1,0 +1,43 @@
+#include "app/window_layout.h"
+#include "test_support.h"
+
+TEST(WindowLayout, DefaultSizeIsAPortraitPage) {
+  int32_t w, h;
+  DefaultWindowSize(768, &w, &h);
+  EXPECT_EQ(h, 729);
+  EXPECT_EQ(w, 570);
+}
+
+TEST(WindowLayout, StoredEdgesArePulledOntoASmallerScreen) {
+  int32_t x, y;
+  EXPECT_FALSE(RestoredPosition({4294967295u, 10, 500, 500}, 1024, 768, &x, &y)) << "nothing stored";
+  ASSERT_TRUE(RestoredPosition({100, 50, 700, 800}, 1024, 768, &x, &y));
+  EXPECT_EQ(x, 100);
+  EXPECT_EQ(y, 50);
+  // From a 1920 x 1200 screen onto 1024 x 768: a 620 x 460 window must fit.
+  ASSERT_TRUE(RestoredPosition({1500, 900, 1900, 1190}, 1024, 768, &x, &y));
+  EXPECT_EQ(x, 1024 - 620);
+  EXPECT_EQ(y, 768 - 460);
+  ASSERT_TRUE(RestoredPosition({10, 10, 500, 500}, 600, 400, &x, &y));
+  EXPECT_EQ(x, 0) << "never above or left of the screen";
+  EXPECT_EQ(y, 0);
+
+  StoredEdges e = EdgesToStore({-8, -8, 1100, 800}, 1024, 768);
+  EXPECT_EQ(e.left, 0u);
+  EXPECT_EQ(e.top, 0u);
+  EXPECT_EQ(e.right, 1024u);
+  EXPECT_EQ(e.bottom, 768u);
+}
+
+TEST(WindowLayout, ThePageTakesThePrintersShapeOr360To460) {
+  EXPECT_EQ(PageRectForClient(700, false, 0, 0), (Rect{0, 0, 520, 665}));
+  // A4 at 600 dpi: 4960 x 7016.
+  EXPECT_EQ(PageRectForClient(700, true, 4960, 7016), (Rect{0, 0, 470, 665}));
+  EXPECT_EQ(PageRectForClient(700, true, 100, 0), (Rect{0, 0, 66500, 665})) << "a height of 0 counts as 1";
+  EXPECT_EQ(ZoomedPage({0, 0, 520, 665}, 400), (Rect{0, 0, 2080, 2660}));
+}
+
+TEST(WindowLayout, TitleNamesTheFileAndPage) {
+  EXPECT_EQ(WindowTitle("Quernal", DocumentLabel("Untitled.CLN", "January")), "Quernal [ Untitled.CLN \x96 January ]");
+  EXPECT_EQ(DocumentLabel("C:\\Calendars\\Family 2027.CLN", "Cover"), "Family 2027.CLN \x96 Cover");
+}
