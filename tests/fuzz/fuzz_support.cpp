@@ -9,7 +9,8 @@
 #include "base/global_block.h"
 
 const std::string& FuzzFolder() {
-  static std::string folder = [] {
+  // Never destroyed, so the clean-up at exit can still read it.
+  static const std::string* folder = [] {
     char pattern[] = "/tmp/quernal-fuzz-XXXXXX";
     const char* made = mkdtemp(pattern);
     if (!made) std::abort();
@@ -17,9 +18,9 @@ const std::string& FuzzFolder() {
       std::error_code ignored;
       std::filesystem::remove_all(FuzzFolder(), ignored);
     });
-    return std::string(made);
+    return new std::string(made);
   }();
-  return folder;
+  return *folder;
 }
 
 std::string WriteInput(const char* name, const uint8_t* data, size_t size) {

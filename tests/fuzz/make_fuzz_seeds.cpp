@@ -1,6 +1,8 @@
-// Writes the starting corpus of the fuzzers into FOLDER/calendar-seeds and
-// FOLDER/text-seeds, and makes the empty working corpora beside them.
+// Writes the starting corpus of the fuzzers into FOLDER/calendar-seeds,
+// FOLDER/text-seeds and FOLDER/image-seeds, and makes the empty working
+// corpora beside them.
 #include <sys/stat.h>
+#include <zlib.h>
 
 #include <cstdio>
 #include <cstring>
@@ -11,6 +13,7 @@
 #include "calendar/calendar_file.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
+#include "pictures/image_files.h"
 
 namespace {
 
@@ -47,6 +50,120 @@ void WriteText(const std::string& path, const char* text) {
   std::fclose(f);
 }
 
+// Small pictures of the six image formats, written byte by byte.
+std::string Le16(unsigned v) { return {static_cast<char>(v & 255), static_cast<char>(v >> 8)}; }
+std::string Be32(uint32_t v) {
+  return {static_cast<char>(v >> 24), static_cast<char>(v >> 16), static_cast<char>(v >> 8), static_cast<char>(v)};
+}
+
+void WriteBytes(const std::string& path, const std::string& bytes) {
+  std::FILE* f = std::fopen(path.c_str(), "wb");
+  std::fwrite(bytes.data(), 1, bytes.size(), f);
+  std::fclose(f);
+}
+
+std::string PngChunk(const std::string& type, const std::string& data) {
+  std::string body = type + data;
+  return Be32(data.size()) + body + Be32(crc32(0, reinterpret_cast<const Bytef*>(body.data()), body.size()));
+}
+
+// Rows of `rowBytes` pattern bytes, each after its filter byte.
+std::string Png(int width, int height, int depth, int colourType, int rowBytes, const std::string& palette) {
+  std::string raw;
+  for (int y = 0; y < height; ++y) {
+    raw += static_cast<char>(y % 5);  // every filter type
+    for (int x = 0; x < rowBytes; ++x) raw += static_cast<char>(x * 37 + y * 11);
+  }
+  uLongf size = compressBound(raw.size());
+  std::string z(size, '\0');
+  compress(reinterpret_cast<Bytef*>(&z[0]), &size, reinterpret_cast<const Bytef*>(raw.data()), raw.size());
+  z.resize(size);
+  std::string header =
+      Be32(width) + Be32(height) + std::string{static_cast<char>(depth), static_cast<char>(colourType), 0, 0, 0};
+  std::string plte = palette.empty() ? "" : PngChunk("PLTE", palette);
+  return "\x89PNG\r\n\x1a\n" + PngChunk("IHDR", header) + plte + PngChunk("IDAT", z) + PngChunk("IEND", "");
+}
+
+// A 4 x 3 GIF on a four-colour table with a transparent index. Its LZW codes
+// are 9-bit literals after a clear code.
+std::string Gif() {
+  std::string s = "GIF89a" + Le16(4) + Le16(3) + std::string("\x81\0\0", 3);
+  s += std::string("\0\0\0\xFF\0\0\0\xFF\0\0\0\xFF", 12);
+  s += std::string("\x21\xF9\x04\x01\0\0\x02\0", 8);
+  s += "," + Le16(0) + Le16(0) + Le16(4) + Le16(3) + std::string(1, '\0') + std::string(1, 8);
+  std::string packed;
+  uint32_t bits = 0;
+  int count = 0;
+  for (int i = -1; i <= 12; ++i) {
+    int code = i < 0 ? 256 : i == 12 ? 257 : i % 4;
+    bits |= static_cast<uint32_t>(code) << count;
+    for (count += 9; count >= 8; count -= 8, bits >>= 8) packed += static_cast<char>(bits);
+  }
+  packed += static_cast<char>(bits);
+  return s + static_cast<char>(packed.size()) + packed + std::string(1, '\0') + ";";
+}
+
+// PCX header for a 4 x 3 picture, with coded lines of `bytesPerLine` a plane.
+std::string PcxHeader(int bitsPerPlane, int planes, int bytesPerLine) {
+  std::string s = {0x0A, 5, 1, static_cast<char>(bitsPerPlane)};
+  s += Le16(0) + Le16(0) + Le16(3) + Le16(2) + Le16(72) + Le16(72);
+  for (int i = 0; i < 16; ++i) s += {static_cast<char>(i * 16), static_cast<char>(255 - i * 16), static_cast<char>(i)};
+  s += {0, static_cast<char>(planes)};
+  s += Le16(bytesPerLine) + Le16(1);
+  return s + std::string(128 - s.size(), '\0');
+}
+
+std::string Tga(int mapType, int imageType, int mapLength, int depth, int descriptor, const std::string& rest) {
+  std::string s = {0, static_cast<char>(mapType), static_cast<char>(imageType)};
+  s += Le16(0) + Le16(mapLength) + std::string(1, mapLength ? 24 : 0) + std::string(4, '\0');
+  s += Le16(4) + Le16(3) + std::string{static_cast<char>(depth), static_cast<char>(descriptor)};
+  return s + rest;
+}
+
+void WriteImageSeeds(const std::string& folder) {
+  // An 8 x 8 grey gradient, baseline.
+  static const unsigned char kGreyJpeg[] = {
+      0xff, 0xd8, 0xff, 0xe0, 0x00, 0x10, 0x4a, 0x46, 0x49, 0x46, 0x00, 0x01, 0x01, 0x00, 0x00, 0x01, 0x00, 0x01, 0x00,
+      0x00, 0xff, 0xdb, 0x00, 0x43, 0x00, 0x03, 0x02, 0x02, 0x03, 0x02, 0x02, 0x03, 0x03, 0x03, 0x03, 0x04, 0x03, 0x03,
+      0x04, 0x05, 0x08, 0x05, 0x05, 0x04, 0x04, 0x05, 0x0a, 0x07, 0x07, 0x06, 0x08, 0x0c, 0x0a, 0x0c, 0x0c, 0x0b, 0x0a,
+      0x0b, 0x0b, 0x0d, 0x0e, 0x12, 0x10, 0x0d, 0x0e, 0x11, 0x0e, 0x0b, 0x0b, 0x10, 0x16, 0x10, 0x11, 0x13, 0x14, 0x15,
+      0x15, 0x15, 0x0c, 0x0f, 0x17, 0x18, 0x16, 0x14, 0x18, 0x12, 0x14, 0x15, 0x14, 0xff, 0xc0, 0x00, 0x0b, 0x08, 0x00,
+      0x08, 0x00, 0x08, 0x01, 0x01, 0x11, 0x00, 0xff, 0xc4, 0x00, 0x14, 0x00, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+      0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0xff, 0xc4, 0x00, 0x17, 0x10, 0x00, 0x03, 0x01, 0x00,
+      0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x19, 0x65, 0xa3, 0xff, 0xda, 0x00,
+      0x08, 0x01, 0x01, 0x00, 0x00, 0x3f, 0x00, 0x1a, 0x7d, 0x7d, 0x0f, 0xff, 0xd9,
+  };
+  WriteBytes(folder + "/grey.jpg", std::string(reinterpret_cast<const char*>(kGreyJpeg), sizeof kGreyJpeg));
+
+  for (int bits : {1, 4, 8, 24}) {
+    BlockHandle dib = SmallPicture(7, 5, bits);
+    WriteBmpFile((folder + "/picture" + std::to_string(bits) + ".bmp").c_str(), dib);
+    GlobalBlockFree(dib);
+  }
+  WriteBytes(folder + "/palette.gif", Gif());
+
+  std::string end(1, 0x0C);
+  for (int i = 0; i < 256; ++i) end += {static_cast<char>(i), static_cast<char>(i * 3), static_cast<char>(255 - i)};
+  WriteBytes(folder + "/palette.pcx", PcxHeader(8, 1, 4) + std::string("\xC5\x07\x01\x02\xC6\xC3", 6) + end);
+  WriteBytes(folder + "/planes.pcx", PcxHeader(1, 4, 2) + std::string("\xD8\xA0", 2));
+  WriteBytes(folder + "/rgb.pcx", PcxHeader(8, 3, 4) + std::string("\xE4\x40", 2));
+
+  std::string map;
+  for (int i = 0; i < 4; ++i) map += {static_cast<char>(i * 60), static_cast<char>(255 - i * 60), static_cast<char>(i)};
+  WriteBytes(folder + "/mapped.tga",
+             Tga(1, 9, 4, 8, 0x20, map + std::string("\x85\x01\x05\x00\x01\x02\x03\x00\x01", 9)));
+  std::string pixels;
+  for (int i = 0; i < 12; ++i)
+    pixels += {static_cast<char>(i * 20), static_cast<char>(i), static_cast<char>(200 - i), static_cast<char>(i * 21)};
+  WriteBytes(folder + "/rgba.tga", Tga(0, 2, 0, 32, 8, pixels));
+
+  std::string palette;
+  for (int i = 0; i < 16; ++i) palette += {static_cast<char>(i * 16), static_cast<char>(i), static_cast<char>(255 - i)};
+  WriteBytes(folder + "/palette.png", Png(5, 4, 4, 3, 3, palette));
+  WriteBytes(folder + "/grey.png", Png(9, 3, 2, 0, 3, ""));
+  WriteBytes(folder + "/rgba.png", Png(3, 3, 8, 6, 12, ""));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -55,7 +172,8 @@ int main(int argc, char** argv) {
     return 2;
   }
   std::string root = argv[1];
-  for (const char* sub : {"", "/calendar-seeds", "/calendar-work", "/text-seeds", "/text-work"})
+  for (const char* sub :
+       {"", "/calendar-seeds", "/calendar-work", "/text-seeds", "/text-work", "/image-seeds", "/image-work"})
     mkdir((root + sub).c_str(), 0777);
   Settings.ImageCompression = 1;
   SaveSeed(root + "/calendar-seeds/plain.CLN", false, {});
@@ -67,5 +185,6 @@ int main(int argc, char** argv) {
   std::fclose(f);
   WriteText(root + "/text-seeds/abbreviated.INI", "Month = Xyz\nCap=1\nDateFontSize=   =  42pt\n\n=x\n");
   WriteText(root + "/text-seeds/General.CDF", "; holidays\nJAN01 New Year\n  jan05 indented\nDEC25 Christmas\r\nFEB29 Leap\n");
+  WriteImageSeeds(root + "/image-seeds");
   return 0;
 }

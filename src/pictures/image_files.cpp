@@ -1,0 +1,123 @@
+#include "pictures/image_files.h"
+
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "base/dib.h"
+#include "base/replace_file.h"
+#include "base/text.h"
+#include "pictures/byte_source.h"
+#include "pictures/image_format.h"
+
+namespace {
+
+struct ImageFormat {
+  const char* extension;
+  bool (*readHeader)(ByteSource& file, ImageHeader* header);
+  BlockHandle (*readPicture)(const uint8_t* data, size_t size);
+};
+
+// The order is the format index, which the open dialog's filters follow.
+const ImageFormat kImageFormats[kImageFormatCount] = {
+    {"jpg", ReadJpegHeader, ReadJpegPicture}, {"bmp", ReadBmpHeader, ReadBmpPicture},
+    {"gif", ReadGifHeader, ReadGifPicture},   {"pcx", ReadPcxHeader, ReadPcxPicture},
+    {"tga", ReadTgaHeader, ReadTgaPicture},   {"png", ReadPngHeader, ReadPngPicture},
+};
+
+bool IsFormatIndex(int index) { return index >= 0 && index < kImageFormatCount; }
+
+constexpr uint32_t kBmpFileHeaderSize = 14;
+
+// BITMAPFILEHEADER, written field by field in file order (little-endian).
+void PutBmpFileHeader(uint8_t* out, uint32_t fileSize, uint32_t bitsOffset) {
+  auto put32 = [](uint8_t* p, uint32_t v) {
+    for (int i = 0; i < 4; ++i) p[i] = static_cast<uint8_t>(v >> (8 * i));
+  };
+  std::memset(out, 0, kBmpFileHeaderSize);
+  out[0] = 'B';
+  out[1] = 'M';
+  put32(out + 2, fileSize);
+  put32(out + 10, bitsOffset);
+}
+
+bool WriteAll(std::FILE* f, const void* data, size_t size) { return std::fwrite(data, 1, size, f) == size; }
+
+}  // namespace
+
+int FindImageFormat(const char* path) {
+  if (!path) return -1;
+  const char* dot = std::strrchr(FileNamePart(path), '.');
+  if (!dot) return -1;
+  for (int i = 0; i < kImageFormatCount; ++i) {
+    const char* extension = kImageFormats[i].extension;
+    if (CompareNoCase(dot + 1, extension, std::strlen(extension) + 1) == 0) return i;
+  }
+  return -1;
+}
+
+int ImageFormatExtension(int index, char* buffer, int size) {
+  if (!IsFormatIndex(index)) return -1;
+  if (buffer && size > 0) CopyText(buffer, static_cast<size_t>(size), kImageFormats[index].extension);
+  return kImageFormatCount;
+}
+
+int ImageFormatFilterName(int index, char* buffer, int size) {
+  if (!IsFormatIndex(index)) return -1;
+  if (buffer && size > 0) std::snprintf(buffer, static_cast<size_t>(size), "%s files", kImageFormats[index].extension);
+  return kImageFormatCount;
+}
+
+int GetImageFileInformation(const char* path, int32_t* width, int32_t* height, uint16_t* bitCount,
+                            uint8_t* colourTable) {
+  int index = FindImageFormat(path);
+  if (index < 0) return 0;
+  FileSource file(path);
+  ImageHeader header;
+  if (!file.ok() || !kImageFormats[index].readHeader(file, &header)) return 0;
+  if (width) *width = header.width;
+  if (height) *height = header.height;
+  if (bitCount) *bitCount = header.bitCount;
+  if (colourTable && header.bitCount <= 8) {
+    std::memset(colourTable, 0, 256 * 3);
+    for (uint32_t i = 0; i < DibColourTableEntries(header.bitCount); ++i) {
+      colourTable[3 * i] = header.colours[i].rgbRed;
+      colourTable[3 * i + 1] = header.colours[i].rgbGreen;
+      colourTable[3 * i + 2] = header.colours[i].rgbBlue;
+    }
+  }
+  return 1;
+}
+
+BlockHandle ReadImageFile(const char* path, uint16_t* bitCount) {
+  int index = FindImageFormat(path);
+  if (index < 0) return 0;
+  BlockHandle dib = 0;
+  {
+    FileBytes file = ReadWholeFile(path);
+    if (file.data) dib = kImageFormats[index].readPicture(file.data.get(), file.size);
+  }
+  uint16_t bits;
+  if (dib && bitCount && GetImageFileInformation(path, nullptr, nullptr, &bits, nullptr)) *bitCount = bits;
+  return dib;
+}
+
+bool WriteBmpFile(const char* path, BlockHandle dib) {
+  if (!path || !*path || !DibBlockIsValid(dib)) return false;
+  uint32_t blockSize = GlobalBlockSize(dib);
+  if (blockSize > UINT32_MAX - kBmpFileHeaderSize) return false;
+  BlockLock lock(dib);
+  uint8_t fileHeader[kBmpFileHeaderSize];
+  PutBmpFileHeader(fileHeader, kBmpFileHeaderSize + blockSize,
+                   kBmpFileHeaderSize + DibBitsOffset(*lock.as<BitmapInfoHeader>()));
+
+  // A temporary file beside the target replaces it only once complete.
+  std::string temporary = std::string(path) + ".saving";
+  std::FILE* f = std::fopen(temporary.c_str(), "wb");
+  if (!f) return false;
+  bool ok = WriteAll(f, fileHeader, sizeof fileHeader) && WriteAll(f, lock.bytes(), blockSize);
+  ok = std::fclose(f) == 0 && ok;
+  ok = ok && ReplaceFileWith(temporary.c_str(), path);
+  if (!ok) std::remove(temporary.c_str());
+  return ok;
+}

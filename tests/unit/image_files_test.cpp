@@ -1,0 +1,625 @@
+// Reading pictures from image files: the format table, each format's kinds
+// of picture and the Dib they become, the information call against the
+// read, the BMP writer, and files that are damaged or lie.
+#include "pictures/image_files.h"
+
+#include <zlib.h>
+
+#include <climits>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "base/dib.h"
+#include "base/text.h"
+#include "test_support.h"
+
+namespace {
+
+// Small test pictures made once with ImageMagick: an 8 x 8 grey gradient
+// (baseline, white at the top) and a 16 x 8 red-to-blue gradient
+// (progressive, ten scans).
+const uint8_t kGreyJpeg[] = {
+    0xff, 0xd8, 0xff, 0xe0, 0x00, 0x10, 0x4a, 0x46, 0x49, 0x46, 0x00, 0x01, 0x01, 0x00, 0x00, 0x01, 0x00, 0x01, 0x00,
+    0x00, 0xff, 0xdb, 0x00, 0x43, 0x00, 0x03, 0x02, 0x02, 0x03, 0x02, 0x02, 0x03, 0x03, 0x03, 0x03, 0x04, 0x03, 0x03,
+    0x04, 0x05, 0x08, 0x05, 0x05, 0x04, 0x04, 0x05, 0x0a, 0x07, 0x07, 0x06, 0x08, 0x0c, 0x0a, 0x0c, 0x0c, 0x0b, 0x0a,
+    0x0b, 0x0b, 0x0d, 0x0e, 0x12, 0x10, 0x0d, 0x0e, 0x11, 0x0e, 0x0b, 0x0b, 0x10, 0x16, 0x10, 0x11, 0x13, 0x14, 0x15,
+    0x15, 0x15, 0x0c, 0x0f, 0x17, 0x18, 0x16, 0x14, 0x18, 0x12, 0x14, 0x15, 0x14, 0xff, 0xc0, 0x00, 0x0b, 0x08, 0x00,
+    0x08, 0x00, 0x08, 0x01, 0x01, 0x11, 0x00, 0xff, 0xc4, 0x00, 0x14, 0x00, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+    0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x01, 0xff, 0xc4, 0x00, 0x17, 0x10, 0x00, 0x03, 0x01, 0x00,
+    0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x19, 0x65, 0xa3, 0xff, 0xda, 0x00,
+    0x08, 0x01, 0x01, 0x00, 0x00, 0x3f, 0x00, 0x1a, 0x7d, 0x7d, 0x0f, 0xff, 0xd9,
+};
+const uint8_t kColourJpeg[] = {
+    0xff, 0xd8, 0xff, 0xe0, 0x00, 0x10, 0x4a, 0x46, 0x49, 0x46, 0x00, 0x01, 0x01, 0x00, 0x00, 0x01, 0x00, 0x01, 0x00,
+    0x00, 0xff, 0xdb, 0x00, 0x43, 0x00, 0x03, 0x02, 0x02, 0x03, 0x02, 0x02, 0x03, 0x03, 0x03, 0x03, 0x04, 0x03, 0x03,
+    0x04, 0x05, 0x08, 0x05, 0x05, 0x04, 0x04, 0x05, 0x0a, 0x07, 0x07, 0x06, 0x08, 0x0c, 0x0a, 0x0c, 0x0c, 0x0b, 0x0a,
+    0x0b, 0x0b, 0x0d, 0x0e, 0x12, 0x10, 0x0d, 0x0e, 0x11, 0x0e, 0x0b, 0x0b, 0x10, 0x16, 0x10, 0x11, 0x13, 0x14, 0x15,
+    0x15, 0x15, 0x0c, 0x0f, 0x17, 0x18, 0x16, 0x14, 0x18, 0x12, 0x14, 0x15, 0x14, 0xff, 0xdb, 0x00, 0x43, 0x01, 0x03,
+    0x04, 0x04, 0x05, 0x04, 0x05, 0x09, 0x05, 0x05, 0x09, 0x14, 0x0d, 0x0b, 0x0d, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14,
+    0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14,
+    0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0x14,
+    0x14, 0x14, 0x14, 0x14, 0x14, 0x14, 0xff, 0xc2, 0x00, 0x11, 0x08, 0x00, 0x08, 0x00, 0x10, 0x03, 0x01, 0x11, 0x00,
+    0x02, 0x11, 0x01, 0x03, 0x11, 0x01, 0xff, 0xc4, 0x00, 0x15, 0x00, 0x01, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+    0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x07, 0xff, 0xc4, 0x00, 0x16, 0x01, 0x01, 0x01, 0x01, 0x00,
+    0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x06, 0x07, 0xff, 0xda, 0x00, 0x0c,
+    0x03, 0x01, 0x00, 0x02, 0x10, 0x03, 0x10, 0x00, 0x00, 0x01, 0x8d, 0x5c, 0x68, 0xe3, 0xff, 0xc4, 0x00, 0x15, 0x10,
+    0x01, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x14, 0xff,
+    0xda, 0x00, 0x08, 0x01, 0x01, 0x00, 0x01, 0x05, 0x02, 0xbd, 0x7b, 0xff, 0xc4, 0x00, 0x16, 0x11, 0x00, 0x03, 0x00,
+    0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x16, 0x62, 0xff, 0xda, 0x00,
+    0x08, 0x01, 0x03, 0x01, 0x01, 0x3f, 0x01, 0x70, 0xa1, 0xc2, 0x8f, 0xff, 0xc4, 0x00, 0x16, 0x11, 0x00, 0x03, 0x00,
+    0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x16, 0x62, 0xff, 0xda, 0x00,
+    0x08, 0x01, 0x02, 0x01, 0x01, 0x3f, 0x01, 0x47, 0x91, 0x1e, 0x4f, 0xff, 0xc4, 0x00, 0x15, 0x10, 0x01, 0x01, 0x00,
+    0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x31, 0xff, 0xda, 0x00, 0x08,
+    0x01, 0x01, 0x00, 0x06, 0x3f, 0x02, 0xaa, 0xff, 0xc4, 0x00, 0x14, 0x10, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+    0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x10, 0xff, 0xda, 0x00, 0x08, 0x01, 0x01, 0x00, 0x01, 0x3f,
+    0x21, 0x2b, 0xff, 0xda, 0x00, 0x0c, 0x03, 0x01, 0x00, 0x02, 0x00, 0x03, 0x00, 0x00, 0x00, 0x10, 0xdb, 0xff, 0xc4,
+    0x00, 0x16, 0x11, 0x00, 0x03, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+    0x00, 0x11, 0xf0, 0xff, 0xda, 0x00, 0x08, 0x01, 0x03, 0x01, 0x01, 0x3f, 0x10, 0xb6, 0x5b, 0x3f, 0xff, 0xc4, 0x00,
+    0x16, 0x11, 0x00, 0x03, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+    0x11, 0xf0, 0xff, 0xda, 0x00, 0x08, 0x01, 0x02, 0x01, 0x01, 0x3f, 0x10, 0x94, 0x4a, 0x3f, 0xff, 0xc4, 0x00, 0x16,
+    0x10, 0x00, 0x03, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x71,
+    0x91, 0xff, 0xda, 0x00, 0x08, 0x01, 0x01, 0x00, 0x01, 0x3f, 0x10, 0x45, 0x11, 0x4f, 0xff, 0xd9,
+};
+
+using Values = std::vector<uint32_t>;
+
+std::string Bytes(std::initializer_list<int> values) {
+  std::string s;
+  for (int v : values) s += static_cast<char>(v);
+  return s;
+}
+std::string Le16(uint32_t v) { return Bytes({int(v & 255), int(v >> 8 & 255)}); }
+std::string Le32(uint32_t v) { return Le16(v & 0xFFFF) + Le16(v >> 16); }
+std::string Be32(uint32_t v) { return Bytes({int(v >> 24), int(v >> 16 & 255), int(v >> 8 & 255), int(v & 255)}); }
+// Colours are written 0xRRGGBB in the tests.
+std::string Rgb(uint32_t c) { return Bytes({int(c >> 16), int(c >> 8 & 255), int(c & 255)}); }
+std::string Bgr(uint32_t c) { return Bytes({int(c & 255), int(c >> 8 & 255), int(c >> 16)}); }
+std::string Rgbs(const Values& colours) {
+  std::string s;
+  for (uint32_t c : colours) s += Rgb(c);
+  return s;
+}
+std::string Cut(const std::string& s, size_t drop) { return s.substr(0, s.size() - drop); }
+// Samples of `depth` bits packed from the top bit down, as PNG, BMP and PCX rows are.
+std::string Packed(const std::vector<int>& values, int depth) {
+  std::string s((values.size() * depth + 7) / 8, '\0');
+  for (size_t i = 0; i < values.size(); ++i)
+    s[i * depth / 8] |= static_cast<char>(values[i] << (8 - depth - i * depth % 8));
+  return s;
+}
+
+std::string Bmp(int32_t width, int32_t height, int bits, const Values& table, const std::string& rows) {
+  uint32_t offset = 14 + 40 + 4 * static_cast<uint32_t>(table.size());
+  std::string s = "BM" + Le32(offset + rows.size()) + Le32(0) + Le32(offset) + Le32(40) + Le32(width) + Le32(height) +
+                  Le16(1) + Le16(bits) + Le32(0) + Le32(rows.size()) + std::string(16, '\0');
+  for (uint32_t c : table) s += Bgr(c) + '\0';
+  return s + rows;
+}
+
+// `coded` is the run-length coded data: 0xC0 + n repeats the next byte n times.
+std::string Pcx(int version, int bitsPerPlane, int planes, int width, int height, int bytesPerLine,
+                const std::string& colours, const std::string& coded) {
+  std::string s = Bytes({0x0A, version, 1, bitsPerPlane}) + Le32(0) + Le16(width - 1) + Le16(height - 1) + Le32(0) +
+                  colours + std::string(48 - colours.size(), '\0') + Bytes({0, planes}) + Le16(bytesPerLine);
+  return s + std::string(128 - s.size(), '\0') + coded;
+}
+
+std::string Tga(int mapType, int imageType, int mapLength, int mapBits, int width, int height, int depth,
+                int descriptor, const std::string& data) {
+  return Bytes({0, mapType, imageType}) + Le16(0) + Le16(mapLength) + Bytes({mapBits}) + Le32(0) + Le16(width) +
+         Le16(height) + Bytes({depth, descriptor}) + data;
+}
+
+std::string PngChunk(const std::string& type, const std::string& data) {
+  std::string body = type + data;
+  return Be32(data.size()) + body + Be32(crc32(0, reinterpret_cast<const Bytef*>(body.data()), body.size()));
+}
+
+std::string Png(int width, int height, int depth, int colourType, const std::vector<std::string>& rows,
+                const std::string& palette = "") {
+  std::string raw;
+  for (const std::string& row : rows) raw += '\0' + row;  // filter: none
+  uLongf size = compressBound(raw.size());
+  std::string z(size, '\0');
+  compress(reinterpret_cast<Bytef*>(&z[0]), &size, reinterpret_cast<const Bytef*>(raw.data()), raw.size());
+  z.resize(size);
+  return "\x89PNG\r\n\x1a\n" + PngChunk("IHDR", Be32(width) + Be32(height) + Bytes({depth, colourType, 0, 0, 0})) +
+         (palette.empty() ? "" : PngChunk("PLTE", palette)) + PngChunk("IDAT", z) + PngChunk("IEND", "");
+}
+
+std::string GifScreen(int width, int height, int flags, const std::string& table, int background = 0) {
+  return "GIF89a" + Le16(width) + Le16(height) + Bytes({flags, background, 0}) + table;
+}
+
+// An image whose LZW data decodes to the indexes as they are: 9-bit codes
+// after a clear code, too few for the code size to grow.
+std::string GifImage(int left, int top, int width, int height, int flags, const std::string& table,
+                     const std::vector<int>& indexes) {
+  std::string data;
+  uint32_t bits = 256;  // clear
+  int count = 9;
+  for (size_t i = 0; i <= indexes.size(); ++i) {
+    bits |= static_cast<uint32_t>(i < indexes.size() ? indexes[i] : 257) << count;  // 257: end
+    for (count += 9; count >= 8; count -= 8, bits >>= 8) data += static_cast<char>(bits & 255);
+  }
+  data += static_cast<char>(bits);
+  return "," + Le16(left) + Le16(top) + Le16(width) + Le16(height) + Bytes({flags}) + table + Bytes({8}) +
+         static_cast<char>(data.size()) + data + '\0';
+}
+
+// 3 x 2 on a four-colour table whose entry 2, transparent, has the colour of entry 0.
+std::string TransparentGif() {
+  return GifScreen(3, 2, 0x81, Rgbs({0x112233, 0xFF0000, 0x112233, 0x00FF00})) + Bytes({0x21, 0xF9, 4, 1, 0, 0, 2, 0}) +
+         GifImage(0, 0, 3, 2, 0, "", {0, 1, 2, 3, 2, 0}) + ";";
+}
+
+std::string Jpeg(const uint8_t* begin, const uint8_t* end) { return std::string(begin, end); }
+std::string JpegOfSize(int width, int height) {
+  std::string s = Jpeg(std::begin(kColourJpeg), std::end(kColourJpeg));
+  return s.replace(s.find("\xFF\xC2") + 5, 4, Bytes({height >> 8, height & 255, width >> 8, width & 255}));
+}
+
+// A Dib read from a file, freed when the test ends.
+class Picture {
+ public:
+  explicit Picture(const std::string& path) : path_(path), dib_(ReadImageFile(path.c_str(), &reportedBits)) {}
+  ~Picture() {
+    if (dib_) GlobalBlockFree(dib_);
+  }
+  bool ok() const { return dib_ != 0; }
+  BlockHandle dib() const { return dib_; }
+  const std::string& path() const { return path_; }
+  BitmapInfoHeader Header() const {
+    BitmapInfoHeader h{};
+    if (dib_) std::memcpy(&h, BlockLock(dib_).bytes(), sizeof h);
+    return h;
+  }
+  // The first `n` entries of the colour table as 0xRRGGBB.
+  Values Colours(int n) const {
+    BlockLock lock(dib_);
+    Values colours;
+    for (int i = 0; i < n; ++i) {
+      RgbQuad q = DibColourTable(lock.bytes())[i];
+      colours.push_back(static_cast<uint32_t>(q.rgbRed) << 16 | q.rgbGreen << 8 | q.rgbBlue);
+    }
+    return colours;
+  }
+  // Every pixel from the top row down, as the files are drawn: indexes for
+  // palette Dibs, 0xRRGGBB for true colour.
+  Values Pixels() const {
+    BitmapInfoHeader h = Header();
+    BlockLock lock(dib_);
+    Values pixels;
+    for (int y = h.biHeight - 1; y >= 0; --y) {
+      const uint8_t* row = DibBits(lock.bytes()) + DibRowStride(h.biWidth, h.biBitCount) * y;
+      for (int x = 0; x < h.biWidth; ++x) {
+        int bits = h.biBitCount;
+        const uint8_t* p = row + 3 * x;
+        pixels.push_back(bits == 24 ? static_cast<uint32_t>(p[2]) << 16 | p[1] << 8 | p[0]
+                                    : row[x * bits / 8] >> (8 - bits - x * bits % 8) & ((1 << bits) - 1));
+      }
+    }
+    return pixels;
+  }
+
+  uint16_t reportedBits = 0;
+
+ private:
+  std::string path_;
+  BlockHandle dib_;
+};
+
+// The Dib has the promised shape and a well-formed header, and the
+// information call describes it exactly, colour table included.
+void ExpectDib(const Picture& picture, int width, int height, int bits) {
+  ASSERT_TRUE(picture.ok()) << picture.path();
+  BitmapInfoHeader h = picture.Header();
+  EXPECT_EQ(h.biSize, 40u);
+  EXPECT_EQ(h.biWidth, width);
+  EXPECT_EQ(h.biHeight, height);
+  EXPECT_EQ(h.biPlanes, 1);
+  EXPECT_EQ(h.biBitCount, bits);
+  EXPECT_EQ(h.biCompression, kBiRgb);
+  EXPECT_EQ(h.biSizeImage, DibRowStride(width, bits) * height);
+  EXPECT_EQ(h.biClrUsed, 0u);
+  EXPECT_EQ(GlobalBlockSize(picture.dib()), 40 + 4 * DibColourTableEntries(bits) + h.biSizeImage);
+  EXPECT_EQ(picture.reportedBits, bits);
+
+  int32_t infoWidth = 0, infoHeight = 0;
+  uint16_t infoBits = 0;
+  uint8_t table[768];
+  std::memset(table, 0xAB, sizeof table);  // left alone for true colour
+  ASSERT_EQ(GetImageFileInformation(picture.path().c_str(), &infoWidth, &infoHeight, &infoBits, table), 1);
+  EXPECT_EQ(infoWidth, width);
+  EXPECT_EQ(infoHeight, height);
+  EXPECT_EQ(infoBits, bits);
+  Values expected = picture.Colours(DibColourTableEntries(bits)), got;
+  expected.resize(256, bits <= 8 ? 0 : 0xABABAB);
+  for (int i = 0; i < 256; ++i)
+    got.push_back(static_cast<uint32_t>(table[3 * i]) << 16 | table[3 * i + 1] << 8 | table[3 * i + 2]);
+  EXPECT_EQ(got, expected) << picture.path();
+}
+
+class ImageFiles : public QuernalTest {
+ protected:
+  std::string Write(const std::string& name, const std::string& bytes) {
+    std::string path = dir_.File(name);
+    WriteFile(path, bytes);
+    return path;
+  }
+  // The reader gives nothing; the information call gives `info`.
+  void ExpectNoPicture(const std::string& name, const std::string& bytes, int info) {
+    std::string path = Write(name, bytes);
+    BlockHandle dib = ReadImageFile(path.c_str(), nullptr);
+    EXPECT_EQ(dib, 0u) << name;
+    if (dib) GlobalBlockFree(dib);
+    EXPECT_EQ(GetImageFileInformation(path.c_str(), nullptr, nullptr, nullptr, nullptr), info) << name;
+  }
+};
+
+}  // namespace
+
+TEST(ImageFormatTable, ExtensionsMatchTheFileNameWithoutRegardToCase) {
+  struct {
+    const char* path;
+    int index;
+  } cases[] = {
+      {"PHOTO.JPG", 0},
+      {"photo.jpg", 0},
+      {"a.Bmp", 1},
+      {"a.gif", 2},
+      {"a.PCX", 3},
+      {"x.tga", 4},
+      {"x.png", 5},
+      {"C:\\Pictures\\holiday.2024.png", 5},
+      {"C:photo.gif", 2},
+      {"/home/me/old.pics/photo.tga", 4},
+      {"photo.jpeg", -1},
+      {"photo", -1},
+      {"photo.", -1},
+      {"pics.jpg/photo", -1},
+      {"C:\\pics.jpg\\photo", -1},
+      {"photo.png.bak", -1},
+      {"", -1},
+  };
+  for (const auto& c : cases) EXPECT_EQ(FindImageFormat(c.path), c.index) << c.path;
+  EXPECT_EQ(FindImageFormat(nullptr), -1);
+}
+
+TEST(ImageFormatTable, ExtensionsAndFilterNamesByIndex) {
+  const char* names[] = {"jpg", "bmp", "gif", "pcx", "tga", "png"};
+  char buffer[32];
+  for (int i = 0; i < 6; ++i) {
+    EXPECT_EQ(ImageFormatExtension(i, buffer, sizeof buffer), 6);
+    EXPECT_STREQ(buffer, names[i]);
+    EXPECT_EQ(ImageFormatFilterName(i, buffer, sizeof buffer), 6);
+    EXPECT_EQ(std::string(buffer), std::string(names[i]) + " files");
+  }
+  for (int bad : {6, 7, -1, INT_MIN}) {
+    std::strcpy(buffer, "untouched");
+    EXPECT_EQ(ImageFormatExtension(bad, buffer, sizeof buffer), -1) << bad;
+    EXPECT_EQ(ImageFormatFilterName(bad, buffer, sizeof buffer), -1) << bad;
+    EXPECT_STREQ(buffer, "untouched");
+  }
+  EXPECT_EQ(ImageFormatFilterName(0, buffer, 6), 6);
+  EXPECT_STREQ(buffer, "jpg f") << "what fits, terminated";
+}
+
+TEST_F(ImageFiles, BmpsKeepTheirKind) {
+  // Four entries for 8 bits: the rest of the table is black. Rows are stored
+  // bottom-up, padded to four bytes.
+  Picture eight(
+      Write("eight.bmp", Bmp(3, 2, 8, {0x102030, 0xFF0000, 0x00FF00, 0x0000FF}, Bytes({0, 3, 1, 0, 1, 2, 3, 0}))));
+  ExpectDib(eight, 3, 2, 8);
+  EXPECT_EQ(eight.Colours(5), (Values{0x102030, 0xFF0000, 0x00FF00, 0x0000FF, 0}));
+  EXPECT_EQ(eight.Pixels(), (Values{1, 2, 3, 0, 3, 1}));
+  Values greys;
+  for (uint32_t i = 0; i < 16; ++i) greys.push_back(i * 0x111111);
+  Picture sixteen(Write("sixteen.bmp", Bmp(5, 1, 4, greys, Packed({15, 0, 7, 8, 1}, 4) + '\0')));
+  ExpectDib(sixteen, 5, 1, 4);
+  EXPECT_EQ(sixteen.Colours(16), greys);
+  EXPECT_EQ(sixteen.Pixels(), (Values{15, 0, 7, 8, 1}));
+  Picture two(Write("two.bmp", Bmp(10, 1, 1, {0x204060, 0xF0E0D0},
+                                   Packed({1, 0, 0, 1, 1, 1, 0, 0, 0, 1}, 1) + std::string(2, '\0'))));
+  ExpectDib(two, 10, 1, 1);
+  EXPECT_EQ(two.Colours(2), (Values{0x204060, 0xF0E0D0}));
+  EXPECT_EQ(two.Pixels(), (Values{1, 0, 0, 1, 1, 1, 0, 0, 0, 1}));
+
+  // True colour, stored bottom-up or top-down, becomes the same bottom-up Dib.
+  const std::string pad(2, '\0');
+  Picture up(
+      Write("up.bmp", Bmp(2, 2, 24, {}, Bgr(0x0000FF) + Bgr(0xFFFFFF) + pad + Bgr(0xFF0000) + Bgr(0x00FF00) + pad)));
+  Picture down(
+      Write("down.bmp", Bmp(2, -2, 24, {}, Bgr(0xFF0000) + Bgr(0x00FF00) + pad + Bgr(0x0000FF) + Bgr(0xFFFFFF) + pad)));
+  ExpectDib(up, 2, 2, 24);
+  ExpectDib(down, 2, 2, 24);
+  EXPECT_EQ(up.Pixels(), (Values{0xFF0000, 0x00FF00, 0x0000FF, 0xFFFFFF}));
+  EXPECT_EQ(BlockBytes(up.dib()), BlockBytes(down.dib()));
+  // Alpha is drawn over white: opaque, half and fully transparent red.
+  Picture alpha(
+      Write("alpha.bmp", Bmp(3, 1, 32, {}, Bgr(0xFF0000) + '\xFF' + Bgr(0xFF0000) + '\x80' + Bgr(0xFF0000) + '\0')));
+  ExpectDib(alpha, 3, 1, 24);
+  EXPECT_EQ(alpha.Pixels(), (Values{0xFF0000, 0xFF7F7F, 0xFFFFFF}));
+}
+
+TEST_F(ImageFiles, BmpWriterRoundTripsEveryKindByteForByte) {
+  // Widths without row padding, whose bytes a reader has no reason to keep.
+  const std::pair<int, int> kinds[] = {{32, 1}, {8, 4}, {8, 8}, {4, 24}};
+  for (auto [width, bits] : kinds) {
+    BlockHandle dib = MakePatternDib(width, 5, bits, 7);
+    {
+      // Distinct colours, so every index reads back as itself.
+      BlockLock lock(dib);
+      for (uint32_t i = 0; i < DibColourTableEntries(bits); ++i)
+        DibColourTable(lock.bytes())[i] = RgbQuad{uint8_t(i), uint8_t(255 - i), uint8_t(i * 7), 0};
+    }
+    std::string path = Write("round" + std::to_string(bits) + ".bmp", "an older file");
+    ASSERT_TRUE(WriteBmpFile(path.c_str(), dib));
+    std::vector<uint8_t> block = BlockBytes(dib);
+    std::string offset = Le32(14 + 40 + 4 * DibColourTableEntries(bits));
+    EXPECT_EQ(ReadFile(path),
+              "BM" + Le32(14 + block.size()) + Le32(0) + offset + std::string(block.begin(), block.end()));
+    Picture back(path);
+    ExpectDib(back, width, 5, bits);
+    EXPECT_EQ(BlockBytes(back.dib()), block) << bits << " bits";
+    EXPECT_FALSE(FileExists(path + ".saving"));
+    GlobalBlockFree(dib);
+  }
+}
+
+TEST_F(ImageFiles, BmpWriterLeavesNothingBehindWhenItFails) {
+  BlockHandle dib = MakePatternDib(4, 4, 24, 1);
+  std::string nowhere = JoinPath(dir_.File("absent"), "x.bmp");
+  EXPECT_FALSE(WriteBmpFile(nowhere.c_str(), dib));
+  EXPECT_FALSE(FileExists(nowhere));
+  // A block that is not a Dib is not written, and the file there stays.
+  std::string kept = Write("kept.bmp", "old");
+  BlockHandle notDib = GlobalBlockAlloc(10);
+  EXPECT_FALSE(WriteBmpFile(kept.c_str(), notDib));
+  EXPECT_FALSE(WriteBmpFile(kept.c_str(), 0));
+  EXPECT_EQ(ReadFile(kept), "old");
+  EXPECT_FALSE(FileExists(kept + ".saving"));
+  GlobalBlockFree(notDib);
+  GlobalBlockFree(dib);
+}
+
+TEST_F(ImageFiles, PcxFilesOfEveryLayout) {
+  // 8 bits, 5 x 3 in lines of 6 bytes. The first run, ten 9s, goes on from
+  // the first line into the second; 200 and 255 must be written as runs.
+  std::string end = "\x0C";
+  for (uint32_t i = 0; i < 256; ++i) end += Rgb(i << 16 | (255 - i) << 8 | 0x40);
+  Picture eight(
+      Write("eight.pcx", Pcx(5, 8, 1, 5, 3, 6, "", Bytes({0xCA, 9, 0xC1, 200, 1, 0, 1, 2, 3, 0xC1, 255, 0})) + end));
+  ExpectDib(eight, 5, 3, 8);
+  EXPECT_EQ(eight.Colours(201)[200], 0xC83740u);
+  EXPECT_EQ(eight.Pixels(), (Values{9, 9, 9, 9, 9, 9, 9, 9, 9, 200, 0, 1, 2, 3, 255}));
+
+  // 4 bits with the header's colours, as four planes of one bit (plane n
+  // gives bit n of the index) and as one plane of 4 bits: the same Dib.
+  std::string colours;
+  for (uint32_t i = 0; i < 16; ++i) colours += Rgb(i * 16 << 16 | (255 - i * 16));
+  Picture planar(Write("planar.pcx", Pcx(5, 1, 4, 3, 1, 2, colours, Bytes({0xA0, 0, 0x60, 0, 0xA0, 0, 0x60, 0}))));
+  Picture packed(Write("packed.pcx", Pcx(5, 4, 1, 3, 1, 2, colours, Bytes({0x5A, 0xC1, 0xF0}))));
+  ExpectDib(planar, 3, 1, 4);
+  ExpectDib(packed, 3, 1, 4);
+  EXPECT_EQ(planar.Pixels(), (Values{5, 10, 15}));
+  EXPECT_EQ(planar.Colours(11)[10], 0xA0005Fu);
+  EXPECT_EQ(BlockBytes(planar.dib()), BlockBytes(packed.dib()));
+  // Version 3 files carry no palette: the standard sixteen colours.
+  Picture standard(Write("standard.pcx", Pcx(3, 4, 1, 3, 1, 2, colours, Bytes({0x5A, 0xC1, 0xF0}))));
+  EXPECT_EQ(standard.Colours(16)[4], 0xAA0000u);
+
+  // One bit: the header's two colours, or black and white when it has none.
+  Picture mono(Write("mono.pcx", Pcx(5, 1, 1, 10, 1, 2, "", Bytes({0xB0, 0xC1, 0xC0}))));
+  Picture tinted(Write("tinted.pcx", Pcx(5, 1, 1, 10, 1, 2, Rgb(0x112233) + Rgb(0x445566), Bytes({0xB0, 0xC1, 0xC0}))));
+  ExpectDib(mono, 10, 1, 1);
+  ExpectDib(tinted, 10, 1, 1);
+  EXPECT_EQ(mono.Colours(2), (Values{0, 0xFFFFFF}));
+  EXPECT_EQ(tinted.Colours(2), (Values{0x112233, 0x445566}));
+  EXPECT_EQ(mono.Pixels(), (Values{1, 0, 1, 1, 0, 0, 0, 0, 1, 1}));
+
+  // 24 bits: each line holds a red, a green and a blue plane.
+  Picture rgb(
+      Write("rgb.pcx", Pcx(5, 8, 3, 2, 2, 2, "", Bytes({0xC1, 0xFF, 0, 0, 0x80, 0x10, 0xC1, 0xFF, 1, 2, 3, 4, 5, 6}))));
+  ExpectDib(rgb, 2, 2, 24);
+  EXPECT_EQ(rgb.Pixels(), (Values{0xFF0010, 0x0080FF, 0x010305, 0x020406}));
+}
+
+TEST_F(ImageFiles, TgaFilesKeepTheirMapsOrBecome24Bit) {
+  // Three 24-bit map entries and 8-bit indexes, bottom row first.
+  Picture mapped(Write(
+      "mapped.tga", Tga(1, 1, 3, 24, 2, 2, 8, 0, Bgr(0xFF0000) + Bgr(0x00FF00) + Bgr(0x123456) + Bytes({2, 1, 0, 2}))));
+  ExpectDib(mapped, 2, 2, 8);
+  EXPECT_EQ(mapped.Colours(4), (Values{0xFF0000, 0x00FF00, 0x123456, 0}));
+  EXPECT_EQ(mapped.Pixels(), (Values{0, 2, 2, 1}));
+  // Map entries of 16 bits, five to a channel.
+  Picture fives(Write("fives.tga", Tga(1, 1, 2, 16, 2, 1, 8, 0, Le16(0x7C00) + Le16(0x001F) + Bytes({1, 0}))));
+  ExpectDib(fives, 2, 1, 8);
+  EXPECT_EQ(fives.Colours(2), (Values{0xFF0000, 0x0000FF}));
+  // Grey in runs: three 0x40, then one 0xC0.
+  Picture grey(Write("grey.tga", Tga(0, 11, 0, 0, 2, 2, 8, 0, Bytes({0x82, 0x40, 0x00, 0xC0}))));
+  ExpectDib(grey, 2, 2, 8);
+  EXPECT_EQ(grey.Colours(256)[0x80], 0x808080u);
+  EXPECT_EQ(grey.Pixels(), (Values{0x40, 0xC0, 0x40, 0x40}));
+
+  // The same true-colour picture raw and bottom-up, and top-down in runs
+  // (a raw packet of two, then a run of two).
+  Picture raw(
+      Write("raw.tga", Tga(0, 2, 0, 0, 2, 2, 24, 0, Bgr(0x0000FF) + Bgr(0x0000FF) + Bgr(0xFF0000) + Bgr(0x00FF00))));
+  Picture runs(Write("runs.tga", Tga(0, 10, 0, 0, 2, 2, 24, 0x20,
+                                     Bytes({0x01}) + Bgr(0xFF0000) + Bgr(0x00FF00) + Bytes({0x81}) + Bgr(0x0000FF))));
+  ExpectDib(raw, 2, 2, 24);
+  ExpectDib(runs, 2, 2, 24);
+  EXPECT_EQ(raw.Pixels(), (Values{0xFF0000, 0x00FF00, 0x0000FF, 0x0000FF}));
+  EXPECT_EQ(BlockBytes(raw.dib()), BlockBytes(runs.dib()));
+  // 32 bits: alpha counts when the file says it has 8 attribute bits, not when it says none.
+  std::string pixels = Bgr(0xFF0000) + '\x80' + Bgr(0x00FF00) + '\0';
+  Picture alpha(Write("alpha.tga", Tga(0, 2, 0, 0, 2, 1, 32, 8, pixels)));
+  Picture opaque(Write("opaque.tga", Tga(0, 2, 0, 0, 2, 1, 32, 0, pixels)));
+  ExpectDib(alpha, 2, 1, 24);
+  EXPECT_EQ(alpha.Pixels(), (Values{0xFF7F7F, 0xFFFFFF}));
+  EXPECT_EQ(opaque.Pixels(), (Values{0xFF0000, 0x00FF00}));
+}
+
+TEST_F(ImageFiles, PngsOfEveryColourType) {
+  std::string palette = Rgbs({0xFF0000, 0x00FF00, 0x0000FF});
+  Picture eight(Write("eight.png", Png(3, 2, 8, 3, {Bytes({0, 1, 2}), Bytes({2, 2, 0})}, palette)));
+  ExpectDib(eight, 3, 2, 8);
+  EXPECT_EQ(eight.Colours(4), (Values{0xFF0000, 0x00FF00, 0x0000FF, 0}));
+  EXPECT_EQ(eight.Pixels(), (Values{0, 1, 2, 2, 2, 0}));
+  // A pixel that names an entry the palette lacks is black.
+  Picture beyond(Write("beyond.png", Png(2, 1, 8, 3, {Bytes({1, 9})}, palette)));
+  ExpectDib(beyond, 2, 1, 8);
+  EXPECT_EQ(beyond.Colours(256)[beyond.Pixels()[1]], 0u);
+  // Samples of two bits go into a 4-bit Dib.
+  Picture two(Write("two.png", Png(5, 1, 2, 3, {Packed({2, 1, 0, 2, 1}, 2)}, palette)));
+  ExpectDib(two, 5, 1, 4);
+  EXPECT_EQ(two.Pixels(), (Values{2, 1, 0, 2, 1}));
+
+  // Grey: 8-bit samples are their own indexes; fewer bits get a ramp from black to white.
+  Picture grey(Write("grey.png", Png(3, 1, 8, 0, {Bytes({0, 0x7F, 0xFF})})));
+  ExpectDib(grey, 3, 1, 8);
+  EXPECT_EQ(grey.Colours(256)[0x7F], 0x7F7F7Fu);
+  EXPECT_EQ(grey.Pixels(), (Values{0, 0x7F, 0xFF}));
+  Picture one(Write("one.png", Png(9, 1, 1, 0, {Packed({1, 0, 0, 1, 1, 0, 1, 0, 1}, 1)})));
+  ExpectDib(one, 9, 1, 1);
+  EXPECT_EQ(one.Colours(2), (Values{0, 0xFFFFFF}));
+  EXPECT_EQ(one.Pixels(), (Values{1, 0, 0, 1, 1, 0, 1, 0, 1}));
+  Picture four(Write("four.png", Png(4, 1, 2, 0, {Packed({3, 2, 1, 0}, 2)})));
+  ExpectDib(four, 4, 1, 4);
+  EXPECT_EQ(four.Colours(5), (Values{0, 0x555555, 0xAAAAAA, 0xFFFFFF, 0}));
+  EXPECT_EQ(four.Pixels(), (Values{3, 2, 1, 0}));
+  // Grey with alpha stays grey, drawn over white.
+  Picture greyAlpha(Write("greyalpha.png", Png(2, 1, 8, 4, {Bytes({0x00, 0x80, 0x40, 0xFF})})));
+  ExpectDib(greyAlpha, 2, 1, 8);
+  EXPECT_EQ(greyAlpha.Pixels(), (Values{0x7F, 0x40}));
+
+  // True colour; alpha over white; 16-bit samples cut to 8.
+  Picture rgb(Write("rgb.png", Png(2, 1, 8, 2, {Rgbs({0x102030, 0xABCDEF})})));
+  ExpectDib(rgb, 2, 1, 24);
+  EXPECT_EQ(rgb.Pixels(), (Values{0x102030, 0xABCDEF}));
+  Picture rgba(
+      Write("rgba.png", Png(3, 1, 8, 6, {Rgb(0xFF0000) + '\xFF' + Rgb(0xFF0000) + '\x80' + Rgb(0x123456) + '\0'})));
+  ExpectDib(rgba, 3, 1, 24);
+  EXPECT_EQ(rgba.Pixels(), (Values{0xFF0000, 0xFF7F7F, 0xFFFFFF}));
+  Picture deep(Write("deep.png", Png(1, 1, 16, 2, {Bytes({0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC})})));
+  ExpectDib(deep, 1, 1, 24);
+  EXPECT_EQ(deep.Pixels(), (Values{0x12569A}));
+}
+
+TEST_F(ImageFiles, GifsKeepTheirTablesAndTransparentIndex) {
+  // Transparent pixels get index 2; opaque ones of the same colour keep index 0.
+  Picture four(Write("four.gif", TransparentGif()));
+  ExpectDib(four, 3, 2, 4);
+  EXPECT_EQ(four.Colours(5), (Values{0x112233, 0xFF0000, 0x112233, 0x00FF00, 0}));
+  EXPECT_EQ(four.Pixels(), (Values{0, 1, 2, 3, 2, 0}));
+  // The first image has a table of its own and covers part of the screen;
+  // the rest is the background, index 9.
+  std::string local;
+  for (uint32_t i = 0; i < 256; ++i) local += Rgb(i << 16 | (255 - i));
+  Picture framed(
+      Write("framed.gif", GifScreen(4, 3, 0, "", 9) + GifImage(1, 1, 2, 2, 0x87, local, {7, 200, 255, 0}) + ";"));
+  ExpectDib(framed, 4, 3, 8);
+  EXPECT_EQ(framed.Colours(201)[200], 0xC80037u);
+  EXPECT_EQ(framed.Pixels(), (Values{9, 9, 9, 9, 9, 7, 200, 9, 9, 255, 0, 9}));
+  // Data that stops after one pixel leaves the rest to the background, index 1.
+  Picture stops(Write("stops.gif", GifScreen(3, 1, 0x81, Rgbs({0x112233, 0x445566, 0, 0}), 1) +
+                                       GifImage(0, 0, 3, 1, 0, "", {0}) + ";"));
+  ExpectDib(stops, 3, 1, 4);
+  EXPECT_EQ(stops.Pixels(), (Values{0, 1, 1}));
+  Picture two(
+      Write("two.gif", GifScreen(2, 1, 0x80, Rgbs({0xFFFFFF, 0x000000})) + GifImage(0, 0, 2, 1, 0, "", {1, 0}) + ";"));
+  ExpectDib(two, 2, 1, 1);
+  EXPECT_EQ(two.Pixels(), (Values{1, 0}));
+}
+
+TEST_F(ImageFiles, JpegsGreyAndColour) {
+  Picture grey(Write("grey.jpg", Jpeg(std::begin(kGreyJpeg), std::end(kGreyJpeg))));
+  ExpectDib(grey, 8, 8, 8);
+  EXPECT_EQ(grey.Colours(256)[0x90], 0x909090u);
+  Values pixels = grey.Pixels();  // white at the top, black at the bottom
+  EXPECT_GE(pixels[3], 240u);
+  EXPECT_LE(pixels[7 * 8 + 3], 15u);
+  for (int y = 1; y < 8; ++y) EXPECT_LT(pixels[y * 8 + 3], pixels[(y - 1) * 8 + 3]);
+
+  Picture colour(Write("colour.JPG", Jpeg(std::begin(kColourJpeg), std::end(kColourJpeg))));
+  ExpectDib(colour, 16, 8, 24);
+  uint32_t top = colour.Pixels()[8], bottom = colour.Pixels()[7 * 16 + 8];  // red above, blue below
+  EXPECT_GT(top >> 16, 200u);
+  EXPECT_LT(top & 0xFF, 60u);
+  EXPECT_LT(bottom >> 16, 60u);
+  EXPECT_GT(bottom & 0xFF, 200u);
+}
+
+TEST_F(ImageFiles, UnknownMissingAndEmptyFilesGiveNothing) {
+  std::string bmp = Bmp(1, 1, 24, {}, Bgr(0x123456) + '\0');
+  // A good picture under a name the table does not know is not opened.
+  std::string jpeg = Write("photo.jpeg", bmp);
+  uint16_t bits = 77;
+  EXPECT_EQ(ReadImageFile(jpeg.c_str(), &bits), 0u);
+  EXPECT_EQ(bits, 77);
+  EXPECT_EQ(GetImageFileInformation(jpeg.c_str(), nullptr, nullptr, nullptr, nullptr), 0);
+  EXPECT_EQ(ReadImageFile(nullptr, nullptr), 0u);
+  EXPECT_EQ(ReadImageFile("", nullptr), 0u);
+  std::string absent = dir_.File("absent.png");
+  EXPECT_EQ(ReadImageFile(absent.c_str(), nullptr), 0u);
+  EXPECT_EQ(GetImageFileInformation(absent.c_str(), nullptr, nullptr, nullptr, nullptr), 0);
+  // Every reader checks what the file holds, not only its name.
+  for (const char* extension : {"jpg", "gif", "pcx", "tga", "png"})
+    ExpectNoPicture(std::string("bmp.") + extension, bmp, 0);
+  for (const char* extension : {"jpg", "bmp", "gif", "pcx", "tga", "png"})
+    ExpectNoPicture(std::string("empty.") + extension, "", 0);
+  // Every output of the information call may be left out.
+  EXPECT_EQ(GetImageFileInformation(Write("good.bmp", bmp).c_str(), nullptr, nullptr, nullptr, nullptr), 1);
+}
+
+TEST_F(ImageFiles, FilesCutShortGiveNothingThoughTheirHeadersRead) {
+  ExpectNoPicture("cut.bmp", Cut(Bmp(2, 2, 24, {}, std::string(16, '\x40')), 1), 1);
+  ExpectNoPicture("cut.tga", Cut(Tga(0, 2, 0, 0, 2, 2, 24, 0, std::string(12, '\x40')), 1), 1);
+  ExpectNoPicture("cutruns.tga", Tga(0, 10, 0, 0, 2, 2, 24, 0, Bytes({0x82}) + Bgr(0x112233)), 1);  // 3 of 4 pixels
+  ExpectNoPicture("cut.pcx", Pcx(5, 8, 3, 2, 2, 2, "", Bytes({0xCC})), 1);  // a run without its byte
+  ExpectNoPicture("cut.png", Cut(Png(8, 8, 8, 0, std::vector<std::string>(8, "01234567")), 20), 1);
+  ExpectNoPicture("cut.gif", Cut(TransparentGif(), 4), 1);
+  std::string colour = Jpeg(std::begin(kColourJpeg), std::end(kColourJpeg));
+  ExpectNoPicture("cut.jpg", colour.substr(0, colour.size() / 2), 1);
+  ExpectNoPicture("noend.jpg", Cut(Jpeg(std::begin(kGreyJpeg), std::end(kGreyJpeg)), 2), 1);
+}
+
+TEST_F(ImageFiles, HeadersThatLieGiveNothing) {
+  // Far beyond what a picture may take: refused from the header alone.
+  const std::string few(64, '\0');
+  ExpectNoPicture("huge.bmp", Bmp(100000, 100000, 24, {}, few), 0);
+  ExpectNoPicture("huge.png", Png(70000, 70000, 8, 2, {Rgb(0)}), 0);
+  ExpectNoPicture("huge.tga", Tga(0, 2, 0, 0, 65535, 65535, 24, 0, few), 0);
+  ExpectNoPicture("huge.pcx", Pcx(5, 8, 3, 65535, 65535, 65535, "", few), 0);
+  ExpectNoPicture("huge.gif",
+                  GifScreen(65535, 65535, 0x87, std::string(768, '\0')) + GifImage(0, 0, 1, 1, 0, "", {1}) + ";", 0);
+  ExpectNoPicture("huge.jpg", JpegOfSize(65000, 65000), 0);
+  // A 1-bit screen the Dib could hold, but the decoder would need 38 GB for it.
+  ExpectNoPicture("wide.gif",
+                  GifScreen(65535, 65535, 0x80, Rgbs({0, 0xFFFFFF})) + GifImage(0, 0, 1, 1, 0, "", {1}) + ";", 1);
+  // Sizes a picture may have, with data for a few pixels: refused before any Dib is made.
+  ExpectNoPicture("tall.bmp", Bmp(8000, 8000, 8, {0, 0xFFFFFF}, few), 1);
+  ExpectNoPicture("tall.tga", Tga(0, 2, 0, 0, 8000, 8000, 24, 0, few), 1);
+  ExpectNoPicture("tall.pcx", Pcx(5, 8, 3, 8000, 8000, 8000, "", few), 1);
+  ExpectNoPicture("tall.jpg", JpegOfSize(8000, 8000), 1);
+  // Nothing to show.
+  ExpectNoPicture("zero.bmp", Bmp(0, 1, 24, {}, ""), 0);
+  ExpectNoPicture("zero.png", Png(0, 1, 8, 0, {""}), 0);
+  ExpectNoPicture("zero.tga", Tga(0, 2, 0, 0, 0, 1, 24, 0, ""), 0);
+  ExpectNoPicture("zero.gif", GifScreen(0, 0, 0x80, Rgbs({0, 0xFFFFFF})) + GifImage(0, 0, 0, 0, 0, "", {}) + ";", 0);
+  ExpectNoPicture("zero.jpg", JpegOfSize(16, 0), 0);
+  // Tables that do not hold what the pixels need: a BMP index past its two
+  // entries, an 8-bit PCX without its end palette, a TGA map that starts at entry 1.
+  ExpectNoPicture("index.bmp", Bmp(1, 1, 8, {0, 0xFFFFFF}, Bytes({5, 0, 0, 0})), 1);
+  ExpectNoPicture("nopalette.pcx", Pcx(5, 8, 1, 2, 2, 2, "", std::string(4, '\1')) + std::string(769, '\0'), 0);
+  std::string shifted = Tga(1, 1, 1, 24, 1, 1, 8, 0, Bgr(0xFF0000) + Bytes({0}));
+  shifted[3] = 1;
+  ExpectNoPicture("shifted.tga", shifted, 0);
+  // A Huffman table with more than 256 codes.
+  std::string greyJpeg = Jpeg(std::begin(kGreyJpeg), std::end(kGreyJpeg));
+  size_t counts = greyJpeg.find("\xFF\xC4") + 5;
+  greyJpeg[counts + 14] = greyJpeg[counts + 15] = '\xFF';
+  ExpectNoPicture("codes.jpg", greyJpeg, 1);
+}
