@@ -9,6 +9,8 @@
 #include "app/window_layout.h"
 #include "calendar/calendar_dates.h"
 #include "calendar/calendar_file.h"
+#include "calendar/events_dialog_win32.h"
+#include "calendar/replicate_dialog_win32.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
 #include "render/gdi_canvas_win32.h"
@@ -224,6 +226,13 @@ void Command(HWND window, int id) {
       return;
     case IDM_EDIT_YEAR_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_YEAR, 0);
     case IDM_EDIT_PAGE_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_MONTH, 0);
+    case IDM_REPLICATE:
+      // Only a month page has a design to copy onto the other months.
+      if (CurrentPage() < 12 && ReplicateMonth(window, App.document)) InvalidateRect(window, nullptr, TRUE);
+      return;
+    case IDM_EVENTS:
+      if (EditEvents(window, App.document)) InvalidateRect(window, nullptr, TRUE);
+      return;
     default: return;  // the editors, printing and the rest come with their own parts
   }
 }

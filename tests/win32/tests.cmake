@@ -1,10 +1,19 @@
 # The tests of the Win32 code: built in the Windows builds only, run under
 # Wine by the native build (tests/win32/CMakeLists.txt).
+enable_language(RC)
 add_executable(quernal_win32_tests
   ${CMAKE_CURRENT_LIST_DIR}/../unit/test_support.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gdi_test_support.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gdi_canvas_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gdi_pages_test.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/primitives_win32_test.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/primitives_win32_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/dialog_driver.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/events_dialog_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/replicate_dialog_test.cpp
+  # The dialogs under test take their templates and texts from the program's
+  # resources.
+  ${PROJECT_SOURCE_DIR}/res/Quernal.rc)
+set_source_files_properties(${PROJECT_SOURCE_DIR}/res/Quernal.rc PROPERTIES
+  INCLUDE_DIRECTORIES "${PROJECT_SOURCE_DIR}/src;${PROJECT_SOURCE_DIR}/res")
 target_link_libraries(quernal_win32_tests PRIVATE quernal_render quernal_calendar ${gtest_main_target})
-target_include_directories(quernal_win32_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/../unit)
+target_include_directories(quernal_win32_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/../unit ${PROJECT_SOURCE_DIR}/src)

@@ -1,0 +1,51 @@
+// Drives the modal dialogs that a test opens, from inside the test's own
+// thread: a timer, dispatched by the dialogs' own message loops, waits for a
+// window with the next expected title and runs that step on it. Steps press
+// buttons by posting, so a dialog that opens another modal dialog returns to
+// the loop at once and the next step can find the new window.
+#pragma once
+#include <windows.h>
+
+#include <deque>
+#include <functional>
+#include <string>
+
+class DialogDriver {
+ public:
+  using Action = std::function<void(HWND window)>;
+  DialogDriver();
+  ~DialogDriver();
+  DialogDriver(const DialogDriver&) = delete;
+  DialogDriver& operator=(const DialogDriver&) = delete;
+
+  // When a visible window of this thread titled `title` appears, `action`
+  // runs once on it. Steps run in the order they were added.
+  void Then(const std::string& title, Action action);
+  // Every step ran before the time ran out.
+  bool Finished() const { return steps_.empty() && !timedOut_; }
+
+ private:
+  static void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD);
+  void Step();
+  void GiveUp();
+
+  struct Entry {
+    std::string title;
+    Action action;
+  };
+  std::deque<Entry> steps_;
+  UINT_PTR timer_ = 0;
+  DWORD started_ = 0, seen_ = 0;
+  DWORD pause_ = 0;  // QUERNAL_DIALOG_PAUSE_MS: time to look at each window
+  bool running_ = false, timedOut_ = false;
+};
+
+// Presses a button of `dialog` as a click does, by a posted notification.
+void Press(HWND dialog, int id);
+// Ticks or clears a check box and tells its dialog, as a click does.
+void SetCheck(HWND dialog, int id, bool checked);
+// The text of a window or of a dialog's control.
+std::string TextOf(HWND window);
+std::string ItemText(HWND dialog, int id);
+// The text of a message box (its static text control).
+std::string MessageText(HWND box);
