@@ -10,19 +10,21 @@
 
 namespace {
 
+// Runs a shell command; its exit code, with stdout and stderr in *out.
+int RunCommand(const std::string& command, std::string* out = nullptr) {
+  std::FILE* p = popen((command + " 2>&1").c_str(), "r");
+  char buffer[4096];
+  size_t n;
+  std::string text;
+  while ((n = std::fread(buffer, 1, sizeof buffer, p)) > 0) text.append(buffer, n);
+  int status = pclose(p);
+  if (out) *out = text;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 class RenderCliTest : public QuernalTest {
  protected:
-  int Cli(const std::string& args, std::string* out = nullptr) {
-    std::string command = std::string(QUERNAL_CLI) + " " + args + " 2>&1";
-    std::FILE* p = popen(command.c_str(), "r");
-    char buffer[4096];
-    size_t n;
-    std::string text;
-    while ((n = std::fread(buffer, 1, sizeof buffer, p)) > 0) text.append(buffer, n);
-    int status = pclose(p);
-    if (out) *out = text;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
+  int Cli(const std::string& args, std::string* out = nullptr) { return RunCommand(QUERNAL_CLI " " + args, out); }
   std::string Q(const std::string& path) { return "'" + path + "'"; }
 };
 
@@ -45,11 +47,7 @@ TEST_F(RenderCliTest, AllPagesMakeOneFourteenPagePdf) {
   std::string pdf = dir_.File("year.pdf");
   ASSERT_EQ(Cli("render --new --year 2026 --all --format pdf -o " + Q(pdf)), 0);
   std::string info;
-  std::FILE* p = popen(("pdfinfo " + Q(pdf)).c_str(), "r");
-  char buffer[4096];
-  size_t n;
-  while ((n = std::fread(buffer, 1, sizeof buffer, p)) > 0) info.append(buffer, n);
-  ASSERT_EQ(pclose(p), 0) << info;
+  ASSERT_EQ(RunCommand("pdfinfo " + Q(pdf), &info), 0) << info;
   EXPECT_NE(info.find("Pages:           14"), std::string::npos) << info;
   EXPECT_NE(info.find("595.2 x 841.92 pts (A4)"), std::string::npos) << info;
 }
@@ -139,11 +137,7 @@ TEST_F(RenderCliTest, BookletSidesComeInTheOrderOfTheTwoPasses) {
   std::string pdf = dir_.File("booklet.pdf");
   ASSERT_EQ(Cli("render --new --booklet --format pdf -o " + Q(pdf)), 0);
   std::string info;
-  std::FILE* p = popen(("pdfinfo " + Q(pdf)).c_str(), "r");
-  char buffer[4096];
-  size_t n;
-  while ((n = std::fread(buffer, 1, sizeof buffer, p)) > 0) info.append(buffer, n);
-  pclose(p);
+  ASSERT_EQ(RunCommand("pdfinfo " + Q(pdf), &info), 0) << info;
   EXPECT_NE(info.find("Pages:           14"), std::string::npos);
   EXPECT_EQ(Cli("render --new --booklet --halves upper --format pdf -o " + Q(pdf)), 2);
 }
