@@ -13,6 +13,7 @@
 #include "calendar/replicate_dialog_win32.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
+#include "print/status_box_win32.h"
 #include "render/gdi_canvas_win32.h"
 #include "render/page_renderer.h"
 
@@ -21,13 +22,20 @@ namespace {
 const int kZooms[4] = {100, 200, 400, 800};
 std::string g_pendingPath;  // the next Open takes this instead of asking
 
-// Loading and saving show the wait cursor and ask about damaged records.
+// Loading and saving show the status box and the wait cursor, and ask about
+// damaged records.
 class WindowProgress : public FileProgress {
  public:
   explicit WindowProgress(HWND owner) : owner_(owner) {}
-  void Begin(const char*) override { previous_ = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514))); }
-  void Advance(int, int) override {}
-  void End() override { SetCursor(previous_); }
+  void Begin(const char* caption) override {
+    previous_ = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));
+    ShowPrintStatus(owner_, caption);
+  }
+  void Advance(int current, int total) override { UpdatePrintStatus(total, current); }
+  void End() override {
+    ClosePrintStatus();
+    SetCursor(previous_);
+  }
   bool AskYesNo(const char* question) override {
     return MessageBoxA(owner_, question, "Message", MB_YESNO | MB_ICONQUESTION) == IDYES;
   }

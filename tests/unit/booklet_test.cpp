@@ -1,6 +1,7 @@
 #include <set>
 
 #include "print/booklet.h"
+#include "print/progress_bar.h"
 #include "test_support.h"
 
 TEST(Booklet, EveryPageHalfIsPrintedExactlyOnce) {
@@ -26,4 +27,20 @@ TEST(Booklet, FaceUpPrintersTakeTheBacksInReverse) {
     EXPECT_EQ(BackPassSheet(j, false), j);
     EXPECT_EQ(BackPassSheet(j, true), 6 - j);
   }
+}
+
+TEST(ProgressBar, TheDonePartGrowsFromTheLeft) {
+  int right = -1;
+  EXPECT_FALSE(ProgressDoneRight("", 100, &right));
+  EXPECT_FALSE(ProgressDoneRight("junk", 100, &right));
+  ASSERT_TRUE(ProgressDoneRight("14,0", 100, &right));
+  EXPECT_EQ(right, 0);
+  ASSERT_TRUE(ProgressDoneRight("14,3", 100, &right));
+  EXPECT_EQ(right, 23);
+  ASSERT_TRUE(ProgressDoneRight("14,13", 100, &right));
+  EXPECT_EQ(right, 100) << "current = total - 1 fills the bar";
+  ASSERT_TRUE(ProgressDoneRight("12,40", 100, &right));
+  EXPECT_EQ(right, 100) << "never beyond";
+  ASSERT_TRUE(ProgressDoneRight("1,0", 100, &right));
+  EXPECT_EQ(right, 0) << "a single step divides by 1, not 0";
 }

@@ -10,10 +10,11 @@ add_executable(quernal_win32_tests
   ${CMAKE_CURRENT_LIST_DIR}/dialog_driver.cpp
   ${CMAKE_CURRENT_LIST_DIR}/events_dialog_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/replicate_dialog_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/status_box_test.cpp
   # The dialogs under test take their templates and texts from the program's
   # resources.
   ${PROJECT_SOURCE_DIR}/res/Quernal.rc)
 set_source_files_properties(${PROJECT_SOURCE_DIR}/res/Quernal.rc PROPERTIES
   INCLUDE_DIRECTORIES "${PROJECT_SOURCE_DIR}/src;${PROJECT_SOURCE_DIR}/res")
-target_link_libraries(quernal_win32_tests PRIVATE quernal_render quernal_calendar ${gtest_main_target})
+target_link_libraries(quernal_win32_tests PRIVATE quernal_render quernal_print quernal_calendar ${gtest_main_target})
 target_include_directories(quernal_win32_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/../unit ${PROJECT_SOURCE_DIR}/src)
