@@ -1,0 +1,27 @@
+// The program's one printer device context: made at start-up for the
+// default printer, replaced whenever the user confirms a printer.
+#pragma once
+#include <windows.h>
+#include <commdlg.h>
+
+// None when no printer is installed.
+extern HDC PrinterDC;
+
+// A device context for the default printer, portrait; null when there is
+// no printer or no memory.
+HDC CreateDefaultPrinterDC();
+// The printer-setup dialog. 1 when a new PrinterDC was made; Cancel returns
+// 0 silently, any other failure shows message 118.
+int PrinterSetup(HWND window);
+// The page on the screen at 100 percent. 1 when the PrinterDC shaped it,
+// 0 when it has the default 360 : 460 shape.
+int PageRectForWindow(HWND window, RECT* rect);
+
+// Shared with the print jobs.
+// Makes the PrinterDC from the printer chosen in a print dialog, always in
+// portrait; false (the old PrinterDC kept) on any failure.
+bool AdoptDialogPrinter(const PRINTDLGA& dialog);
+// Frees the dialog's DEVMODE and DEVNAMES handles.
+void FreeDialogHandles(PRINTDLGA* dialog);
+// A message box captioned "Message" with a string-table text.
+void ShowPrintMessage(HWND owner, UINT id);
