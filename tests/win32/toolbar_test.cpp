@@ -1,0 +1,194 @@
+// The toolbar strip in a window of its own: its buttons, the commands they
+// post and the tooltips a resting mouse brings up.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "app/theme_win32.h"
+#include "app/toolbar_win32.h"
+#include "app/tooltip_win32.h"
+
+namespace {
+
+std::vector<int> g_commands;  // what reached the owner window
+
+LRESULT CALLBACK OwnerProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_COMMAND && lParam == 0) g_commands.push_back(LOWORD(wParam));
+  return DefWindowProcA(window, message, wParam, lParam);
+}
+
+// Runs this thread's messages for `milliseconds`, or until `done`.
+template <typename Done>
+void Pump(int milliseconds, Done done) {
+  const DWORD start = GetTickCount();
+  while (!done() && GetTickCount() - start < static_cast<DWORD>(milliseconds)) {
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+      TranslateMessage(&message);
+      DispatchMessageA(&message);
+    }
+    Sleep(10);
+  }
+}
+void Pump(int milliseconds) {
+  Pump(milliseconds, [] { return false; });
+}
+
+std::string ClassOf(HWND window) {
+  char name[64] = "";
+  GetClassNameA(window, name, sizeof name);
+  return name;
+}
+
+std::string TextOf(HWND window) {
+  char text[256] = "";
+  GetWindowTextA(window, text, sizeof text);
+  return text;
+}
+
+class ToolbarTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    const HINSTANCE instance = GetModuleHandleA(nullptr);
+    LoadTheme("THEME_Standard.dll");
+    ASSERT_TRUE(RegisterTipClass(instance));
+    WNDCLASSA owner{};
+    owner.lpfnWndProc = OwnerProc;
+    owner.hInstance = instance;
+    owner.lpszClassName = "QuernalToolbarTestOwner";
+    RegisterClassA(&owner);
+    HBRUSH face = GetSysColorBrush(COLOR_BTNFACE);
+    if (!classRegistered_) {
+      ASSERT_TRUE(RegisterToolbarClass(instance, face));
+      classRegistered_ = true;
+    }
+    owner_ = CreateWindowA("QuernalToolbarTestOwner", "Toolbar owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 100, 100, 600,
+                           300, nullptr, nullptr, instance, nullptr);
+    ASSERT_NE(owner_, nullptr);
+    bar_ = CreateToolbar(owner_, 500);
+    ASSERT_NE(bar_, nullptr);
+    Pump(100);
+    g_commands.clear();
+  }
+  void TearDown() override {
+    DestroyWindow(owner_);
+    UnloadTheme();
+  }
+  // The buttons from left to right.
+  std::vector<HWND> Buttons() const {
+    std::vector<HWND> buttons;
+    for (HWND child = GetWindow(bar_, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) buttons.push_back(child);
+    std::sort(buttons.begin(), buttons.end(), [](HWND a, HWND b) {
+      RECT ra, rb;
+      GetWindowRect(a, &ra);
+      GetWindowRect(b, &rb);
+      return ra.left < rb.left;
+    });
+    return buttons;
+  }
+  // The mouse comes to rest on `button`, as the user moves it there.
+  static void Hover(HWND button) {
+    RECT r;
+    GetWindowRect(button, &r);
+    SetCursorPos((r.left + r.right) / 2, (r.top + r.bottom) / 2);
+    SendMessageA(button, WM_MOUSEMOVE, 0, MAKELPARAM((r.right - r.left) / 2, (r.bottom - r.top) / 2));
+  }
+  static bool TipShowing() { return TipWindow() && IsWindowVisible(TipWindow()); }
+
+  static bool classRegistered_;
+  HWND owner_ = nullptr, bar_ = nullptr;
+};
+bool ToolbarTest::classRegistered_ = false;
+
+}  // namespace
+
+TEST_F(ToolbarTest, TheStripHoldsSevenButtonsThatPostTheirCommandsToItsOwner) {
+  EXPECT_EQ(ClassOf(bar_), "QuernalBar");
+  EXPECT_EQ(TextOf(bar_), "");
+  const LONG style = GetWindowLongA(bar_, GWL_STYLE);
+  EXPECT_EQ(style & (WS_CHILD | WS_VISIBLE | WS_DLGFRAME), WS_CHILD | WS_VISIBLE | WS_DLGFRAME);
+  RECT bar;
+  GetWindowRect(bar_, &bar);
+  POINT corner{0, 0};
+  ClientToScreen(owner_, &corner);
+  EXPECT_EQ(bar.left, corner.x);
+  EXPECT_EQ(bar.top, corner.y);
+  EXPECT_EQ(bar.right - bar.left, 500);
+  EXPECT_EQ(bar.bottom - bar.top, ToolbarHeight());
+  EXPECT_EQ(ToolbarBottom(owner_), ToolbarHeight()) << "the page view starts below the strip";
+
+  const std::vector<HWND> buttons = Buttons();
+  ASSERT_EQ(buttons.size(), 7u);
+  RECT inside;
+  GetClientRect(bar_, &inside);
+  MapWindowPoints(bar_, nullptr, reinterpret_cast<POINT*>(&inside), 2);
+  int previousRight = inside.left;
+  for (size_t i = 0; i < buttons.size(); ++i) {
+    EXPECT_EQ(GetDlgCtrlID(buttons[i]), 50 + static_cast<int>(i));
+    RECT r;
+    GetWindowRect(buttons[i], &r);
+    EXPECT_GE(r.left, previousRight) << "buttons overlap";
+    EXPECT_GE(r.top, inside.top);
+    EXPECT_LE(r.bottom, inside.bottom) << "a button sticks out of the strip";
+    EXPECT_GE(r.bottom - r.top, 20) << "too small to click";
+    previousRight = r.right;
+  }
+  EXPECT_LE(previousRight, inside.right);
+
+  for (HWND button : buttons) SendMessageA(button, BM_CLICK, 0, 0);
+  Pump(2000, [] { return g_commands.size() >= 7; });
+  EXPECT_EQ(g_commands, (std::vector<int>{50, 51, 52, 53, 54, 55, 56}));
+  EXPECT_EQ(GetFocus(), owner_) << "the keyboard stays with the owner";
+}
+
+TEST_F(ToolbarTest, AMouseRestingOnAButtonShowsItsTipUntilItLeaves) {
+  const std::vector<HWND> buttons = Buttons();
+  ASSERT_EQ(buttons.size(), 7u);
+  Hover(buttons[3]);
+  Pump(100);
+  EXPECT_FALSE(TipShowing()) << "the tip waits a moment";
+  Pump(3000, TipShowing);
+  ASSERT_TRUE(TipShowing());
+  EXPECT_EQ(ClassOf(TipWindow()), "QuernalTip");
+  EXPECT_EQ(TextOf(TipWindow()), "Edits current page");
+  RECT tip, button;
+  GetWindowRect(TipWindow(), &tip);
+  GetWindowRect(buttons[3], &button);
+  EXPECT_GE(tip.top, button.bottom) << "the tip covers its button";
+  EXPECT_GT(tip.right - tip.left, 60) << "the tip is too narrow for its text";
+
+  // Moving on to another button while a tip shows brings its tip at once.
+  Hover(buttons[5]);
+  Pump(50);
+  EXPECT_EQ(TextOf(TipWindow()), "Allows Quernal's options to be configured");
+  Hover(buttons[6]);
+  Pump(50);
+  EXPECT_EQ(TextOf(TipWindow()), "Exits Quernal");
+
+  SendMessageA(buttons[6], WM_MOUSELEAVE, 0, 0);
+  EXPECT_FALSE(TipShowing());
+  // Gone for good: no timer brings it back.
+  Pump(1000);
+  EXPECT_FALSE(TipShowing());
+}
+
+TEST_F(ToolbarTest, EveryButtonHasItsOwnTip) {
+  const char* const kTips[7] = {"Loads a calendar from disk",  "Saves the current calendar to disk",
+                                "Edits year",                  "Edits current page",
+                                "Displays the manual document", "Allows Quernal's options to be configured",
+                                "Exits Quernal"};
+  const std::vector<HWND> buttons = Buttons();
+  ASSERT_EQ(buttons.size(), 7u);
+  for (int i = 0; i < 7; ++i) {
+    Hover(buttons[i]);
+    Pump(3000, [] { return TipShowing(); });
+    EXPECT_EQ(TextOf(TipWindow()), kTips[i]) << "button " << 50 + i;
+  }
+  // A click takes the tip away.
+  SendMessageA(buttons[0], BM_CLICK, 0, 0);
+  EXPECT_FALSE(TipShowing());
+}

@@ -1,0 +1,264 @@
+// The rest of start-up's user-interface support: the start-up screen and the
+// settings read before the settings proper, the display-driver warning, the
+// search for the paint program and the clipboard viewer.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+
+#include "app/clipboard_viewer_win32.h"
+#include "app/driver_box_win32.h"
+#include "app/paint_program_win32.h"
+#include "app/resource_ids.h"
+#include "app/startup_screen_win32.h"
+#include "app/theme_win32.h"
+#include "config/settings.h"
+#include "config/settings_file.h"
+#include "dialog_driver.h"
+#include "test_support.h"
+
+namespace {
+
+void Pump(int milliseconds, bool (*done)() = nullptr) {
+  const DWORD start = GetTickCount();
+  while (!(done && done()) && GetTickCount() - start < static_cast<DWORD>(milliseconds)) {
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+    Sleep(10);
+  }
+}
+
+// QUERNL.INI in the configuration folder holds `lines` for the test's
+// length; a folder the test had to make goes again afterwards.
+class ScopedSettingsFile {
+ public:
+  explicit ScopedSettingsFile(const std::string& lines) {
+    char folder[MAX_PATH];
+    EXPECT_TRUE(ConfigFolder(folder, sizeof folder));
+    folder_ = folder;
+    madeFolder_ = CreateDirectoryA(folder_.c_str(), nullptr) != 0;
+    std::ofstream(ConfigFile(kSettingsFileName)) << "[Quernal]\n" << lines;
+  }
+  ~ScopedSettingsFile() {
+    DeleteFileA(ConfigFile(kSettingsFileName));
+    if (madeFolder_) RemoveDirectoryA(folder_.c_str());
+  }
+
+ private:
+  std::string folder_;
+  bool madeFolder_ = false;
+};
+
+HWND g_screen = nullptr;
+bool ScreenGone() { return !IsWindow(g_screen); }
+
+}  // namespace
+
+TEST(StartupScreen, ShowsCentredWithoutTheFocusAndClosesItselfOrAtAClick) {
+  const HINSTANCE instance = GetModuleHandleA(nullptr);
+  g_screen = ShowStartupScreen(instance, 300);
+  ASSERT_NE(g_screen, nullptr);
+  EXPECT_TRUE(IsWindowVisible(g_screen));
+  EXPECT_NE(GetActiveWindow(), g_screen);
+  RECT r;
+  GetWindowRect(g_screen, &r);
+  EXPECT_NEAR((r.left + r.right) / 2, GetSystemMetrics(SM_CXSCREEN) / 2, 1);
+  EXPECT_NEAR((r.top + r.bottom) / 2, GetSystemMetrics(SM_CYSCREEN) / 2, 1);
+  Pump(100);
+  EXPECT_TRUE(IsWindow(g_screen)) << "closed before its time";
+  Pump(3000, ScreenGone);
+  EXPECT_FALSE(IsWindow(g_screen)) << "still up after its time";
+
+  g_screen = ShowStartupScreen(instance, 60000);
+  ASSERT_NE(g_screen, nullptr);
+  SendMessageA(g_screen, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(20, 20));
+  EXPECT_FALSE(IsWindow(g_screen));
+}
+
+TEST(StartupSettings, TheStartupScreenAndTheThemeFollowTheSettingsFile) {
+  const HINSTANCE instance = GetModuleHandleA(nullptr);
+  {
+    ScopedSettingsFile file("ShowStartupWindow = 0\nThemeCurrent = THEME_Partial.dll\n");
+    EXPECT_EQ(StartStartupScreen(instance), nullptr);
+    EXPECT_FALSE(LoadThemeFromSettings());
+    EXPECT_EQ(ToolbarHeight(), 35);
+  }
+  {
+    ScopedSettingsFile file("ShowStartupWindow = 1\nLogoDelay = 200\nThemeCurrent = THEME_Standard.dll\n");
+    g_screen = StartStartupScreen(instance);
+    ASSERT_NE(g_screen, nullptr);
+    Pump(3000, ScreenGone);
+    EXPECT_FALSE(IsWindow(g_screen)) << "LogoDelay not followed";
+    EXPECT_TRUE(LoadThemeFromSettings());
+  }
+  UnloadTheme();
+}
+
+class DriverBoxTest : public QuernalTest {};
+
+TEST_F(DriverBoxTest, TheCheckBoxStopsTheWarningForGood) {
+  Settings.ShowDriverMessage = 1;
+  {
+    DialogDriver driver;
+    driver.Then("Quernal", [](HWND box) {
+      EXPECT_EQ(ItemText(box, IDC_DRIVER_DONT_SHOW), "Do not show this message again");
+      EXPECT_NE(ItemText(box, IDC_DRIVER_TEXT).find("256 colors or fewer"), std::string::npos);
+      Press(box, IDOK);
+    });
+    WarnAboutColourDepth(nullptr, 8);
+    EXPECT_TRUE(driver.Finished());
+  }
+  EXPECT_EQ(Settings.ShowDriverMessage, 1u) << "OK alone keeps the warning";
+  {
+    DialogDriver driver;
+    driver.Then("Quernal", [](HWND box) {
+      SetCheck(box, IDC_DRIVER_DONT_SHOW, true);
+      Press(box, IDOK);
+    });
+    WarnAboutColourDepth(nullptr, 4);
+    EXPECT_TRUE(driver.Finished());
+  }
+  EXPECT_EQ(Settings.ShowDriverMessage, 0u);
+  // Neither a switched-off warning nor a display of more colours shows the
+  // box (a box that comes anyway is closed, so the test goes on to fail).
+  auto shows = [](int colourBits) {
+    bool shown = false;
+    DialogDriver driver;
+    driver.Then("Quernal", [&shown](HWND box) {
+      shown = true;
+      Press(box, IDOK);
+    });
+    WarnAboutColourDepth(nullptr, colourBits);
+    return shown;
+  };
+  EXPECT_FALSE(shows(8));
+  Settings.ShowDriverMessage = 1;
+  EXPECT_FALSE(shows(24));
+  EXPECT_FALSE(shows(9));
+}
+
+class PaintProgramTest : public QuernalTest {
+ protected:
+  void SetUp() override {
+    QuernalTest::SetUp();
+    char path[4096] = "";
+    GetEnvironmentVariableA("PATH", path, sizeof path);
+    oldPath_ = path;
+    paint_ = dir_.File("QPAINT.EXE");
+    WriteFile(paint_, "MZ");
+    // PATH may quote a folder.
+    SetEnvironmentVariableA("PATH", (oldPath_ + ";\"" + dir_.path() + "\"").c_str());
+  }
+  void TearDown() override {
+    SetEnvironmentVariableA("PATH", oldPath_.c_str());
+    QuernalTest::TearDown();
+  }
+  std::string oldPath_, paint_;
+};
+
+TEST_F(PaintProgramTest, AMissingOrStalePathIsSearchedForOnlyWhenAsked) {
+  char path[260] = "";
+  EXPECT_FALSE(FindPaintProgram(path, sizeof path, "QPAINT.EXE", 0));
+  EXPECT_STREQ(path, "") << "searched although the search is off";
+
+  EXPECT_TRUE(FindPaintProgram(path, sizeof path, "QPAINT.EXE", 1));
+  EXPECT_EQ(lstrcmpiA(path, paint_.c_str()), 0) << path;
+
+  // A stale path is replaced; one that is not found stays as it was.
+  lstrcpyA(path, "C:\\nowhere\\QPAINT.EXE");
+  EXPECT_TRUE(FindPaintProgram(path, sizeof path, "QPAINT.EXE", 1));
+  EXPECT_EQ(lstrcmpiA(path, paint_.c_str()), 0) << path;
+  lstrcpyA(path, "C:\\nowhere\\QPAINT.EXE");
+  EXPECT_FALSE(FindPaintProgram(path, sizeof path, "NOSUCHPAINT.EXE", 1));
+  EXPECT_STREQ(path, "C:\\nowhere\\QPAINT.EXE");
+
+  // A path naming an existing file is kept, even when another would be found.
+  const std::string other = dir_.File("Other.exe");
+  WriteFile(other, "MZ");
+  lstrcpyA(path, other.c_str());
+  EXPECT_TRUE(FindPaintProgram(path, sizeof path, "QPAINT.EXE", 1));
+  EXPECT_EQ(path, other);
+
+  // The Windows folder is searched too; a buffer too small takes nothing.
+  char found[260] = "";
+  EXPECT_TRUE(FindPaintProgram(found, sizeof found, "notepad.exe", 1));
+  char small[8] = "";
+  EXPECT_FALSE(FindPaintProgram(small, sizeof small, "QPAINT.EXE", 1));
+  EXPECT_STREQ(small, "");
+}
+
+namespace {
+
+int g_drawsSeen = 0;  // WM_DRAWCLIPBOARD reaching the viewer after ours
+LRESULT CALLBACK OursProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_DRAWCLIPBOARD) return ClipboardChanged(window, wParam, lParam), 0;
+  if (message == WM_CHANGECBCHAIN) return ClipboardChainChanged(wParam, lParam), 0;
+  return DefWindowProcA(window, message, wParam, lParam);
+}
+LRESULT CALLBACK NextProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_DRAWCLIPBOARD) ++g_drawsSeen;
+  return DefWindowProcA(window, message, wParam, lParam);
+}
+
+HWND MakeWindow(const char* name, WNDPROC proc, HMENU menu) {
+  WNDCLASSA c{};
+  c.lpfnWndProc = proc;
+  c.hInstance = GetModuleHandleA(nullptr);
+  c.lpszClassName = name;
+  RegisterClassA(&c);
+  return CreateWindowA(name, name, WS_OVERLAPPEDWINDOW, 0, 0, 200, 100, nullptr, menu, c.hInstance, nullptr);
+}
+
+void PutOnClipboard(HWND owner, UINT format, HANDLE data) {
+  ASSERT_TRUE(OpenClipboard(owner));
+  EmptyClipboard();
+  SetClipboardData(format, data);
+  CloseClipboard();
+}
+
+HANDLE Text(const char* text) {
+  HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, strlen(text) + 1);
+  memcpy(GlobalLock(block), text, strlen(text) + 1);
+  GlobalUnlock(block);
+  return block;
+}
+
+UINT PasteState(HWND window) { return GetMenuState(GetMenu(window), IDM_PASTE, MF_BYCOMMAND) & MF_GRAYED; }
+
+}  // namespace
+
+TEST(ClipboardViewer, PasteFollowsThePictureOnTheClipboardAndTheChainHoldsTogether) {
+  HMENU menu = CreateMenu();
+  AppendMenuA(menu, MF_STRING, IDM_PASTE, "&Paste");
+  HWND next = MakeWindow("QuernalTestNextViewer", NextProc, nullptr);
+  HWND ours = MakeWindow("QuernalTestViewer", OursProc, menu);
+  ASSERT_TRUE(next && ours);
+  SetClipboardViewer(next);
+  JoinClipboardChain(ours);
+  Pump(200);
+
+  g_drawsSeen = 0;
+  PutOnClipboard(ours, CF_TEXT, Text("no picture"));
+  Pump(1000, [] { return g_drawsSeen > 0; });
+  EXPECT_EQ(PasteState(ours), static_cast<UINT>(MF_GRAYED));
+  EXPECT_GT(g_drawsSeen, 0) << "the next viewer was not told";
+
+  PutOnClipboard(ours, CF_BITMAP, CreateBitmap(4, 4, 1, 32, nullptr));
+  Pump(500);
+  EXPECT_EQ(PasteState(ours), 0u) << "a bitmap on the clipboard, and Paste still grey";
+
+  // The next viewer leaves: we hear of it and stop passing the news on.
+  ChangeClipboardChain(next, nullptr);
+  Pump(200);
+  g_drawsSeen = 0;
+  PutOnClipboard(ours, CF_TEXT, Text("again no picture"));
+  Pump(500);
+  EXPECT_EQ(PasteState(ours), static_cast<UINT>(MF_GRAYED));
+  EXPECT_EQ(g_drawsSeen, 0);
+
+  LeaveClipboardChain(ours);
+  DestroyWindow(ours);
+  DestroyWindow(next);
+}
