@@ -1,11 +1,40 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds quernal-cli, makes a calendar for this
-# year and shows what it holds.
+# Installs what is missing, builds Quernal.exe and starts it under Wine.
+# The program is installed into a Wine prefix of its own (build/run-prefix)
+# as an installer would: its folder under Program Files with the events list,
+# the colour table, the theme and the manual, and the (empty) configuration
+# folder that QUERNL.INI is written to. With no display it runs on a virtual
+# one and keeps a screenshot of the main window instead.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash tools/setup-debian.sh
-bash tools/build.sh --target quernal-cli
-year=$(date +%Y)
-out="build/Calendar-$year.CLN"
-build/bin/quernal-cli new --year "$year" -o "$out"
-build/bin/quernal-cli summary "$out" --app-dir res
+bash tools/build.sh --target windows-x86_64
+
+export WINEPREFIX="$PWD/build/run-prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+bin=build/windows-x86_64/bin
+if [ ! -f "$WINEPREFIX/system.reg" ]; then
+  echo "run: making the Wine prefix $WINEPREFIX (once)"
+  xvfb-run -a wineboot --init >/dev/null 2>&1 || true
+  wineserver -w || true
+fi
+program_dir="$WINEPREFIX/drive_c/Program Files/Quernal"
+mkdir -p "$program_dir/html" "$WINEPREFIX/drive_c/users/$(id -un)/AppData/Roaming/Tarnwick"
+cp "$bin/Quernal.exe" "$bin/General.CDF" "$bin/QUERNL.CCL" "$program_dir/"
+cp "$bin"/THEME_*.dll "$program_dir/" 2>/dev/null || true
+cp "$bin/html/manual.htm" "$program_dir/html/"
+program='C:\Program Files\Quernal\Quernal.exe'
+
+if [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1; then
+  echo "run: starting Quernal on $DISPLAY"
+  cd "$program_dir"   # as its shortcut would start it
+  exec wine "$program" "$@"
+fi
+
+shot="$PWD/build/quernal-screenshot.png"
+echo "run: no display, so Quernal runs on a virtual one (Xvfb) for 20 seconds"
+xvfb-run -a -s "-screen 0 1280x1024x24" sh -c '
+  cd "$(dirname "$3")" && wine "$1" &
+  sleep 20      # start-up, and the start-up screen goes after LogoDelay
+  import -window root "$2"
+  wineserver -k' sh "$program" "$shot" "$program_dir/Quernal.exe"
+echo "run: screenshot of the main window: $shot"

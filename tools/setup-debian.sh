@@ -16,7 +16,7 @@ packages=(
   # libFuzzer with the sanitizers
   googletest libgtest-dev clang libclang-rt-14-dev
   # running the Windows build
-  wine wine64 xvfb xauth
+  wine wine64 xvfb xauth x11-utils
   # real printing in tests, screenshots
   cups cups-client printer-driver-cups-pdf poppler-utils imagemagick
 )

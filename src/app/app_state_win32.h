@@ -9,7 +9,6 @@
 struct AppState {
   HINSTANCE instance = nullptr;
   HWND mainWindow = nullptr;
-  HDC printerDC = nullptr;  // none without a printer
   int32_t defaultWidth = 0, defaultHeight = 0;
   int colourBits = 24;
   HFONT childFont = nullptr;

@@ -3,19 +3,25 @@
 
 #include "app/app_state_win32.h"
 #include "app/main_window_win32.h"
+#include "app/recent_files_win32.h"
 #include "app/resource_ids.h"
 #include "app/window_layout.h"
+#include "app/clipboard_viewer_win32.h"
+#include "app/driver_box_win32.h"
+#include "app/paint_program_win32.h"
+#include "app/startup_screen_win32.h"
+#include "app/string_table_win32.h"
+#include "app/theme_win32.h"
+#include "app/toolbar_win32.h"
+#include "app/tooltip_win32.h"
 #include "calendar/calendar_dates.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
+#include "print/printer_win32.h"
 
 AppState App;
 
-std::string LoadText(UINT id) {
-  char text[1024];
-  if (LoadStringA(App.instance, id, text, sizeof text) > 0) return text;
-  return "String table error - this application may be damaged";
-}
+std::string LoadText(UINT id) { return StringTableText(App.instance, id); }
 
 int ShowMessage(HWND owner, UINT id, UINT flags) {
   return MessageBoxA(owner, LoadText(id).c_str(), "Message", flags);
@@ -40,19 +46,23 @@ bool RegisterClasses() {
   main.hbrBackground = App.faceBrush;
   main.lpszMenuName = "MainMenu";
   main.lpszClassName = kMainWindowClass;
-  return RegisterClassA(&main) != 0;
+  return RegisterClassA(&main) != 0 && RegisterToolbarClass(App.instance, App.barBrush);
 }
 
 }  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPSTR commandLine, int show) {
   App.instance = instance;
+  PrinterDC = CreateDefaultPrinterDC();
+  if (!PrinterDC) ShowMessage(nullptr, IDS_NO_DEFAULT_PRINTER);
   DefaultWindowSize(GetSystemMetrics(SM_CYSCREEN), &App.defaultWidth, &App.defaultHeight);
   App.colourBits = ScreenColourDepth();
+  LoadThemeFromSettings();
   App.childFont = CreateFontA(16, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
   App.faceBrush = CreateSolidBrush(GetSysColor(COLOR_BTNFACE));
   App.blackBrush = CreateSolidBrush(RGB(0, 0, 0));
   App.barBrush = CreateSolidBrush(GetSysColor(COLOR_BTNFACE));
+  StartStartupScreen(instance);
 
   // The first calendar is built before the settings are read, so it always
   // has the compiled-in design.
@@ -60,6 +70,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPSTR commandLine, in
   App.document = CreateCalendar(today.year, today.month - 1);
   if (!App.document) ShowMessage(nullptr, IDS_INIT_YEAR_FAILED);
 
+  RegisterTipClass(instance);
   if (!previous && !RegisterClasses()) {
     ShowMessage(nullptr, IDS_CLASS_REGISTRATION_FAILED);
     ExitProcess(0);
@@ -67,7 +78,12 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPSTR commandLine, in
   App.mainWindow = CreateWindowA(kMainWindowClass, "Quernal", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
                                  App.defaultWidth, App.defaultHeight, nullptr, nullptr, instance, nullptr);
   if (!App.mainWindow) return 0;
+  CreateToolbar(App.mainWindow, App.defaultWidth);
   CreateChildControls(App.mainWindow);
+  LoadRecentFiles([](const char* path, void* window) { AddRecentFile(static_cast<HWND>(window), path); },
+                  App.mainWindow);
+  FindPaintProgram(Settings.PaintbrushPath, sizeof Settings.PaintbrushPath, Settings.PaintbrushName,
+                   Settings.SearchForPaintbrush);
 
   // The program's folder, with its trailing backslash.
   char module[MAX_PATH];
@@ -85,6 +101,8 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPSTR commandLine, in
   UpdateWindow(App.mainWindow);
   SetFocus(App.mainWindow);
   UpdateTitle();
+  SendMessageA(App.mainWindow, WM_DRAWCLIPBOARD, 0, 0);
+  WarnAboutColourDepth(App.mainWindow, App.colourBits);
   if (commandLine && *commandLine) OpenOnStart(App.mainWindow, commandLine);
 
   MSG message;
@@ -93,12 +111,14 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPSTR commandLine, in
     DispatchMessageA(&message);
   }
 
+  UnloadTheme();
   if (App.document) FreeCalendar(App.document);
   DeleteObject(App.childFont);
   DeleteObject(App.faceBrush);
   DeleteObject(App.blackBrush);
   DeleteObject(App.barBrush);
+  UnregisterClassA(kToolbarClass, instance);
   UnregisterClassA(kMainWindowClass, instance);
-  if (App.printerDC) DeleteDC(App.printerDC);
+  if (PrinterDC) DeleteDC(PrinterDC);
   return 0;
 }

@@ -5,14 +5,20 @@
 #include <string>
 
 #include "app/app_state_win32.h"
+#include "app/clipboard_viewer_win32.h"
+#include "app/recent_files_win32.h"
 #include "app/resource_ids.h"
+#include "app/toolbar_win32.h"
 #include "app/window_layout.h"
+#include "base/manual_win32.h"
 #include "calendar/calendar_dates.h"
 #include "calendar/calendar_file.h"
 #include "calendar/events_dialog_win32.h"
 #include "calendar/replicate_dialog_win32.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
+#include "print/print_job_win32.h"
+#include "print/printer_win32.h"
 #include "print/status_box_win32.h"
 #include "render/gdi_canvas_win32.h"
 #include "render/page_renderer.h"
@@ -51,19 +57,19 @@ int CurrentPage() {
   return header.CurrentPage >= 0 && header.CurrentPage <= 13 ? header.CurrentPage : 0;
 }
 
+// The page view's part of the client area: all of it below the toolbar strip.
 Rect ClientRect(HWND window) {
   RECT r;
   GetClientRect(window, &r);
-  return {r.left, r.top, r.right, r.bottom};
+  const int32_t top = r.top + ToolbarBottom(window);
+  return {r.left, top < r.bottom ? top : r.bottom, r.right, r.bottom};
 }
 
 // The page at the current zoom, at 100 percent shaped like the printer's page.
 Rect ZoomedPageRect(HWND window) {
-  const bool printer = App.printerDC != nullptr;
-  const Rect page = PageRectForClient(Height(ClientRect(window)), printer,
-                                      printer ? GetDeviceCaps(App.printerDC, HORZRES) : 0,
-                                      printer ? GetDeviceCaps(App.printerDC, VERTRES) : 0);
-  return ZoomedPage(page, App.zoom);
+  RECT page;
+  PageRectForWindow(window, &page);
+  return ZoomedPage({page.left, page.top, page.right, page.bottom}, App.zoom);
 }
 
 // Where the page's top left corner sits in the client area: centred while
@@ -74,7 +80,7 @@ POINT PageOrigin(HWND window, const Rect& page) {
   const int spaceW = Width(client) - bar, spaceH = Height(client) - bar;
   POINT at;
   at.x = Width(page) < spaceW ? (spaceW - Width(page)) / 2 : 4 - App.scrollX;
-  at.y = Height(page) < spaceH ? (spaceH - Height(page)) / 2 : 4 - App.scrollY;
+  at.y = client.top + (Height(page) < spaceH ? (spaceH - Height(page)) / 2 : 4 - App.scrollY);
   return at;
 }
 
@@ -97,7 +103,7 @@ void UpdateScrollBars(HWND window) {
 void LayOutChildren(HWND window) {
   const Rect client = ClientRect(window);
   const int bar = GetSystemMetrics(SM_CXVSCROLL);
-  MoveWindow(GetDlgItem(window, kVerticalScrollId), client.right - bar, 0, bar, client.bottom - bar, TRUE);
+  MoveWindow(GetDlgItem(window, kVerticalScrollId), client.right - bar, client.top, bar, Height(client) - bar, TRUE);
   MoveWindow(GetDlgItem(window, kHorizontalScrollId), 0, client.bottom - bar, client.right - bar, bar, TRUE);
   MoveWindow(GetDlgItem(window, kScrollCornerId), client.right - bar, client.bottom - bar, bar, bar, TRUE);
   UpdateScrollBars(window);
@@ -108,6 +114,12 @@ void Paint(HWND window) {
   HDC dc = BeginPaint(window, &ps);
   const Rect page = ZoomedPageRect(window);
   const POINT at = PageOrigin(window, page);
+  // A page scrolled up stays off the toolbar strip and the scroll bars. A
+  // meta region, as the canvas sets and clears clip regions of its own.
+  const Rect view = ClientRect(window);
+  const int bar = GetSystemMetrics(SM_CXVSCROLL);
+  IntersectClipRect(dc, view.left, view.top, view.right - bar, view.bottom - bar);
+  SetMetaRgn(dc);
   POINT old;
   SetViewportOrgEx(dc, at.x, at.y, &old);
   {
@@ -199,21 +211,34 @@ void OpenCalendar(HWND window) {
   Adopt(window, document, path);
 }
 
-void SaveTo(HWND window, const std::string& path) {
+bool SaveTo(HWND window, const std::string& path) {
   WindowProgress progress(window);
   if (!SaveCalendar(&progress, path.c_str(), App.document)) {
     ShowMessage(window, IDS_WRITE_FAILED);
-    return;
+    return false;
   }
   App.path = path;
   UpdateTitle();
   CalendarHeader header;
-  if (!GetHeader(App.document, &header)) return (void)ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
+  if (!GetHeader(App.document, &header)) return ShowMessage(window, IDS_PAGE_ACCESS_FAILED), true;
   header.Changed = 0;
   if (!PutHeader(App.document, &header)) ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
+  return true;
+}
+
+// The page takes the shape of the printer, which a print dialog may have
+// changed.
+void PrinterMayHaveChanged(HWND window) {
+  UpdateScrollBars(window);
+  InvalidateRect(window, nullptr, TRUE);
 }
 
 void Command(HWND window, int id) {
+  const std::string recent = RecentFileForCommand(window, id);
+  if (!recent.empty()) {
+    g_pendingPath = recent;
+    return (void)SendMessageA(window, WM_COMMAND, IDM_OPEN, 0);
+  }
   if (id >= IDM_PAGE_JANUARY && id <= IDM_PAGE_COVER) return ShowPage(window, id - IDM_PAGE_JANUARY);
   if (id >= IDM_ZOOM_100 && id <= IDM_ZOOM_800) return SetZoom(window, id);
   switch (id) {
@@ -222,16 +247,19 @@ void Command(HWND window, int id) {
     case IDM_SAVE:
       // An untitled calendar is saved under a new name.
       if (lstrcmpiA(App.path.c_str(), "Untitled.CLN") == 0) return (void)SendMessageA(window, WM_COMMAND, IDM_SAVE_AS, 0);
-      return SaveTo(window, App.path);
+      SaveTo(window, App.path);
+      return;
     case IDM_SAVE_AS: {
+      // Only a new name goes on the recent-files list; Open adds nothing.
       std::string path;
-      if (AskFileName(window, true, &path)) SaveTo(window, path);
+      if (AskFileName(window, true, &path) && SaveTo(window, path)) AddRecentFile(window, path.c_str());
       return;
     }
     case IDM_EXIT:
       CheckUnsavedChanges(window);
       SendMessageA(window, WM_CLOSE, 0, 0);
       return;
+    case IDM_MANUAL: OpenManual(window, "DOCUMENTATION"); return;
     case IDM_EDIT_YEAR_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_YEAR, 0);
     case IDM_EDIT_PAGE_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_MONTH, 0);
     case IDM_REPLICATE:
@@ -241,6 +269,9 @@ void Command(HWND window, int id) {
     case IDM_EVENTS:
       if (EditEvents(window, App.document)) InvalidateRect(window, nullptr, TRUE);
       return;
+    case IDM_SELECT_PRINTER: PrinterSetup(window); return PrinterMayHaveChanged(window);
+    case IDM_PRINT_SINGLE: PrintSingleSided(window, App.document, App.path.c_str()); return PrinterMayHaveChanged(window);
+    case IDM_PRINT_DOUBLE: PrintDoubleSided(window, App.document, App.path.c_str()); return PrinterMayHaveChanged(window);
     default: return;  // the editors, printing and the rest come with their own parts
   }
 }
@@ -296,7 +327,7 @@ void Close(HWND window) {
     Settings.StickyWindowRight = e.right, Settings.StickyWindowBottom = e.bottom;
   }
   Settings.StartMaximized = maximized ? 1 : 0;
-  SaveSettings({});
+  SaveSettings(RecentFiles(window));
 }
 
 }  // namespace
@@ -338,6 +369,7 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_CREATE: {
       App.mainWindow = window;
       LoadSettings();
+      JoinClipboardChain(window);
       // Centred on the screen.
       RECT r;
       GetWindowRect(window, &r);
@@ -357,11 +389,19 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
       return 0;
     case WM_KEYDOWN: KeyDown(window, wParam); return 0;
     case WM_SYSCOMMAND:
-      if ((wParam & 0xFFF0) == SC_CLOSE) return Command(window, IDM_EXIT), 0;
+      // While a modal dialog is up the window is disabled and stays open:
+      // closing it under the dialog would pull the calendar away from it.
+      if ((wParam & 0xFFF0) == SC_CLOSE) return IsWindowEnabled(window) ? Command(window, IDM_EXIT), 0 : 0;
       break;
     case WM_QUERYENDSESSION: CheckUnsavedChanges(window); return TRUE;
     case WM_CLOSE: Close(window); break;
-    case WM_DESTROY: PostQuitMessage(0); return 0;
+    case WM_DRAWCLIPBOARD: ClipboardChanged(window, wParam, lParam); return 0;
+    case WM_CHANGECBCHAIN: ClipboardChainChanged(wParam, lParam); return 0;
+    case WM_DESTROY:
+      LeaveClipboardChain(window);
+      WinHelpA(window, "QUERNAL.HLP", HELP_QUIT, 0);
+      PostQuitMessage(0);
+      return 0;
   }
   return DefWindowProcA(window, message, wParam, lParam);
 }

@@ -2,6 +2,7 @@
 // table entries, the icon. Plain #defines, as the resource compiler reads this
 // file too.
 #pragma once
+#include "print/print_ids.h"
 
 #define IDI_QUERNAL 103
 
@@ -39,7 +40,6 @@
 
 // The string table.
 #define IDS_INIT_YEAR_FAILED 103
-#define IDS_PAGE_ACCESS_FAILED 104
 #define IDS_IMAGE_LOAD_FAILED 105
 #define IDS_MEMORY_FAILED 106
 #define IDS_NO_DEFAULT_PRINTER 107
@@ -47,9 +47,6 @@
 #define IDS_PRODUCT_NAME 109
 #define IDS_READ_FAILED 110
 #define IDS_UNSAVED_CHANGES 111
-#define IDS_PRINT_FAILED 112
-#define IDS_PRINTER_INIT_FAILED 118
-#define IDS_PRINTING 130
 #define IDS_CLIPBOARD_FAILED 132
 #define IDS_PALETTE_WARNING 137
 #define IDS_CLASS_REGISTRATION_FAILED 138
@@ -82,3 +79,8 @@
 #define IDC_REPLICATE_ALL 113
 #define IDC_REPLICATE_NONE 114
 #define IDC_REPLICATE_CAPTION 115
+
+// Controls of the display-driver warning (ChangeDriverBox).
+#define IDC_DRIVER_ICON 101
+#define IDC_DRIVER_TEXT 102
+#define IDC_DRIVER_DONT_SHOW 103

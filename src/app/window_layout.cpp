@@ -25,13 +25,6 @@ StoredEdges EdgesToStore(const Rect& r, int32_t screenWidth, int32_t screenHeigh
           static_cast<uint32_t>(std::min(r.right, screenWidth)), static_cast<uint32_t>(std::min(r.bottom, screenHeight))};
 }
 
-Rect PageRectForClient(int32_t clientHeight, bool havePrinter, int32_t printerWidth, int32_t printerHeight) {
-  const int32_t h = clientHeight * 95 / 100;
-  const int32_t w = havePrinter ? static_cast<int32_t>(int64_t(h) * printerWidth / std::max(printerHeight, 1))
-                                : h * 360 / 460;
-  return {0, 0, w, h};
-}
-
 Rect ZoomedPage(const Rect& page, int32_t percent) {
   return {page.left * percent / 100, page.top * percent / 100, page.right * percent / 100,
           page.bottom * percent / 100};

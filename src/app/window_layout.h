@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/geometry.h"
+#include "print/page_shape.h"
 
 // 95 percent of the screen's height, shaped like a calendar page (360 : 460).
 void DefaultWindowSize(int32_t screenHeight, int32_t* width, int32_t* height);
@@ -21,10 +22,7 @@ bool RestoredPosition(const StoredEdges& edges, int32_t screenWidth, int32_t scr
 // and bottom not beyond the screen.
 StoredEdges EdgesToStore(const Rect& r, int32_t screenWidth, int32_t screenHeight);
 
-// The page as the screen shows it at 100 percent: 95 percent of the client
-// height, shaped like the printer's page, or 360 : 460 without a printer.
-Rect PageRectForClient(int32_t clientHeight, bool havePrinter, int32_t printerWidth, int32_t printerHeight);
-// The same page at a zoom of `percent`.
+// The page at a zoom of `percent` (the page itself: PageRectForClient).
 Rect ZoomedPage(const Rect& page, int32_t percent);
 
 // "Quernal [ label ]"

@@ -65,7 +65,9 @@ std::string JoinPath(const std::string& folder, const std::string& name) {
 #else
   const char separator = '/';
 #endif
+  // No folder is the current one, not the root.
+  if (folder.empty()) return name;
   std::string path = folder;
-  if (path.empty() || (path.back() != '\\' && path.back() != '/')) path += separator;
+  if (path.back() != '\\' && path.back() != '/') path += separator;
   return path + name;
 }

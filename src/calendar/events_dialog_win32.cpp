@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/resource_ids.h"
+#include "base/manual_win32.h"
 #include "calendar/calendar_dates.h"
 #include "calendar/event_editing.h"
 
@@ -333,6 +334,7 @@ INT_PTR CALLBACK EventsProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPa
         case IDC_EVENT_DELETE: DeleteEntry(dialog); return TRUE;
         case IDC_EVENT_NEW_NAME: RenameList(dialog, state); return TRUE;
         case IDOK: SaveList(dialog, state); return TRUE;
+        case IDHELP: OpenManual(dialog, "EVENTS"); return TRUE;
         case IDCANCEL: EndDialog(dialog, IDCANCEL); return TRUE;
       }
       return FALSE;

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/resource_ids.h"
+#include "base/manual_win32.h"
 #include "calendar/calendar_dates.h"
 #include "calendar/replicate.h"
 
@@ -90,6 +91,7 @@ INT_PTR CALLBACK ReplicateProc(HWND dialog, UINT message, WPARAM wParam, LPARAM 
       else if (id == IDC_REPLICATE_NONE) CheckEveryEnabledMonth(dialog, BST_UNCHECKED);
       else if (id == IDOK) Replicate(dialog, state);
       else if (id == IDCANCEL) EndDialog(dialog, 0);
+      else if (id == IDHELP) OpenManual(dialog, "REPLICATE");
       return TRUE;
     }
     default: return FALSE;

@@ -1,5 +1,6 @@
 // Quernal.exe started as a user starts it, driven from outside through its
-// window: it shows its title, and on exit writes its settings.
+// window: title, settings, position, command line, zoom, saving, and the
+// unsaved-changes question.
 #include <windows.h>
 #include <shlobj.h>
 
@@ -7,71 +8,11 @@
 
 #include <ctime>
 #include <fstream>
-#include <sstream>
 #include <string>
 
+#include "e2e_support.h"
+
 namespace {
-
-// Quernal.exe beside this test program.
-std::string ProgramPath() {
-  char path[MAX_PATH];
-  DWORD n = GetModuleFileNameA(nullptr, path, sizeof path);
-  std::string p(path, n);
-  return p.substr(0, p.find_last_of('\\') + 1) + "Quernal.exe";
-}
-
-// The configuration folder, made as an installer would make it.
-std::string ConfigFolder() {
-  char appData[MAX_PATH];
-  SHGetFolderPathA(nullptr, CSIDL_APPDATA, nullptr, 0, appData);
-  std::string folder = std::string(appData) + "\\Tarnwick\\";
-  CreateDirectoryA(folder.c_str(), nullptr);
-  return folder;
-}
-
-std::string ReadAll(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-class Running {
- public:
-  explicit Running(const std::string& arguments = "") {
-    std::string command = "\"" + ProgramPath() + "\"" + (arguments.empty() ? "" : " " + arguments);
-    STARTUPINFOA si{};
-    si.cb = sizeof si;
-    started_ = CreateProcessA(nullptr, &command[0], nullptr, nullptr, FALSE, 0, nullptr, nullptr, &si, &pi_);
-    for (int i = 0; started_ && i < 200 && !window_; ++i) {
-      Sleep(100);
-      window_ = FindWindowA("QuernalApplication", nullptr);
-    }
-    Sleep(300);  // the commands posted at creation
-  }
-  ~Running() {
-    if (!started_) return;
-    if (WaitForSingleObject(pi_.hProcess, 0) == WAIT_TIMEOUT) TerminateProcess(pi_.hProcess, 1);
-    CloseHandle(pi_.hProcess);
-    CloseHandle(pi_.hThread);
-  }
-  HWND window() const { return window_; }
-  std::string Title() const {
-    char text[512] = "";
-    GetWindowTextA(window_, text, sizeof text);
-    return text;
-  }
-  // Closes the window as the user does and waits for the program to end.
-  bool Close() {
-    PostMessageA(window_, WM_SYSCOMMAND, SC_CLOSE, 0);
-    return WaitForSingleObject(pi_.hProcess, 20000) == WAIT_OBJECT_0;
-  }
-
- private:
-  PROCESS_INFORMATION pi_{};
-  bool started_ = false;
-  HWND window_ = nullptr;
-};
 
 const char* const kMonths[12] = {"January", "February", "March",     "April",   "May",      "June",
                                  "July",    "August",   "September", "October", "November", "December"};
@@ -81,8 +22,8 @@ const char* const kMonths[12] = {"January", "February", "March",     "April",   
 TEST(MainWindow, ShowsTodaysMonthAndWritesItsSettingsOnExit) {
   const std::string ini = ConfigFolder() + "QUERNL.INI";
   DeleteFileA(ini.c_str());
-  Running quernal;
-  ASSERT_NE(quernal.window(), nullptr) << "no main window appeared";
+  Quernal quernal;
+  ASSERT_NE(quernal.MainWindow(), nullptr) << "no main window appeared";
   std::time_t now = std::time(nullptr);
   const std::string month = kMonths[std::localtime(&now)->tm_mon];
   EXPECT_EQ(quernal.Title(), "Quernal [ Untitled.CLN \x96 " + month + " ]");
@@ -105,8 +46,195 @@ TEST(MainWindow, AMissingConfigurationFolderIsNoError) {
   const std::string folder = std::string(appData) + "\\Tarnwick";
   DeleteFileA((folder + "\\QUERNL.INI").c_str());
   RemoveDirectoryA(folder.c_str());
-  Running quernal;
-  ASSERT_NE(quernal.window(), nullptr);
+  Quernal quernal;
+  ASSERT_NE(quernal.MainWindow(), nullptr);
   ASSERT_TRUE(quernal.Close());
   EXPECT_EQ(GetFileAttributesA(folder.c_str()), INVALID_FILE_ATTRIBUTES) << "the program never makes the folder";
+}
+
+TEST(MainWindow, AMaximizedExitReopensMaximized) {
+  WriteSettings("");
+  {
+    Quernal quernal;
+    ASSERT_NE(quernal.MainWindow(), nullptr);
+    SendMessageA(quernal.window(), WM_SYSCOMMAND, SC_MAXIMIZE, 0);
+    ASSERT_TRUE(IsZoomed(quernal.window()));
+    ASSERT_TRUE(quernal.Close());
+  }
+  EXPECT_NE(ReadAll(ConfigFolder() + "QUERNL.INI").find("StartMaximized = 1"), std::string::npos);
+  Quernal again;
+  ASSERT_NE(again.MainWindow(), nullptr);
+  for (int i = 0; i < 50 && !IsZoomed(again.window()); ++i) Sleep(100);
+  EXPECT_TRUE(IsZoomed(again.window()));
+  ASSERT_TRUE(again.Close());
+}
+
+TEST(MainWindow, EdgesStoredOnALargerScreenArePulledBack) {
+  WriteSettings("StickyWindowLeft = 5000\nStickyWindowTop = 4000\nStickyWindowRight = 5600\nStickyWindowBottom = 4460\n");
+  Quernal quernal;
+  ASSERT_NE(quernal.MainWindow(), nullptr);
+  RECT r;
+  GetWindowRect(quernal.window(), &r);
+  // A 620 x 460 window would fit; the size stays the default one.
+  EXPECT_EQ(r.left, GetSystemMetrics(SM_CXSCREEN) - 620);
+  EXPECT_EQ(r.top, GetSystemMetrics(SM_CYSCREEN) - 460);
+  EXPECT_EQ(r.bottom - r.top, GetSystemMetrics(SM_CYSCREEN) * 95 / 100);
+  ASSERT_TRUE(quernal.Close());
+}
+
+// Scroll bar `id` of the main window, as the program last set it.
+SCROLLINFO ScrollBar(HWND window, int id) {
+  SCROLLINFO info{sizeof info, SIF_ALL, 0, 0, 0, 0, 0};
+  GetScrollInfo(GetDlgItem(window, id), SB_CTL, &info);
+  return info;
+}
+
+TEST(MainWindow, ZoomScalesThePageAndResetsTheScrollBars) {
+  WriteSettings("");
+  Quernal quernal;
+  ASSERT_NE(quernal.MainWindow(), nullptr);
+  const int page100 = ScrollBar(quernal.window(), 703).nMax - 8;
+  SaveShot("main-100");
+  quernal.Do(WM_COMMAND, 302);
+  EXPECT_EQ(ScrollBar(quernal.window(), 703).nMax - 8, page100 * 2);
+  // Page Down moves a zoomed page; the next zoom starts again at the top.
+  quernal.Do(WM_KEYDOWN, VK_NEXT);
+  EXPECT_GT(ScrollBar(quernal.window(), 703).nPos, 0);
+  SaveShot("main-200");
+  quernal.Do(WM_COMMAND, 303);
+  EXPECT_EQ(ScrollBar(quernal.window(), 703).nPos, 0);
+  EXPECT_EQ(ScrollBar(quernal.window(), 703).nMax - 8, page100 * 4);
+  quernal.Do(WM_COMMAND, 322);
+  EXPECT_EQ(quernal.Title(), "Quernal [ Untitled.CLN \x96 Year ]");
+  ASSERT_TRUE(quernal.Close());
+}
+
+TEST(MainWindow, SaveOnAnUntitledCalendarAsksForAName) {
+  WriteSettings("");
+  const std::string path = TempFolder() + "Saved.CLN";
+  DeleteFileA(path.c_str());
+  Quernal quernal;
+  ASSERT_NE(quernal.MainWindow(), nullptr);
+  const std::string title = quernal.Title();
+  // Cancelled, nothing changes.
+  quernal.Command(51);
+  HWND dialog = quernal.Wait("Save As");
+  ASSERT_NE(dialog, nullptr) << "Save on Untitled.CLN must ask for a name";
+  Press(dialog, IDCANCEL);
+  WaitGone(dialog);
+  EXPECT_EQ(quernal.Title(), title);
+
+  quernal.Command(51);
+  dialog = quernal.Wait("Save As");
+  ASSERT_NE(dialog, nullptr);
+  ChooseFile(dialog, path);
+  const std::string saved = quernal.TitleStartingWith("Quernal [ Saved.CLN \x96 ");
+  EXPECT_EQ(saved.rfind("Quernal [ Saved.CLN \x96 ", 0), 0u) << saved;
+  std::ifstream file(path, std::ios::binary | std::ios::ate);
+  EXPECT_EQ(static_cast<long long>(file.tellg()), 70139) << "a calendar without pictures";
+  // The saved name leads the recent files the settings keep.
+  ASSERT_TRUE(quernal.Close());
+  const std::string ini = ReadAll(ConfigFolder() + "QUERNL.INI");
+  EXPECT_NE(ini.find("MenuItem = " + path + "\r\n"), std::string::npos) << ini.substr(ini.find("[QuernalMenuItems]"));
+}
+
+TEST(MainWindow, OpensTheCommandLineExactlyAsItStands) {
+  WriteSettings("");
+  const std::string path = TempFolder() + "Opened.CLN";
+  DeleteFileA(path.c_str());
+  {
+    Quernal quernal;
+    ASSERT_NE(quernal.MainWindow(), nullptr);
+    quernal.Do(WM_COMMAND, 323);  // the cover is the page the file reopens on
+    quernal.Command(104);
+    HWND dialog = quernal.Wait("Save As");
+    ASSERT_NE(dialog, nullptr);
+    ChooseFile(dialog, path);
+    quernal.TitleStartingWith("Quernal [ Opened");
+    ASSERT_TRUE(quernal.Close());
+  }
+  {
+    Quernal quernal(path);
+    ASSERT_NE(quernal.MainWindow(), nullptr);
+    EXPECT_EQ(quernal.TitleStartingWith("Quernal [ Opened"), "Quernal [ Opened.CLN \x96 Cover ]");
+    ASSERT_TRUE(quernal.Close());
+  }
+  // Quotes are not taken off, so the name with them names no file.
+  Quernal quoted("\"" + path + "\"");
+  ASSERT_NE(quoted.MainWindow(), nullptr);
+  HWND box = quoted.Wait("Message");
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(MessageText(box), "There has been an error reading this file. It might be corrupted.");
+  Press(box, IDOK);
+  WaitGone(box);
+  EXPECT_EQ(quoted.Title().rfind("Quernal [ Untitled.CLN", 0), 0u);
+  ASSERT_TRUE(quoted.Close());
+}
+
+TEST(MainWindow, UnsavedChangesAnsweredNoAreLost) {
+  WriteSettings("");
+  Quernal quernal;
+  ASSERT_NE(quernal.MainWindow(), nullptr);
+  quernal.ChangeCalendar();
+  // New asks first; No gives the new calendar without saving.
+  quernal.Command(101);
+  HWND box = quernal.Wait("Message");
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(MessageText(box).rfind("Your current calendar has not been saved.", 0), 0u) << MessageText(box);
+  Press(box, IDNO);
+  WaitGone(box);
+  EXPECT_EQ(quernal.Wait("Save As", 500), nullptr);
+  // The new calendar has no changes: Exit asks nothing.
+  quernal.Command(56);
+  EXPECT_TRUE(quernal.Ended());
+}
+
+TEST(MainWindow, UnsavedChangesAnsweredYesAreSavedOnExit) {
+  WriteSettings("");
+  const std::string path = TempFolder() + "Kept.CLN";
+  DeleteFileA(path.c_str());
+  Quernal quernal;
+  ASSERT_NE(quernal.MainWindow(), nullptr);
+  quernal.ChangeCalendar();
+  PostMessageA(quernal.window(), WM_SYSCOMMAND, SC_CLOSE, 0);
+  HWND box = quernal.Wait("Message");
+  ASSERT_NE(box, nullptr);
+  Press(box, IDYES);
+  HWND dialog = quernal.Wait("Save As");
+  ASSERT_NE(dialog, nullptr) << "Yes on an untitled calendar asks for its name";
+  ChooseFile(dialog, path);
+  EXPECT_TRUE(quernal.Ended()) << "the program closes after saving";
+  EXPECT_TRUE(Exists(path));
+}
+
+// The dialogs of the Edit menu open over the page they belong to.
+TEST(MainWindow, EventsAndReplicateOpenForTheCurrentMonth) {
+  WriteSettings();
+  Quernal quernal;
+  ASSERT_NE(quernal.MainWindow(), nullptr);
+  quernal.Do(WM_COMMAND, 310 + 4);  // May
+  quernal.Command(252);
+  HWND events = quernal.Wait("Edit [ General ]");
+  ASSERT_NE(events, nullptr) << "the page's list is the General list shipped beside the program";
+  // General.CDF holds eleven events.
+  EXPECT_EQ(SendDlgItemMessageA(events, 101, LB_GETCOUNT, 0, 0), 11);
+  SaveShot("events", events);
+  Press(events, 102);  // New...
+  HWND entry = quernal.Wait("New");
+  ASSERT_NE(entry, nullptr);
+  SaveShot("new-event", entry);
+  Press(entry, IDCANCEL);
+  WaitGone(entry);
+  Press(events, IDCANCEL);
+  WaitGone(events);
+
+  quernal.Command(251);
+  HWND replicate = quernal.Wait("Replicate");
+  ASSERT_NE(replicate, nullptr);
+  EXPECT_FALSE(IsWindowEnabled(GetDlgItem(replicate, 101 + 4))) << "May is the month copied from";
+  EXPECT_TRUE(IsWindowEnabled(GetDlgItem(replicate, 101 + 5)));
+  SaveShot("replicate", replicate);
+  Press(replicate, IDCANCEL);
+  WaitGone(replicate);
+  ASSERT_TRUE(quernal.Close());
 }

@@ -1,4 +1,5 @@
 #include <cstring>
+#include <filesystem>
 #include <string>
 
 #include "calendar/event_list.h"
@@ -105,4 +106,18 @@ TEST_F(EventListTest, WritingKeepsExactlyOnePreviousVersion) {
   EXPECT_FALSE(WriteEventList("Family", {}));
   std::strcpy(Settings.ApplicationPath, dir_.path().c_str());
   EXPECT_EQ(ReadFile(dir_.File("Family.CDF")), AsTextFile("Jan05 Third\n"));
+}
+
+// Before the settings name the program's folder, lists are looked for in
+// the folder the program was started in.
+TEST_F(EventListTest, WithoutAProgramFolderTheCurrentFolderIsSearched) {
+  WriteFile(dir_.File("Here.CDF"), "Apr01 Fools\n");
+  Settings.ApplicationPath[0] = '\0';
+  const std::string previous = std::filesystem::current_path().string();
+  std::filesystem::current_path(dir_.path());
+  BlockHandle list = LoadEventList("Here");
+  std::filesystem::current_path(previous);
+  ASSERT_NE(list, 0u);
+  EXPECT_EQ(Find(list, 3, 1), "Fools");
+  GlobalBlockFree(list);
 }

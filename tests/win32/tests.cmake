@@ -18,3 +18,24 @@ set_source_files_properties(${PROJECT_SOURCE_DIR}/res/Quernal.rc PROPERTIES
   INCLUDE_DIRECTORIES "${PROJECT_SOURCE_DIR}/src;${PROJECT_SOURCE_DIR}/res")
 target_link_libraries(quernal_win32_tests PRIVATE quernal_render quernal_print quernal_calendar ${gtest_main_target})
 target_include_directories(quernal_win32_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/../unit ${PROJECT_SOURCE_DIR}/src)
+
+# The theme loader, toolbar and start-up support: they load the real
+# THEME_Standard.dll and two faulty plug-ins from beside the test program.
+target_sources(quernal_win32_tests PRIVATE
+  ${CMAKE_CURRENT_LIST_DIR}/theme_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/toolbar_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/ui_support_test.cpp)
+target_link_libraries(quernal_win32_tests PRIVATE quernal_app_ui)
+# name, lacks ThemeDrawButton, what its ThemeLoad answers
+foreach(broken "Partial;1;1" "Refusing;0;0")
+  list(GET broken 0 name)
+  list(GET broken 1 lacksButton)
+  list(GET broken 2 loads)
+  add_library(THEME_${name} SHARED ${CMAKE_CURRENT_LIST_DIR}/broken_theme_dll.cpp)
+  target_compile_definitions(THEME_${name} PRIVATE BROKEN_THEME_LACKS_BUTTON=${lacksButton} BROKEN_THEME_LOADS=${loads})
+  target_include_directories(THEME_${name} PRIVATE ${PROJECT_SOURCE_DIR}/themes)
+  set_target_properties(THEME_${name} PROPERTIES PREFIX "")
+  target_link_options(THEME_${name} PRIVATE -static)
+  add_dependencies(quernal_win32_tests THEME_${name})
+endforeach()
+add_dependencies(quernal_win32_tests THEME_Standard)
