@@ -4,7 +4,7 @@
 # as an installer would: its folder under Program Files with the events list,
 # the colour table, the theme and the manual, and the (empty) configuration
 # folder that QUERNL.INI is written to. With no display it runs on a virtual
-# one and keeps a screenshot of the main window instead.
+# one, with a private PDF printer, and keeps a screenshot of the main window.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash tools/setup-debian.sh
@@ -32,6 +32,12 @@ fi
 
 shot="$PWD/build/quernal-screenshot.png"
 echo "run: no display, so Quernal runs on a virtual one (Xvfb) for 20 seconds"
+# A printer that writes PDFs (build/run-cups/pdf), so the program has one.
+cups="$PWD/build/run-cups"
+if bash tests/print/cups-pdf-queue.sh start "$cups" >/dev/null 2>&1; then
+  export CUPS_SERVER="$cups/cups.sock"
+  trap 'bash tests/print/cups-pdf-queue.sh stop "$cups" >/dev/null 2>&1' EXIT
+fi
 xvfb-run -a -s "-screen 0 1280x1024x24" sh -c '
   cd "$(dirname "$3")" && wine "$1" &
   sleep 20      # start-up, and the start-up screen goes after LogoDelay
