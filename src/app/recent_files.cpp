@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "app/resource_ids.h"
 #include "base/text.h"
 
 bool IsDrivePath(const std::string& path) { return path.size() >= 3 && path[1] == ':' && path[2] == '\\'; }
@@ -10,6 +11,11 @@ std::string StripTrailingBlanks(const std::string& path) {
   size_t end = path.size();
   while (end > 0 && static_cast<unsigned char>(path[end - 1]) <= 32) --end;
   return path.substr(0, end);
+}
+
+uint32_t RecentFilesLimit(uint32_t fileMenuRange) {
+  const uint32_t most = IDM_CUT - IDM_RECENT_FIRST;
+  return fileMenuRange < most ? fileMenuRange : most;
 }
 
 namespace {

@@ -10,6 +10,10 @@ bool IsDrivePath(const std::string& path);
 // The path without trailing blanks and control characters.
 std::string StripTrailingBlanks(const std::string& path);
 
+// The most entries the menu takes for a `FileMenuRange` setting: the ids
+// run from 180, and from 202 on they are Cut, Copy and Paste.
+uint32_t RecentFilesLimit(uint32_t fileMenuRange);
+
 // Puts `path` on top of `list`, keeping at most `range` entries. Returns
 // false and leaves the list exactly as it was when the list is off (range
 // 0), the path is not a local one, names no file, or is listed already in

@@ -29,7 +29,7 @@ std::string RecentFileForCommand(HWND window, int id) {
 
 void AddRecentFile(HWND window, const char* path) {
   std::vector<std::string> list = RecentFiles(window);
-  if (!AddRecentPath(&list, path ? path : "", Settings.FileMenuRange, FileExists)) return;
+  if (!AddRecentPath(&list, path ? path : "", RecentFilesLimit(Settings.FileMenuRange), FileExists)) return;
   HMENU menu = FileMenu(window);
   for (int i = 0; i < g_count; ++i) DeleteMenu(menu, IDM_RECENT_FIRST + i, MF_BYCOMMAND);
   g_count = 0;

@@ -48,6 +48,12 @@ TEST(RecentFiles, TrailingBlanksAreStripped) {
   EXPECT_FALSE(AddRecentPath(&list, "C:\\a.cln   ", 10, Exists)) << "blanks do not make a new entry";
 }
 
+TEST(RecentFiles, TheListStopsShortOfTheEditCommands) {
+  EXPECT_EQ(RecentFilesLimit(10), 10u);
+  EXPECT_EQ(RecentFilesLimit(0), 0u);
+  EXPECT_EQ(RecentFilesLimit(1000), 22u) << "ids 180 to 201";
+}
+
 TEST(RecentFiles, AnEntryThatIsNotLocalEndsTheOldList) {
   List list{"C:\\A.CLN", "odd entry", "C:\\B.CLN"};
   ASSERT_TRUE(AddRecentPath(&list, "C:\\C.CLN", 10, Exists));
