@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "app/about_box_win32.h"
 #include "app/app_state_win32.h"
 #include "app/clipboard_viewer_win32.h"
 #include "app/recent_files_win32.h"
@@ -259,7 +260,9 @@ void Command(HWND window, int id) {
       CheckUnsavedChanges(window);
       SendMessageA(window, WM_CLOSE, 0, 0);
       return;
-    case IDM_MANUAL: OpenManual(window, "DOCUMENTATION"); return;
+    case IDM_MANUAL:
+    case IDM_HELP: OpenManual(window, "DOCUMENTATION"); return;
+    case IDM_ABOUT: ShowAboutBox(window); return;
     case IDM_EDIT_YEAR_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_YEAR, 0);
     case IDM_EDIT_PAGE_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_MONTH, 0);
     case IDM_REPLICATE:

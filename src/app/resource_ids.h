@@ -84,3 +84,6 @@
 #define IDC_DRIVER_ICON 101
 #define IDC_DRIVER_TEXT 102
 #define IDC_DRIVER_DONT_SHOW 103
+
+// The About box (AboutBox).
+#define IDC_ABOUT_ICON 101

@@ -238,3 +238,17 @@ TEST(MainWindow, EventsAndReplicateOpenForTheCurrentMonth) {
   WaitGone(replicate);
   ASSERT_TRUE(quernal.Close());
 }
+
+TEST(MainWindow, AboutNamesTheProgram) {
+  WriteSettings();
+  Quernal quernal;
+  ASSERT_NE(quernal.MainWindow(), nullptr);
+  quernal.Command(999);
+  HWND about = quernal.Wait("About Quernal");
+  ASSERT_NE(about, nullptr);
+  SaveShot("about", about);
+  Press(about, IDOK);
+  WaitGone(about);
+  EXPECT_FALSE(IsWindow(about));
+  ASSERT_TRUE(quernal.Close());
+}
