@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "base/program_win32.h"
 #include "calendar/calendar_model.h"
 
 struct AppState {
@@ -21,9 +22,5 @@ struct AppState {
 
 extern AppState App;
 
-// A string-table text, or the program's own word that the table lacks it.
-std::string LoadText(UINT id);
-// A message box captioned "Message" with a string-table text.
-int ShowMessage(HWND owner, UINT id, UINT flags = MB_OK | MB_ICONINFORMATION);
 // Sets the main window's title from the document's file name and page.
 void UpdateTitle();

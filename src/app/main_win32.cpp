@@ -2,30 +2,23 @@
 #include <windows.h>
 
 #include "app/app_state_win32.h"
-#include "app/main_window_win32.h"
-#include "app/recent_files_win32.h"
-#include "app/resource_ids.h"
-#include "app/window_layout.h"
 #include "app/clipboard_viewer_win32.h"
 #include "app/driver_box_win32.h"
+#include "app/main_window_win32.h"
 #include "app/paint_program_win32.h"
+#include "app/recent_files_win32.h"
+#include "app/resource_ids.h"
 #include "app/startup_screen_win32.h"
-#include "app/string_table_win32.h"
 #include "app/theme_win32.h"
 #include "app/toolbar_win32.h"
 #include "app/tooltip_win32.h"
+#include "app/window_layout.h"
 #include "calendar/calendar_dates.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
 #include "print/printer_win32.h"
 
 AppState App;
-
-std::string LoadText(UINT id) { return StringTableText(App.instance, id); }
-
-int ShowMessage(HWND owner, UINT id, UINT flags) {
-  return MessageBoxA(owner, LoadText(id).c_str(), "Message", flags);
-}
 
 namespace {
 
@@ -85,12 +78,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPSTR commandLine, in
   FindPaintProgram(Settings.PaintbrushPath, sizeof Settings.PaintbrushPath, Settings.PaintbrushName,
                    Settings.SearchForPaintbrush);
 
-  // The program's folder, with its trailing backslash.
-  char module[MAX_PATH];
-  DWORD length = GetModuleFileNameA(nullptr, module, sizeof module);
-  std::string folder(module, length);
-  folder = folder.substr(0, folder.find_last_of('\\') + 1);
-  lstrcpynA(Settings.ApplicationPath, folder.c_str(), sizeof Settings.ApplicationPath);
+  lstrcpynA(Settings.ApplicationPath, ProgramFolder().c_str(), sizeof Settings.ApplicationPath);
   if (!Settings.OpenPath[0]) lstrcpynA(Settings.OpenPath, Settings.ApplicationPath, sizeof Settings.OpenPath);
 
   for (HWND child = GetWindow(App.mainWindow, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))

@@ -337,7 +337,7 @@ void Close(HWND window) {
 
 void UpdateTitle() {
   const std::string label = App.document ? DocumentLabel(App.path, PageName(CurrentPage())) : App.path;
-  SetWindowTextA(App.mainWindow, WindowTitle(LoadText(IDS_PRODUCT_NAME), label).c_str());
+  SetWindowTextA(App.mainWindow, WindowTitle(StringTableText(IDS_PRODUCT_NAME), label).c_str());
 }
 
 void CreateChildControls(HWND window) {

@@ -1,7 +1,7 @@
 #include "app/startup_screen_win32.h"
 
 #include "app/resource_ids.h"
-#include "app/string_table_win32.h"
+#include "base/program_win32.h"
 #include "config/settings_file.h"
 
 namespace {
@@ -42,7 +42,7 @@ void Paint(HWND window) {
     DestroyIcon(icon);
   }
   SetBkMode(dc, TRANSPARENT);
-  Text(dc, StringTableText(instance, IDS_PRODUCT_NAME).c_str(), 34, FW_BOLD, RGB(32, 32, 32),
+  Text(dc, StringTableText(IDS_PRODUCT_NAME).c_str(), 34, FW_BOLD, RGB(32, 32, 32),
        {textLeft, 36, r.right - 16, 80});
   Text(dc, "Wall calendars, designed and printed", 16, FW_NORMAL, RGB(96, 96, 96), {textLeft, 84, r.right - 16, 104});
   Text(dc, "Click to continue", 12, FW_NORMAL, RGB(150, 150, 150), {textLeft, r.bottom - 26, r.right - 16, r.bottom - 8});

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+#include "base/program_win32.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
 #include "standard_theme_win32.h"
@@ -22,13 +23,6 @@ struct Theme {
   ThemeDrawButtonProc drawButton = StandardThemeDrawButton;
 };
 Theme g_theme;
-
-std::string ProgramFolder() {
-  char path[MAX_PATH];
-  const DWORD n = GetModuleFileNameA(nullptr, path, sizeof path);
-  std::string p(path, n < sizeof path ? n : 0);
-  return p.substr(0, p.find_last_of('\\') + 1);
-}
 
 template <typename Proc>
 bool Find(HMODULE module, const char* name, Proc* proc) {

@@ -1,7 +1,7 @@
 #include "app/toolbar_win32.h"
 
 #include "app/resource_ids.h"
-#include "app/string_table_win32.h"
+#include "base/program_win32.h"
 #include "app/theme_win32.h"
 #include "app/tooltip_win32.h"
 
@@ -44,7 +44,7 @@ void ShowTipFor(HWND bar, int command) {
   POINT cursor;
   if (!button || !GetWindowRect(button, &r) || !GetCursorPos(&cursor)) return;
   const HINSTANCE instance = reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(bar, GWLP_HINSTANCE));
-  ShowTip(GetAncestor(bar, GA_ROOT), StringTableText(instance, TipFor(command)), {cursor.x, r.bottom + 4});
+  ShowTip(GetAncestor(bar, GA_ROOT), StringTableText(TipFor(command)), {cursor.x, r.bottom + 4});
 }
 
 // The buttons tell the strip where the mouse is.

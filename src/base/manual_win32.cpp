@@ -5,15 +5,9 @@
 #include <string>
 
 #include "base/manual.h"
+#include "base/program_win32.h"
 
 namespace {
-
-std::string ProgramFolder() {
-  char module[MAX_PATH];
-  const DWORD length = GetModuleFileNameA(nullptr, module, sizeof module);
-  const std::string path(module, length);
-  return path.substr(0, path.find_last_of('\\') + 1);
-}
 
 bool Launched(HINSTANCE result) { return reinterpret_cast<INT_PTR>(result) > 32; }
 

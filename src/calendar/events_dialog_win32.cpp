@@ -7,6 +7,7 @@
 
 #include "app/resource_ids.h"
 #include "base/manual_win32.h"
+#include "base/program_win32.h"
 #include "calendar/calendar_dates.h"
 #include "calendar/event_editing.h"
 
@@ -17,16 +18,6 @@ namespace {
 constexpr int kMaxEventText = 1016;
 
 HINSTANCE Resources() { return GetModuleHandleA(nullptr); }
-
-std::string ResourceText(UINT id) {
-  char text[512] = "";
-  LoadStringA(Resources(), id, text, sizeof text);
-  return text;
-}
-
-int ShowText(HWND owner, UINT id, UINT flags = MB_OK | MB_ICONINFORMATION) {
-  return MessageBoxA(owner, ResourceText(id).c_str(), "Message", flags);
-}
 
 std::string WindowText(HWND window) {
   std::string text(GetWindowTextLengthA(window) + 1, '\0');
@@ -202,7 +193,7 @@ void Select(HWND dialog, int index) {
 
 void RenewTitle(HWND dialog, const EventsState* state) {
   char title[512];
-  std::snprintf(title, sizeof title, ResourceText(IDS_EVENTS_TITLE).c_str(), state->name.c_str());
+  std::snprintf(title, sizeof title, StringTableText(IDS_EVENTS_TITLE).c_str(), state->name.c_str());
   SetWindowTextA(dialog, title);
 }
 
@@ -222,11 +213,11 @@ bool StartEvents(HWND dialog, EventsState* state) {
   CalendarHeader header;
   MonthPage page;
   if (!GetHeader(state->document, &header) || !GetMonthPage(state->document, header.CurrentPage, &page)) {
-    ShowText(dialog, IDS_PAGE_ACCESS_FAILED);
+    ShowMessage(dialog, IDS_PAGE_ACCESS_FAILED);
     return false;
   }
   if (!page.Events) {
-    ShowText(dialog, IDS_NO_EVENTS);
+    ShowMessage(dialog, IDS_NO_EVENTS);
     return false;
   }
   state->month = header.CurrentPage;
@@ -236,7 +227,7 @@ bool StartEvents(HWND dialog, EventsState* state) {
   for (const std::string& code : EventListCodes(page.Events)) {
     EventEntry entry;
     if (EventFromListCode(code, &entry) && AddEntry(List(dialog), entry) < 0) {
-      ShowText(dialog, IDS_MEMORY_FAILED);
+      ShowMessage(dialog, IDS_MEMORY_FAILED);
       return false;
     }
   }
@@ -247,7 +238,7 @@ bool StartEvents(HWND dialog, EventsState* state) {
 
 void DeleteEntry(HWND dialog) {
   const int index = static_cast<int>(SendMessageA(List(dialog), LB_GETCURSEL, 0, 0));
-  if (index < 0 || ShowText(dialog, IDS_DELETE_EVENT, MB_YESNO | MB_ICONQUESTION) != IDYES) return;
+  if (index < 0 || ShowMessage(dialog, IDS_DELETE_EVENT, MB_YESNO | MB_ICONQUESTION) != IDYES) return;
   const int left = static_cast<int>(SendMessageA(List(dialog), LB_DELETESTRING, index, 0));
   Select(dialog, index < left ? index : left - 1);
 }
@@ -257,7 +248,7 @@ void NewEntry(HWND dialog, const EventsState* state) {
   if (SelectedEntry(List(dialog), &entry)) entry.text.clear();  // a new event starts on the selected date
   if (!RunEventEditor(dialog, "NEWEVENTBOX", state->year, &entry)) return;
   const int index = AddEntry(List(dialog), entry);
-  if (index < 0) return (void)ShowText(dialog, IDS_MEMORY_FAILED);
+  if (index < 0) return (void)ShowMessage(dialog, IDS_MEMORY_FAILED);
   Select(dialog, index);
 }
 
@@ -267,7 +258,7 @@ void EditEntry(HWND dialog, const EventsState* state) {
   if (!SelectedEntry(List(dialog), &entry) || !RunEventEditor(dialog, "EDITEVENTBOX", state->year, &entry)) return;
   SendMessageA(List(dialog), LB_DELETESTRING, index, 0);
   const int added = AddEntry(List(dialog), entry);
-  if (added < 0) return (void)ShowText(dialog, IDS_MEMORY_FAILED);
+  if (added < 0) return (void)ShowMessage(dialog, IDS_MEMORY_FAILED);
   Select(dialog, added);
 }
 
@@ -275,10 +266,10 @@ void RenameList(HWND dialog, EventsState* state) {
   std::string name = state->name;
   if (DialogBoxParamA(Resources(), "NEWEVENTNAMEBOX", dialog, ListNameProc, reinterpret_cast<LPARAM>(&name)) != IDOK) return;
   MonthPage page;
-  if (!GetMonthPage(state->document, state->month, &page)) return (void)ShowText(dialog, IDS_PAGE_ACCESS_FAILED);
+  if (!GetMonthPage(state->document, state->month, &page)) return (void)ShowMessage(dialog, IDS_PAGE_ACCESS_FAILED);
   std::memset(page.DaysName, 0, sizeof page.DaysName);
   name.copy(page.DaysName, sizeof page.DaysName - 1);
-  if (!PutMonthPage(state->document, state->month, &page)) return (void)ShowText(dialog, IDS_PAGE_ACCESS_FAILED);
+  if (!PutMonthPage(state->document, state->month, &page)) return (void)ShowMessage(dialog, IDS_PAGE_ACCESS_FAILED);
   state->name = page.DaysName;
   RenewTitle(dialog, state);
 }
@@ -287,7 +278,7 @@ void SaveList(HWND dialog, EventsState* state) {
   std::vector<std::string> codes;
   const int count = static_cast<int>(SendMessageA(List(dialog), LB_GETCOUNT, 0, 0));
   for (int index = 0; index < count; ++index) codes.push_back(ItemCode(List(dialog), index));
-  if (!SaveEventList(state->document, state->name.c_str(), codes)) return (void)ShowText(dialog, IDS_WRITE_FAILED);
+  if (!SaveEventList(state->document, state->name.c_str(), codes)) return (void)ShowMessage(dialog, IDS_WRITE_FAILED);
   state->saved = true;
   EndDialog(dialog, IDOK);
 }

@@ -4,6 +4,7 @@
 
 #include "app/resource_ids.h"
 #include "base/manual_win32.h"
+#include "base/program_win32.h"
 #include "calendar/calendar_dates.h"
 #include "calendar/replicate.h"
 
@@ -13,12 +14,6 @@ struct ReplicateState {
   CalendarDocument document;
   int current;  // the month being shown: the source, never a target
 };
-
-void ShowAccessError(HWND owner) {
-  char text[256] = "";
-  LoadStringA(GetModuleHandleA(nullptr), IDS_PAGE_ACCESS_FAILED, text, sizeof text);
-  MessageBoxA(owner, text, "Message", MB_OK | MB_ICONINFORMATION);
-}
 
 HWND MonthBox(HWND dialog, int month) { return GetDlgItem(dialog, IDC_REPLICATE_JANUARY + month); }
 
@@ -70,7 +65,7 @@ void Replicate(HWND dialog, const ReplicateState* state) {
   bool targets[12];
   for (int month = 0; month < 12; ++month) targets[month] = IsTarget(dialog, month);
   if (ReplicateMonth(state->document, state->current, targets)) return (void)EndDialog(dialog, 1);
-  ShowAccessError(dialog);
+  ShowMessage(dialog, IDS_PAGE_ACCESS_FAILED);
   EndDialog(dialog, 0);
 }
 
@@ -80,7 +75,7 @@ INT_PTR CALLBACK ReplicateProc(HWND dialog, UINT message, WPARAM wParam, LPARAM 
     case WM_INITDIALOG:
       SetWindowLongPtrA(dialog, DWLP_USER, lParam);
       if (!Start(dialog, reinterpret_cast<ReplicateState*>(lParam))) {
-        ShowAccessError(dialog);
+        ShowMessage(dialog, IDS_PAGE_ACCESS_FAILED);
         EndDialog(dialog, 0);
       }
       return FALSE;  // the focus is set already

@@ -1,5 +1,6 @@
 #include "print/print_job_win32.h"
 
+#include "base/program_win32.h"
 #include "config/settings.h"
 #include "print/print_ids.h"
 #include "print/print_plan.h"
@@ -32,14 +33,14 @@ bool ChoosePrinter(HWND window, PRINTDLGA* dialog) {
   }
   const bool made = AdoptDialogPrinter(*dialog);
   FreeDialogHandles(dialog);
-  if (!made) ShowPrintMessage(window, IDS_PRINTER_INIT_FAILED);
+  if (!made) ShowMessage(window, IDS_PRINTER_INIT_FAILED);
   return made;
 }
 
 bool Validate(HWND window, CalendarDocument document) {
   CalendarHeader header;
   if (GetHeader(document, &header)) return true;
-  ShowPrintMessage(window, IDS_PAGE_ACCESS_FAILED);
+  ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
   return false;
 }
 
@@ -60,21 +61,19 @@ bool PrintPass(HWND window, CalendarDocument document, const char* documentName,
   info.cbSize = sizeof info;
   info.lpszDocName = documentName;
   if (StartDocA(PrinterDC, &info) <= 0) {
-    ShowPrintMessage(window, IDS_PRINT_FAILED);
+    ShowMessage(window, IDS_PRINT_FAILED);
     return false;
   }
   HCURSOR previous = SetCursor(LoadCursorA(nullptr, MAKEINTRESOURCEA(32514)));  // IDC_WAIT
   if (plan.progress) {
-    char text[128];
-    if (LoadStringA(GetModuleHandleA(nullptr), IDS_PRINTING, text, sizeof text) <= 0) text[0] = '\0';
-    ShowPrintStatus(window, text);
+    ShowPrintStatus(window, StringTableText(IDS_PRINTING).c_str());
   }
   for (const PrintedSide& side : plan.sides) {
     if (StartPage(PrinterDC) <= 0) {
       ClosePrintStatus();
       SetCursor(previous);
       EndDoc(PrinterDC);
-      ShowPrintMessage(window, IDS_PRINT_FAILED);
+      ShowMessage(window, IDS_PRINT_FAILED);
       return false;
     }
     DrawSide(window, document, side);

@@ -6,6 +6,7 @@
 #include <memory>
 #include <new>
 
+#include "base/program_win32.h"
 #include "print/page_shape.h"
 #include "print/print_ids.h"
 
@@ -83,13 +84,6 @@ void FreeDialogHandles(PRINTDLGA* dialog) {
   dialog->hDevMode = dialog->hDevNames = nullptr;
 }
 
-void ShowPrintMessage(HWND owner, UINT id) {
-  char text[512];
-  if (LoadStringA(GetModuleHandleA(nullptr), id, text, sizeof text) <= 0)
-    lstrcpynA(text, "String table error - this application may be damaged", sizeof text);
-  MessageBoxA(owner, text, "Message", MB_OK | MB_ICONINFORMATION);
-}
-
 int PrinterSetup(HWND window) {
   PRINTDLGA dialog{};
   dialog.lStructSize = sizeof dialog;
@@ -103,7 +97,7 @@ int PrinterSetup(HWND window) {
   }
   const bool made = AdoptDialogPrinter(dialog);
   FreeDialogHandles(&dialog);
-  if (!made) ShowPrintMessage(window, IDS_PRINTER_INIT_FAILED);
+  if (!made) ShowMessage(window, IDS_PRINTER_INIT_FAILED);
   return made ? 1 : 0;
 }
 

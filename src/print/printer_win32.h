@@ -23,5 +23,3 @@ int PageRectForWindow(HWND window, RECT* rect);
 bool AdoptDialogPrinter(const PRINTDLGA& dialog);
 // Frees the dialog's DEVMODE and DEVNAMES handles.
 void FreeDialogHandles(PRINTDLGA* dialog);
-// A message box captioned "Message" with a string-table text.
-void ShowPrintMessage(HWND owner, UINT id);

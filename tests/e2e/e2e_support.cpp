@@ -179,8 +179,9 @@ HWND Quernal::MainWindow() {
     if (!window_) Sleep(100);
   }
   // The zoom and page commands the window posts itself while it is made
-  // are done once the program waits for input.
-  if (window_) WaitForInputIdle(pi_.hProcess, 20000);
+  // are done once the program waits for input. Wine reports the first idle
+  // moment only (a message box may have been it), so a little time more.
+  if (window_) WaitForInputIdle(pi_.hProcess, 20000), Sleep(300);
   if (window_) Settle();
   return window_;
 }

@@ -145,7 +145,8 @@ TEST(MainWindow, OpensTheCommandLineExactlyAsItStands) {
   {
     Quernal quernal;
     ASSERT_NE(quernal.MainWindow(), nullptr);
-    quernal.Do(WM_COMMAND, 323);  // the cover is the page the file reopens on
+    quernal.Command(323);  // the cover is the page the file reopens on
+    ASSERT_EQ(quernal.TitleStartingWith("Quernal [ Untitled.CLN \x96 Cover"), "Quernal [ Untitled.CLN \x96 Cover ]");
     quernal.Command(104);
     HWND dialog = quernal.Wait("Save As");
     ASSERT_NE(dialog, nullptr);
@@ -212,7 +213,9 @@ TEST(MainWindow, EventsAndReplicateOpenForTheCurrentMonth) {
   WriteSettings();
   Quernal quernal;
   ASSERT_NE(quernal.MainWindow(), nullptr);
-  quernal.Do(WM_COMMAND, 310 + 4);  // May
+  // Posted after the commands the window posts itself while it is made.
+  quernal.Command(310 + 4);
+  ASSERT_EQ(quernal.TitleStartingWith("Quernal [ Untitled.CLN \x96 May"), "Quernal [ Untitled.CLN \x96 May ]");
   quernal.Command(252);
   HWND events = quernal.Wait("Edit [ General ]");
   ASSERT_NE(events, nullptr) << "the page's list is the General list shipped beside the program";

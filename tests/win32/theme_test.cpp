@@ -7,17 +7,11 @@
 #include <string>
 
 #include "app/theme_win32.h"
+#include "base/program_win32.h"
 #include "config/settings.h"
 #include "gdi_test_support.h"
 
 namespace {
-
-std::string ProgramFolder() {
-  char path[MAX_PATH];
-  const DWORD n = GetModuleFileNameA(nullptr, path, sizeof path);
-  std::string p(path, n);
-  return p.substr(0, p.find_last_of('\\') + 1);
-}
 
 std::string ModulePath(HMODULE module) {
   char path[MAX_PATH] = "";

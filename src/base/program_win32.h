@@ -1,0 +1,13 @@
+// The running program: its folder, its string table and its messages.
+#pragma once
+#include <windows.h>
+
+#include <string>
+
+// The folder of the program file, with its trailing backslash.
+std::string ProgramFolder();
+// Text `id` of the program's string table, or the program's own words that
+// the table lacks it.
+std::string StringTableText(UINT id);
+// A message box captioned "Message" with string-table text `id`.
+int ShowMessage(HWND owner, UINT id, UINT flags = MB_OK | MB_ICONINFORMATION);
