@@ -18,8 +18,6 @@
 #include "config/settings_file.h"
 #include "print/printer_win32.h"
 
-AppState App;
-
 namespace {
 
 int ScreenColourDepth() {
@@ -27,19 +25,6 @@ int ScreenColourDepth() {
   int bits = GetDeviceCaps(screen, BITSPIXEL) * GetDeviceCaps(screen, PLANES);
   ReleaseDC(nullptr, screen);
   return bits >= 9 ? 24 : bits;
-}
-
-bool RegisterClasses() {
-  WNDCLASSA main{};
-  main.style = CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS;
-  main.lpfnWndProc = MainWindowProc;
-  main.hInstance = App.instance;
-  main.hIcon = LoadIconA(App.instance, MAKEINTRESOURCEA(IDI_QUERNAL));
-  main.hCursor = LoadCursorA(nullptr, MAKEINTRESOURCEA(32512));  // IDC_ARROW
-  main.hbrBackground = App.faceBrush;
-  main.lpszMenuName = "MainMenu";
-  main.lpszClassName = kMainWindowClass;
-  return RegisterClassA(&main) != 0 && RegisterToolbarClass(App.instance, App.barBrush);
 }
 
 }  // namespace
@@ -64,15 +49,11 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previous, LPSTR commandLine, in
   if (!App.document) ShowMessage(nullptr, IDS_INIT_YEAR_FAILED);
 
   RegisterTipClass(instance);
-  if (!previous && !RegisterClasses()) {
+  if (!previous && !RegisterMainWindowClasses(instance)) {
     ShowMessage(nullptr, IDS_CLASS_REGISTRATION_FAILED);
     ExitProcess(0);
   }
-  App.mainWindow = CreateWindowA(kMainWindowClass, "Quernal", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
-                                 App.defaultWidth, App.defaultHeight, nullptr, nullptr, instance, nullptr);
-  if (!App.mainWindow) return 0;
-  CreateToolbar(App.mainWindow, App.defaultWidth);
-  CreateChildControls(App.mainWindow);
+  if (!CreateMainWindow()) return 0;
   LoadRecentFiles([](const char* path, void* window) { AddRecentFile(static_cast<HWND>(window), path); },
                   App.mainWindow);
   FindPaintProgram(Settings.PaintbrushPath, sizeof Settings.PaintbrushPath, Settings.PaintbrushName,

@@ -1,6 +1,7 @@
 #include "app/main_window_win32.h"
 
 #include <commdlg.h>
+#include <shlobj.h>
 
 #include <string>
 
@@ -12,6 +13,7 @@
 #include "app/toolbar_win32.h"
 #include "app/window_layout.h"
 #include "base/manual_win32.h"
+#include "base/text.h"
 #include "calendar/calendar_dates.h"
 #include "calendar/calendar_file.h"
 #include "calendar/events_dialog_win32.h"
@@ -23,6 +25,8 @@
 #include "print/status_box_win32.h"
 #include "render/gdi_canvas_win32.h"
 #include "render/page_renderer.h"
+
+AppState App;
 
 namespace {
 
@@ -58,7 +62,8 @@ int CurrentPage() {
   return header.CurrentPage >= 0 && header.CurrentPage <= 13 ? header.CurrentPage : 0;
 }
 
-// The page view's part of the client area: all of it below the toolbar strip.
+// The page view's part of the client area: all of it below the toolbar strip,
+// scroll bars included.
 Rect ClientRect(HWND window) {
   RECT r;
   GetClientRect(window, &r);
@@ -66,10 +71,12 @@ Rect ClientRect(HWND window) {
   return {r.left, top < r.bottom ? top : r.bottom, r.right, r.bottom};
 }
 
-// The page at the current zoom, at 100 percent shaped like the printer's page.
+// The page at the current zoom, at 100 percent shaped like the printer's page
+// and as high as 95 percent of the view between the strip and the
+// horizontal scroll bar, so that the whole page shows at 100 percent.
 Rect ZoomedPageRect(HWND window) {
   RECT page;
-  PageRectForWindow(window, &page);
+  PageRectForWindow(Height(ClientRect(window)) - GetSystemMetrics(SM_CYHSCROLL), &page);
   return ZoomedPage({page.left, page.top, page.right, page.bottom}, App.zoom);
 }
 
@@ -102,6 +109,9 @@ void UpdateScrollBars(HWND window) {
 }
 
 void LayOutChildren(HWND window) {
+  RECT whole;
+  GetClientRect(window, &whole);
+  FitToolbar(window, whole.right - whole.left);
   const Rect client = ClientRect(window);
   const int bar = GetSystemMetrics(SM_CXVSCROLL);
   MoveWindow(GetDlgItem(window, kVerticalScrollId), client.right - bar, client.top, bar, Height(client) - bar, TRUE);
@@ -141,12 +151,23 @@ void SetZoom(HWND window, int command) {
   InvalidateRect(window, nullptr, TRUE);
 }
 
+// The commands that need a month page are greyed while the year or the
+// cover is shown.
+void UpdatePageCommands(HWND window) {
+  const int page = CurrentPage();
+  HMENU menu = GetMenu(window);
+  for (int id : {IDM_EDIT_MONTH, IDM_REPLICATE, IDM_EVENTS})
+    EnableMenuItem(menu, id, MF_BYCOMMAND | (CommandActsOnPage(id, page) ? MF_ENABLED : MF_GRAYED));
+}
+
+// The title keeps the page it was named with: it changes with the
+// document's name, not with the page shown.
 void ShowPage(HWND window, int page) {
   CalendarHeader header;
   if (!GetHeader(App.document, &header)) return;
   header.CurrentPage = page;
   PutHeader(App.document, &header);
-  UpdateTitle();
+  UpdatePageCommands(window);
   InvalidateRect(window, nullptr, TRUE);
 }
 
@@ -163,6 +184,7 @@ void Adopt(HWND window, CalendarDocument document, const std::string& path) {
   App.document = document;
   App.path = path;
   UpdateTitle();
+  UpdatePageCommands(window);
   InvalidateRect(window, nullptr, TRUE);
 }
 
@@ -177,7 +199,15 @@ void NewCalendar(HWND window) {
   Adopt(window, document, "Untitled.CLN");
 }
 
+std::string DocumentsFolder() {
+  char folder[MAX_PATH] = "";
+  if (FAILED(SHGetFolderPathA(nullptr, CSIDL_PERSONAL, nullptr, SHGFP_TYPE_CURRENT, folder))) return "";
+  return folder;
+}
+
+// The dialogs start where the last one ended, and remember where that was.
 bool AskFileName(HWND window, bool save, std::string* path) {
+  const std::string start = DialogStartFolder(Settings.OpenPath, Settings.ApplicationPath, DocumentsFolder());
   char file[MAX_PATH] = "";
   OPENFILENAMEA ofn{};
   ofn.lStructSize = sizeof ofn;
@@ -185,12 +215,13 @@ bool AskFileName(HWND window, bool save, std::string* path) {
   ofn.lpstrFilter = save ? "CLN files\0*.CLN\0" : "CLN files\0*.CLN\0All files\0*.*\0";
   ofn.lpstrFile = file;
   ofn.nMaxFile = sizeof file;
-  ofn.lpstrInitialDir = Settings.OpenPath;
+  ofn.lpstrInitialDir = start.c_str();
   ofn.lpstrDefExt = "CLN";
   ofn.Flags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR |
               (save ? OFN_OVERWRITEPROMPT : OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST);
   if (!(save ? GetSaveFileNameA(&ofn) : GetOpenFileNameA(&ofn))) return false;
   *path = file;
+  CopyText(Settings.OpenPath, sizeof Settings.OpenPath, FolderOfFile(file).c_str());
   return true;
 }
 
@@ -308,7 +339,8 @@ void Scroll(HWND window, int bar, int request) {
 void KeyDown(HWND window, WPARAM key) {
   const bool control = GetKeyState(VK_CONTROL) < 0;
   if (control && key == 'N') return Command(window, IDM_NEW);
-  if (control && key == 'O') return Command(window, IDM_OPEN);
+  // The menu says Ctrl+0; Ctrl+O, which users expect, opens as well.
+  if (control && (key == 'O' || key == '0')) return Command(window, IDM_OPEN);
   if (control && key == 'S') return Command(window, IDM_SAVE);
   const struct {
     WPARAM key;
@@ -338,6 +370,28 @@ void Close(HWND window) {
 void UpdateTitle() {
   const std::string label = App.document ? DocumentLabel(App.path, PageName(CurrentPage())) : App.path;
   SetWindowTextA(App.mainWindow, WindowTitle(StringTableText(IDS_PRODUCT_NAME), label).c_str());
+}
+
+bool RegisterMainWindowClasses(HINSTANCE instance) {
+  WNDCLASSA main{};
+  main.style = CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS;
+  main.lpfnWndProc = MainWindowProc;
+  main.hInstance = instance;
+  main.hIcon = LoadIconA(instance, MAKEINTRESOURCEA(IDI_QUERNAL));
+  main.hCursor = LoadCursorA(nullptr, MAKEINTRESOURCEA(32512));  // IDC_ARROW
+  main.hbrBackground = App.faceBrush;
+  main.lpszMenuName = "MainMenu";
+  main.lpszClassName = kMainWindowClass;
+  return RegisterClassA(&main) != 0 && RegisterToolbarClass(instance, App.barBrush);
+}
+
+HWND CreateMainWindow() {
+  App.mainWindow = CreateWindowA(kMainWindowClass, "Quernal", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
+                                 App.defaultWidth, App.defaultHeight, nullptr, nullptr, App.instance, nullptr);
+  if (!App.mainWindow) return nullptr;
+  CreateToolbar(App.mainWindow, App.defaultWidth);
+  CreateChildControls(App.mainWindow);
+  return App.mainWindow;
 }
 
 void CreateChildControls(HWND window) {

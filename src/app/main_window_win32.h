@@ -7,6 +7,11 @@ constexpr const char* kMainWindowClass = "QuernalApplication";
 constexpr int kVerticalScrollId = 703, kHorizontalScrollId = 704, kScrollCornerId = 705;
 
 LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+// Registers "QuernalApplication" and "QuernalBar"; false when either fails.
+bool RegisterMainWindowClasses(HINSTANCE instance);
+// The main window at the default size, with its toolbar strip and scroll
+// bars; none when it cannot be made.
+HWND CreateMainWindow();
 // The two scroll bars and the square between them.
 void CreateChildControls(HWND window);
 // Moves the window to where it was at the last exit, pulled onto this screen.

@@ -2,6 +2,7 @@
 // table entries, the icon. Plain #defines, as the resource compiler reads this
 // file too.
 #pragma once
+#include "base/manual_ids.h"
 #include "print/print_ids.h"
 
 #define IDI_QUERNAL 103

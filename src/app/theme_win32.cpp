@@ -75,7 +75,10 @@ void UnloadTheme() {
 
 HMODULE ThemeModule() { return g_theme.module; }
 
-int ToolbarHeight() { return g_theme.toolbarHeight(); }
+// Themes draw for 96 dots per inch; on a finer display the strip grows with
+// the menus and dialogs, and the theme draws its glyphs to the larger
+// buttons.
+int ToolbarHeight() { return ScaledForScreen(g_theme.toolbarHeight()); }
 
 void DrawToolbarBackground(HDC dc, const RECT& area) { g_theme.drawToolbar(dc, &area); }
 

@@ -81,20 +81,22 @@ LRESULT CALLBACK ButtonProc(HWND button, UINT message, WPARAM wParam, LPARAM lPa
   return CallWindowProcA(g_buttonProc, button, message, wParam, lParam);
 }
 
+// The buttons fill the strip's height, which follows the display's dots per
+// inch; so do the gaps between them.
 void CreateButtons(HWND bar) {
   RECT client;
   GetClientRect(bar, &client);
-  const int side = client.bottom - 2 * kMargin;
+  const int margin = ScaledForScreen(kMargin), side = client.bottom - 2 * margin;
   const HINSTANCE instance = reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(bar, GWLP_HINSTANCE));
-  int x = kMargin + 1;
+  int x = margin + 1;
   for (const auto& b : kButtons) {
-    if (b.groupStart) x += kGroupGap;
-    HWND button = CreateWindowA("BUTTON", "", WS_CHILD | WS_VISIBLE | BS_OWNERDRAW, x, kMargin, side, side, bar,
+    if (b.groupStart) x += ScaledForScreen(kGroupGap);
+    HWND button = CreateWindowA("BUTTON", "", WS_CHILD | WS_VISIBLE | BS_OWNERDRAW, x, margin, side, side, bar,
                                 reinterpret_cast<HMENU>(static_cast<INT_PTR>(b.command)), instance, nullptr);
     if (!button) continue;
     const LONG_PTR previous = SetWindowLongPtrA(button, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(ButtonProc));
     if (!g_buttonProc) g_buttonProc = reinterpret_cast<WNDPROC>(previous);
-    x += side + kSpacing;
+    x += side + ScaledForScreen(kSpacing);
   }
 }
 
@@ -155,6 +157,12 @@ HWND CreateToolbar(HWND parent, int width) {
   const HINSTANCE instance = reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(parent, GWLP_HINSTANCE));
   return CreateWindowA(kToolbarClass, "", WS_CHILD | WS_VISIBLE | WS_DLGFRAME, 0, 0, width, ToolbarHeight(), parent,
                        nullptr, instance, nullptr);
+}
+
+void FitToolbar(HWND parent, int width) {
+  HWND bar = FindWindowExA(parent, nullptr, kToolbarClass, nullptr);
+  RECT r;
+  if (bar && GetWindowRect(bar, &r)) MoveWindow(bar, 0, 0, width, r.bottom - r.top, TRUE);
 }
 
 int ToolbarBottom(HWND parent) {

@@ -14,6 +14,9 @@ bool RegisterToolbarClass(HINSTANCE instance, HBRUSH background);
 // The strip at the top left of `parent`, `width` wide and as high as the
 // theme's toolbar. The tooltip class must be registered too.
 HWND CreateToolbar(HWND parent, int width);
+// Stretches `parent`'s strip to `width`, as the window it tops follows its
+// window's width.
+void FitToolbar(HWND parent, int width);
 // The height `parent`'s toolbar strip takes from the top of its client
 // area; 0 without one.
 int ToolbarBottom(HWND parent);

@@ -22,7 +22,7 @@ void Paint(HWND window) {
   SetBkMode(dc, TRANSPARENT);
   SetTextColor(dc, GetSysColor(COLOR_INFOTEXT));
   InflateRect(&r, -kPadX, -kPadY);
-  DrawTextA(dc, text, -1, &r, DT_SINGLELINE | DT_NOPREFIX | DT_LEFT | DT_VCENTER);
+  DrawTextA(dc, text, -1, &r, DT_SINGLELINE | DT_NOPREFIX | DT_LEFT | DT_VCENTER | DT_NOCLIP);
   SelectObject(dc, oldFont);
   EndPaint(window, &ps);
 }
@@ -39,14 +39,19 @@ LRESULT CALLBACK TipProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam
   return DefWindowProcA(window, message, wParam, lParam);
 }
 
-SIZE TextSize(const std::string& text) {
-  HDC dc = GetDC(nullptr);
+// The room the text needs in the tip's own window. Drawn glyph by glyph, a
+// line can come out a few pixels wider than its measured extent (each
+// advance rounded on its own), so an average character more is kept free.
+SIZE TextSize(HWND tip, const std::string& text) {
+  HDC dc = GetDC(tip);
   HGDIOBJ old = SelectObject(dc, TipFont());
   RECT r{0, 0, 0, 0};
   DrawTextA(dc, text.c_str(), -1, &r, DT_SINGLELINE | DT_NOPREFIX | DT_CALCRECT);
+  TEXTMETRICA metrics{};
+  GetTextMetricsA(dc, &metrics);
   SelectObject(dc, old);
-  ReleaseDC(nullptr, dc);
-  return {r.right - r.left, r.bottom - r.top};
+  ReleaseDC(tip, dc);
+  return {r.right - r.left + metrics.tmAveCharWidth, r.bottom - r.top};
 }
 
 }  // namespace
@@ -70,7 +75,7 @@ void ShowTip(HWND owner, const std::string& text, POINT at) {
                             0, 0, 1, 1, owner, nullptr, g_instance, nullptr);
   if (!g_tip) return;
   SetWindowTextA(g_tip, text.c_str());
-  const SIZE size = TextSize(text);
+  const SIZE size = TextSize(g_tip, text);
   RECT frame{0, 0, size.cx + 2 * kPadX, size.cy + 2 * kPadY};
   AdjustWindowRectEx(&frame, WS_POPUP | WS_BORDER, FALSE, WS_EX_TOOLWINDOW);
   const int w = frame.right - frame.left, h = frame.bottom - frame.top;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/resource_ids.h"
 #include "base/text.h"
 
 namespace {
@@ -36,4 +37,24 @@ std::string WindowTitle(const std::string& productName, const std::string& label
 
 std::string DocumentLabel(const std::string& path, const std::string& pageName) {
   return std::string(FileNamePart(path.c_str())) + " \x96 " + pageName;
+}
+
+std::string FolderOfFile(const std::string& path) {
+  const size_t end = path.find_last_of("\\/:");
+  if (end == std::string::npos) return "";
+  std::string folder = path.substr(0, end + 1);
+  if (folder.back() != '\\' && folder.back() != '/') folder += '\\';
+  return folder;
+}
+
+std::string DialogStartFolder(const std::string& openPath, const std::string& programFolder,
+                              const std::string& documents) {
+  const bool unused = openPath.empty() || (openPath.size() == programFolder.size() &&
+                                           CompareNoCase(openPath.c_str(), programFolder.c_str(), openPath.size()) == 0);
+  return unused ? documents : openPath;
+}
+
+bool CommandActsOnPage(int command, int page) {
+  const bool monthOnly = command == IDM_EDIT_MONTH || command == IDM_REPLICATE || command == IDM_EVENTS;
+  return !monthOnly || (page >= 0 && page < 12);
 }

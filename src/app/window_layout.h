@@ -1,6 +1,7 @@
 // The arithmetic of the main window, apart from the windows themselves: its
 // default size, where it reopens, the page rectangle the view draws into,
-// and the title.
+// the title, the folder the file dialogs start in, and which commands the
+// page shown allows.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -30,3 +31,16 @@ std::string WindowTitle(const std::string& productName, const std::string& label
 // "Untitled.CLN – January": the file's name, an en dash (0x96 in Windows-1252)
 // and the page's name.
 std::string DocumentLabel(const std::string& path, const std::string& pageName);
+
+// The folder of `path` with its trailing backslash ("C:\\Cal\\" for
+// "C:\\Cal\\2027.CLN", "C:\\" for "C:x.CLN"); empty for a bare name.
+std::string FolderOfFile(const std::string& path);
+// Where the Open and Save dialogs start: the folder last used, or the user's
+// documents while that is still empty or the program's own folder (which a
+// standard user cannot write to). Folders compare without case.
+std::string DialogStartFolder(const std::string& openPath, const std::string& programFolder,
+                              const std::string& documents);
+
+// Edit month, Replicate and Events act on a month page only; every other
+// command acts on any page (0..11 months, 12 the year, 13 the cover).
+bool CommandActsOnPage(int command, int page);

@@ -3,5 +3,6 @@
 #include <windows.h>
 
 // Opens html\manual.htm in the program's folder at `anchor` ("DOCUMENTATION",
-// "EVENTS", ...). False when no browser would take it.
+// "EVENTS", ...). When the file is missing or no browser will take it, says
+// so in a message box that names the file, and returns false.
 bool OpenManual(HWND owner, const char* anchor);

@@ -16,3 +16,12 @@ std::string StringTableText(UINT id) {
 int ShowMessage(HWND owner, UINT id, UINT flags) {
   return MessageBoxA(owner, StringTableText(id).c_str(), "Message", flags);
 }
+
+int ScreenDpi() {
+  HDC screen = GetDC(nullptr);
+  const int dpi = GetDeviceCaps(screen, LOGPIXELSY);
+  ReleaseDC(nullptr, screen);
+  return dpi > 0 ? dpi : 96;
+}
+
+int ScaledForScreen(int pixels) { return MulDiv(pixels, ScreenDpi(), 96); }

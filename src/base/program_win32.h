@@ -11,3 +11,7 @@ std::string ProgramFolder();
 std::string StringTableText(UINT id);
 // A message box captioned "Message" with string-table text `id`.
 int ShowMessage(HWND owner, UINT id, UINT flags = MB_OK | MB_ICONINFORMATION);
+// The display's dots per inch (96 at 100 percent), and `pixels` designed at
+// 96 dpi scaled to it.
+int ScreenDpi();
+int ScaledForScreen(int pixels);

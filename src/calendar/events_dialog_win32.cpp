@@ -269,7 +269,13 @@ void RenameList(HWND dialog, EventsState* state) {
   if (!GetMonthPage(state->document, state->month, &page)) return (void)ShowMessage(dialog, IDS_PAGE_ACCESS_FAILED);
   std::memset(page.DaysName, 0, sizeof page.DaysName);
   name.copy(page.DaysName, sizeof page.DaysName - 1);
-  if (!PutMonthPage(state->document, state->month, &page)) return (void)ShowMessage(dialog, IDS_PAGE_ACCESS_FAILED);
+  // The record is back in the calendar under its new list name: the
+  // calendar has changed, as after any edit.
+  CalendarHeader header;
+  if (!PutMonthPage(state->document, state->month, &page) || !GetHeader(state->document, &header))
+    return (void)ShowMessage(dialog, IDS_PAGE_ACCESS_FAILED);
+  header.Changed = 1;
+  if (!PutHeader(state->document, &header)) ShowMessage(dialog, IDS_PAGE_ACCESS_FAILED);
   state->name = page.DaysName;
   RenewTitle(dialog, state);
 }

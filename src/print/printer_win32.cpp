@@ -101,12 +101,9 @@ int PrinterSetup(HWND window) {
   return made ? 1 : 0;
 }
 
-int PageRectForWindow(HWND window, RECT* rect) {
-  RECT client{};
-  GetClientRect(window, &client);
+int PageRectForWindow(int viewHeight, RECT* rect) {
   const bool printer = PrinterDC != nullptr;
-  const Rect page = PageRectForClient(client.bottom - client.top, printer,
-                                      printer ? GetDeviceCaps(PrinterDC, HORZRES) : 0,
+  const Rect page = PageRectForClient(viewHeight, printer, printer ? GetDeviceCaps(PrinterDC, HORZRES) : 0,
                                       printer ? GetDeviceCaps(PrinterDC, VERTRES) : 0);
   *rect = {page.left, page.top, page.right, page.bottom};
   return printer ? 1 : 0;

@@ -13,9 +13,11 @@ HDC CreateDefaultPrinterDC();
 // The printer-setup dialog. 1 when a new PrinterDC was made; Cancel returns
 // 0 silently, any other failure shows message 118.
 int PrinterSetup(HWND window);
-// The page on the screen at 100 percent. 1 when the PrinterDC shaped it,
-// 0 when it has the default 360 : 460 shape.
-int PageRectForWindow(HWND window, RECT* rect);
+// The page on the screen at 100 percent in a page view `viewHeight` pixels
+// high (the main window's client area less its toolbar strip and horizontal
+// scroll bar). 1 when the PrinterDC shaped it, 0 when it has the default
+// 360 : 460 shape.
+int PageRectForWindow(int viewHeight, RECT* rect);
 
 // Shared with the print jobs.
 // Makes the PrinterDC from the printer chosen in a print dialog, always in

@@ -119,6 +119,13 @@ void ChooseFile(HWND dialog, const std::string& path) {
   Press(dialog, IDOK);
 }
 
+int PageViewHeight(HWND mainWindow) {
+  RECT client, bar{0, 0, 0, 0};
+  GetClientRect(mainWindow, &client);
+  GetWindowRect(FindWindowExA(mainWindow, nullptr, "QuernalBar", nullptr), &bar);
+  return client.bottom - (bar.bottom - bar.top) - GetSystemMetrics(SM_CYHSCROLL);
+}
+
 std::vector<DWORD> ScreenPixels(int x, int y, int w, int h) {
   std::vector<DWORD> pixels(static_cast<size_t>(w) * h);
   HDC screen = GetDC(nullptr);
@@ -179,10 +186,19 @@ HWND Quernal::MainWindow() {
     if (!window_) Sleep(100);
   }
   // The zoom and page commands the window posts itself while it is made
-  // are done once the program waits for input. Wine reports the first idle
-  // moment only (a message box may have been it), so a little time more.
-  if (window_) WaitForInputIdle(pi_.hProcess, 20000), Sleep(300);
-  if (window_) Settle();
+  // come before a zoom posted now: once that one shows in the scroll bar,
+  // the page commands a test sends find the window settled.
+  if (window_) {
+    const auto range = [this] {
+      SCROLLINFO info{sizeof info, SIF_RANGE, 0, 0, 0, 0, 0};
+      GetScrollInfo(GetDlgItem(window_, 703), SB_CTL, &info);
+      return info.nMax;
+    };
+    const int before = range();
+    PostMessageA(window_, WM_COMMAND, 302, 0);
+    for (int i = 0; i < 300 && range() == before; ++i) Sleep(100);
+    Do(WM_COMMAND, 301);
+  }
   return window_;
 }
 

@@ -35,6 +35,10 @@ void SetCheck(HWND dialog, int id, bool checked);
 // Types a name into the file dialog and presses OK.
 void ChooseFile(HWND dialog, const std::string& path);
 
+// The height of the main window's page view: its client area below the
+// toolbar strip and above the horizontal scroll bar.
+int PageViewHeight(HWND mainWindow);
+
 // The screen's pixels in a rectangle, 0x00RRGGBB, row by row.
 std::vector<DWORD> ScreenPixels(int x, int y, int w, int h);
 // With QUERNAL_SHOT_DIR set (a Unix folder), `window` (or the whole screen)

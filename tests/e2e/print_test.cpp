@@ -126,15 +126,13 @@ int WhitePageWidthOnScreen(HWND window) {
   return widest;
 }
 
-// The page is 95 percent of the client area high, and as wide as a paper of
+// The page is 95 percent of the page view high, and as wide as a paper of
 // paperW : paperH makes it (the white inside, give or take its frame).
 void ExpectPageShape(const Quernal& quernal, HWND window, int paperW, int paperH) {
   RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
   quernal.Settle();
   Sleep(500);
-  RECT client;
-  GetClientRect(window, &client);
-  const int h = client.bottom * 95 / 100, w = h * paperW / paperH;
+  const int h = PageViewHeight(window) * 95 / 100, w = h * paperW / paperH;
   EXPECT_NEAR(WhitePageWidthOnScreen(window), w, 4) << "a page of " << paperW << " : " << paperH << ", " << h << " high";
 }
 

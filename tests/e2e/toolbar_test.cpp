@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -22,8 +23,9 @@ TEST(Toolbar, StripsTheTopOfTheMainWindowAndItsExitButtonCloses) {
   ClientToScreen(quernal.window(), &corner);
   EXPECT_EQ(r.left, corner.x);
   EXPECT_EQ(r.top, corner.y);
-  const int defaultHeight = GetSystemMetrics(SM_CYSCREEN) * 95 / 100;
-  EXPECT_EQ(r.right - r.left, defaultHeight * 360 / 460) << "as wide as the window's default width";
+  RECT client;
+  GetClientRect(quernal.window(), &client);
+  EXPECT_EQ(r.right - r.left, client.right) << "as wide as the window";
   std::vector<int> ids;
   for (HWND b = GetWindow(bar, GW_CHILD); b; b = GetWindow(b, GW_HWNDNEXT)) ids.push_back(GetDlgCtrlID(b));
   EXPECT_EQ(ids, (std::vector<int>{50, 51, 52, 53, 54, 55, 56}));
@@ -60,11 +62,73 @@ TEST(StartupScreen, StaysForItsTimeWithoutHoldingUpTheProgram) {
   Sleep(500);  // time to lift itself above the main window
   SaveShot("startup");
   // The main window answers while the screen is up.
-  SendMessageA(quernal.window(), WM_COMMAND, 323, 0);
-  EXPECT_NE(quernal.Title().find("Cover"), std::string::npos) << quernal.Title();
+  EXPECT_NE(SendMessageTimeoutA(quernal.window(), WM_NULL, 0, 0, SMTO_NORMAL, 2000, nullptr), 0);
   EXPECT_TRUE(IsWindowVisible(screen));
   for (int i = 0; i < 100 && IsWindow(screen); ++i) Sleep(100);
   EXPECT_FALSE(IsWindow(screen)) << "the start-up screen outstays its LogoDelay";
   quernal.Command(56);
   EXPECT_TRUE(quernal.Ended());
+}
+
+namespace {
+
+// The display's dots per inch for the programs started while it lives.
+class ScopedDpi {
+ public:
+  explicit ScopedDpi(DWORD dpi) { Set(dpi); }
+  ~ScopedDpi() { Set(96); }
+
+ private:
+  static void Set(DWORD dpi) {
+    HKEY key;
+    if (RegCreateKeyExA(HKEY_CURRENT_USER, "Control Panel\\Desktop", 0, nullptr, 0, KEY_SET_VALUE, nullptr, &key,
+                        nullptr) != ERROR_SUCCESS)
+      return;
+    RegSetValueExA(key, "LogPixels", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&dpi), sizeof dpi);
+    RegCloseKey(key);
+  }
+};
+
+// The width of what is drawn on a button: the columns holding a pixel of
+// neither the button's face nor its edges.
+int GlyphWidth(HWND button) {
+  RECT r;
+  GetWindowRect(button, &r);
+  const int w = r.right - r.left, h = r.bottom - r.top;
+  const std::vector<DWORD> pixels = ScreenPixels(r.left, r.top, w, h);
+  const DWORD face = pixels[(h / 2) * w + 4];  // inside the edge, left of the glyph
+  int first = w, last = -1;
+  for (int y = 4; y < h - 4; ++y)
+    for (int x = 4; x < w - 4; ++x)
+      if (pixels[y * w + x] != face) first = std::min(first, x), last = std::max(last, x);
+  return last - first + 1;
+}
+
+}  // namespace
+
+// At 144 dots per inch the strip, its buttons and their glyphs grow by half,
+// as the menus and dialogs do.
+TEST(Toolbar, GrowsWithTheDisplaysDotsPerInch) {
+  WriteSettings();
+  int glyph96 = 0, strip96 = 0;
+  for (DWORD dpi : {96u, 144u}) {
+    ScopedDpi scoped(dpi);
+    Quernal quernal;
+    ASSERT_NE(quernal.MainWindow(), nullptr);
+    HWND bar = FindWindowExA(quernal.window(), nullptr, "QuernalBar", nullptr);
+    ASSERT_NE(bar, nullptr);
+    RECT r;
+    GetWindowRect(bar, &r);
+    Sleep(300);  // painted
+    const int glyph = GlyphWidth(GetDlgItem(bar, 51));
+    if (dpi == 96) {
+      strip96 = r.bottom - r.top, glyph96 = glyph;
+      EXPECT_EQ(strip96, 35);
+    } else {
+      SaveShot("toolbar-144dpi");
+      EXPECT_EQ(r.bottom - r.top, MulDiv(35, 144, 96));
+      EXPECT_GE(glyph, glyph96 * 3 / 2 - 2) << "a glyph of " << glyph96 << " pixels at 96 dpi";
+    }
+    ASSERT_TRUE(quernal.Close());
+  }
 }

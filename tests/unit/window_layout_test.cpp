@@ -41,3 +41,18 @@ TEST(WindowLayout, TitleNamesTheFileAndPage) {
   EXPECT_EQ(WindowTitle("Quernal", DocumentLabel("Untitled.CLN", "January")), "Quernal [ Untitled.CLN \x96 January ]");
   EXPECT_EQ(DocumentLabel("C:\\Calendars\\Family 2027.CLN", "Cover"), "Family 2027.CLN \x96 Cover");
 }
+
+TEST(WindowLayout, FileDialogsStartInTheFolderLastUsedOrTheDocuments) {
+  const struct {
+    const char *path, *folder;
+  } folders[] = {{"C:\\Cal\\2027.CLN", "C:\\Cal\\"}, {"C:x.CLN", "C:\\"}, {"Z:/tmp/a.CLN", "Z:/tmp/"},
+                 {"bare.CLN", ""}, {"\\\\server\\share\\a.CLN", "\\\\server\\share\\"}};
+  for (const auto& f : folders) EXPECT_EQ(FolderOfFile(f.path), f.folder) << f.path;
+
+  const std::string program = "C:\\Program Files\\Quernal\\", documents = "C:\\users\\me\\Documents";
+  EXPECT_EQ(DialogStartFolder("", program, documents), documents);
+  EXPECT_EQ(DialogStartFolder("c:\\program files\\QUERNAL\\", program, documents), documents);
+  EXPECT_EQ(DialogStartFolder("C:\\Program Files\\Quernal\\Old\\", program, documents),
+            "C:\\Program Files\\Quernal\\Old\\");
+  EXPECT_EQ(DialogStartFolder("D:\\Cal\\", program, documents), "D:\\Cal\\");
+}

@@ -197,6 +197,9 @@ TEST_F(EventsDialogTest, ANewNameSavesTheListUnderThatName) {
   driver.Then("Edit [ Family ]", [](HWND dialog) { Press(dialog, IDOK); });
   EXPECT_TRUE(EditEvents(nullptr, doc_));
   EXPECT_TRUE(driver.Finished());
+  CalendarHeader header;
+  ASSERT_TRUE(GetHeader(doc_, &header));
+  EXPECT_EQ(header.Changed, 1) << "the renamed page went back into the calendar";
   EXPECT_STREQ(Page(6).DaysName, "Family");
   EXPECT_STREQ(Page(5).DaysName, "General");
   EXPECT_EQ(ReadFile(dir_.File("Family.CDF")), AsTextFile("Jul04 Fireworks\n"));

@@ -24,8 +24,9 @@ target_include_directories(quernal_win32_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}
 target_sources(quernal_win32_tests PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/theme_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/toolbar_test.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/ui_support_test.cpp)
-target_link_libraries(quernal_win32_tests PRIVATE quernal_app_ui)
+  ${CMAKE_CURRENT_LIST_DIR}/ui_support_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/main_window_test.cpp)
+target_link_libraries(quernal_win32_tests PRIVATE quernal_app_shell)
 # name, lacks ThemeDrawButton, what its ThemeLoad answers
 foreach(broken "Partial;1;1" "Refusing;0;0")
   list(GET broken 0 name)

@@ -50,6 +50,28 @@ std::string TextOf(HWND window) {
   return text;
 }
 
+// How wide `text` comes out in the tips' font: the columns from the left
+// edge to its last inked pixel, drawn on a wide white bitmap.
+int InkWidth(const char* text) {
+  HDC screen = GetDC(nullptr), dc = CreateCompatibleDC(screen);
+  const int w = 600, h = 40;
+  HBITMAP bitmap = CreateCompatibleBitmap(screen, w, h);
+  HGDIOBJ oldBitmap = SelectObject(dc, bitmap), oldFont = SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
+  RECT all{0, 0, w, h};
+  FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+  TextOutA(dc, 0, 0, text, lstrlenA(text));
+  int right = 0;
+  for (int x = 0; x < w; ++x)
+    for (int y = 0; y < h; ++y)
+      if ((GetPixel(dc, x, y) & 0xFFFFFF) != 0xFFFFFF) right = x + 1;
+  SelectObject(dc, oldFont);
+  SelectObject(dc, oldBitmap);
+  DeleteObject(bitmap);
+  DeleteDC(dc);
+  ReleaseDC(nullptr, screen);
+  return right;
+}
+
 class ToolbarTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -62,8 +84,9 @@ class ToolbarTest : public ::testing::Test {
     owner.lpszClassName = "QuernalToolbarTestOwner";
     RegisterClassA(&owner);
     HBRUSH face = GetSysColorBrush(COLOR_BTNFACE);
+    // The main window's tests may have registered it with their window.
     if (!classRegistered_) {
-      ASSERT_TRUE(RegisterToolbarClass(instance, face));
+      ASSERT_TRUE(RegisterToolbarClass(instance, face) || GetLastError() == ERROR_CLASS_ALREADY_EXISTS);
       classRegistered_ = true;
     }
     owner_ = CreateWindowA("QuernalToolbarTestOwner", "Toolbar owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 100, 100, 600,
@@ -187,6 +210,10 @@ TEST_F(ToolbarTest, EveryButtonHasItsOwnTip) {
     Hover(buttons[i]);
     Pump(3000, [] { return TipShowing(); });
     EXPECT_EQ(TextOf(TipWindow()), kTips[i]) << "button " << 50 + i;
+    // The whole line shows, as drawn glyph by glyph, with room to spare.
+    RECT tip;
+    GetClientRect(TipWindow(), &tip);
+    EXPECT_GE(tip.right, InkWidth(kTips[i]) + 8) << kTips[i];
   }
   // A click takes the tip away.
   SendMessageA(buttons[0], BM_CLICK, 0, 0);

@@ -1,0 +1,156 @@
+// The main window in the test's own process, driven as a user drives it:
+// its title, menu, toolbar strip, page view and file dialogs.
+#include <windows.h>
+#include <commdlg.h>
+#include <shlobj.h>
+
+#include <algorithm>
+#include <string>
+
+#include "app/app_state_win32.h"
+#include "app/main_window_win32.h"
+#include "app/resource_ids.h"
+#include "app/theme_win32.h"
+#include "app/tooltip_win32.h"
+#include "base/program_win32.h"
+#include "base/text.h"
+#include "calendar/calendar_model.h"
+#include "config/settings.h"
+#include "dialog_driver.h"
+#include "test_support.h"
+
+namespace {
+
+void Pump(int milliseconds) {
+  const DWORD start = GetTickCount();
+  while (GetTickCount() - start < static_cast<DWORD>(milliseconds)) {
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+    Sleep(10);
+  }
+}
+
+// The Explorer-style file dialog's folder, as it shows it.
+std::string FolderShown(HWND dialog) {
+  char folder[MAX_PATH] = "";
+  SendMessageA(dialog, CDM_GETFOLDERPATH, sizeof folder, reinterpret_cast<LPARAM>(folder));
+  return folder;
+}
+
+std::string WithoutTrailingSlash(std::string folder) {
+  while (folder.size() > 3 && folder.back() == '\\') folder.pop_back();
+  return folder;
+}
+
+class MainWindowTest : public QuernalTest {
+ protected:
+  void SetUp() override {
+    QuernalTest::SetUp();
+    App.instance = GetModuleHandleA(nullptr);
+    App.faceBrush = App.barBrush = GetSysColorBrush(COLOR_BTNFACE);
+    App.defaultWidth = 450, App.defaultHeight = 580;
+    App.path = "Untitled.CLN";
+    App.document = CreateCalendar(2026, 4);
+    ASSERT_NE(App.document, 0u);
+    LoadTheme("THEME_Standard.dll");
+    ASSERT_TRUE(RegisterTipClass(App.instance));
+    // The toolbar tests may have registered the strip's class already.
+    RegisterMainWindowClasses(App.instance);
+    ASSERT_NE(CreateMainWindow(), nullptr);
+    // As start-up leaves them on a first start.
+    CopyText(Settings.ApplicationPath, sizeof Settings.ApplicationPath, ProgramFolder().c_str());
+    CopyText(Settings.OpenPath, sizeof Settings.OpenPath, Settings.ApplicationPath);
+    ShowWindow(App.mainWindow, SW_SHOW);
+    UpdateTitle();
+    Pump(200);  // the zoom and page commands the window posts itself
+  }
+  void TearDown() override {
+    DestroyWindow(App.mainWindow);
+    // The window's end quits the program's loop: not this test program's.
+    MSG quit;
+    while (PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) {
+    }
+    FreeCalendar(App.document);
+    App.document = 0;
+    UnloadTheme();
+    QuernalTest::TearDown();
+  }
+  HWND window() const { return App.mainWindow; }
+  void Command(int id) const { SendMessageA(window(), WM_COMMAND, id, 0); }
+  std::string Title() const { return TextOf(window()); }
+  bool Greyed(int id) const { return (GetMenuState(GetMenu(window()), id, MF_BYCOMMAND) & MF_GRAYED) != 0; }
+};
+
+}  // namespace
+
+TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
+  const std::string title = Title();
+  EXPECT_EQ(title, "Quernal [ Untitled.CLN \x96 May ]");
+  const struct {
+    int command;
+    bool monthPage;
+  } pages[] = {{310, true}, {IDM_PAGE_YEAR, false}, {321, true}, {IDM_PAGE_COVER, false}, {314, true}};
+  for (const auto& page : pages) {
+    Command(page.command);
+    for (int id : {IDM_EDIT_MONTH, IDM_REPLICATE, IDM_EVENTS})
+      EXPECT_EQ(Greyed(id), !page.monthPage) << "command " << id << " on page " << page.command;
+    EXPECT_FALSE(Greyed(IDM_EDIT_YEAR));
+    EXPECT_EQ(Title(), title) << "the title names the document, not the page shown";
+  }
+  // A calendar opened on its cover comes in with the month commands greyed.
+  Command(IDM_PAGE_COVER);
+  Command(IDM_NEW);
+  EXPECT_FALSE(Greyed(IDM_EVENTS)) << "a new calendar opens on a month";
+}
+
+TEST_F(MainWindowTest, TheStripFollowsTheWindowAndThePageFitsItsView) {
+  for (const SIZE size : {SIZE{900, 700}, SIZE{400, 900}, SIZE{1200, 500}}) {
+    SetWindowPos(window(), nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER);
+    RECT client, bar;
+    GetClientRect(window(), &client);
+    GetWindowRect(FindWindowExA(window(), nullptr, "QuernalBar", nullptr), &bar);
+    EXPECT_EQ(bar.right - bar.left, client.right) << "the strip spans the window " << size.cx << " wide";
+    // At 100 percent the whole page shows: 95 percent of the view between
+    // the strip and the horizontal scroll bar.
+    const int view = client.bottom - (bar.bottom - bar.top) - GetSystemMetrics(SM_CYHSCROLL);
+    SCROLLINFO info{sizeof info, SIF_ALL, 0, 0, 0, 0, 0};
+    GetScrollInfo(GetDlgItem(window(), kVerticalScrollId), SB_CTL, &info);
+    EXPECT_EQ(info.nMax - 8, view * 95 / 100) << "window " << size.cx << " x " << size.cy;
+    EXPECT_LE(info.nMax - 8, static_cast<int>(info.nPage));
+  }
+}
+
+// Save as starts in the documents folder, not in the program's; the next
+// Open starts where the calendar was saved. Ctrl+0, as the menu says, opens.
+TEST_F(MainWindowTest, FileDialogsStartWhereTheLastOneEnded) {
+  char documents[MAX_PATH] = "";
+  ASSERT_TRUE(SUCCEEDED(SHGetFolderPathA(nullptr, CSIDL_PERSONAL, nullptr, SHGFP_TYPE_CURRENT, documents)));
+  const std::string saved = dir_.File("Kept.CLN");
+  std::string startedIn, openedIn;
+  DialogDriver driver;
+  driver.Then("Save As", [&](HWND dialog) {
+    startedIn = FolderShown(dialog);
+    HWND name = GetDlgItem(dialog, 0x480);        // the name field
+    if (!name) name = GetDlgItem(dialog, 0x47C);  // or the combo box holding it
+    SetWindowTextA(name, saved.c_str());
+    Press(dialog, IDOK);
+  });
+  Command(IDM_SAVE_AS);
+  ASSERT_TRUE(FileExists(saved));
+  EXPECT_EQ(WithoutTrailingSlash(startedIn), WithoutTrailingSlash(documents));
+  EXPECT_EQ(std::string(Settings.OpenPath), dir_.path() + "\\");
+
+  driver.Then("Open", [&](HWND dialog) {
+    openedIn = FolderShown(dialog);
+    Press(dialog, IDCANCEL);
+  });
+  BYTE keys[256], held[256];
+  GetKeyboardState(keys);
+  std::copy(keys, keys + 256, held);
+  held[VK_CONTROL] = 0x80;
+  SetKeyboardState(held);
+  SendMessageA(window(), WM_KEYDOWN, '0', 0);
+  SetKeyboardState(keys);
+  EXPECT_TRUE(driver.Finished()) << "Ctrl+0 opened no Open dialog";
+  EXPECT_EQ(WithoutTrailingSlash(openedIn), dir_.path());
+}
