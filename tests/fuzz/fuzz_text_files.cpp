@@ -1,8 +1,9 @@
 // The text files the program reads: the settings file (with its recent
-// files) and an events file, each taken from the same input.
+// files), an events file and a colour table, each taken from the same input.
 #include <cstring>
 
 #include "calendar/event_list.h"
+#include "colours/colour_table.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
 #include "fuzz_support.h"
@@ -32,5 +33,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (int day = 0; day < 31; ++day) FindEvent(text, sizeof text, list, month, day);
   if (list) GlobalBlockFree(list);
   CheckNoBlocksLeft();
+
+  // A colour table names only colours of 24 bits, by names without "=".
+  std::vector<NamedColour> table;
+  ReadColourTable(WriteInput("Fuzz.CCL", data, size), &table);
+  for (const NamedColour& c : table)
+    if (c.colour > 0xFFFFFF || c.name.empty() || c.name.find_first_of("=\n\r") != std::string::npos) __builtin_trap();
   return 0;
 }
