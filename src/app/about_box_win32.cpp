@@ -1,6 +1,6 @@
 #include "app/about_box_win32.h"
 
-#include "app/resource_ids.h"
+#include "res/main_ids.h"
 
 namespace {
 

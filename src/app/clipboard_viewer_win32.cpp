@@ -1,6 +1,6 @@
 #include "app/clipboard_viewer_win32.h"
 
-#include "app/resource_ids.h"
+#include "res/main_ids.h"
 
 namespace {
 HWND g_nextViewer = nullptr;

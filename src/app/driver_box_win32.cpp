@@ -1,6 +1,6 @@
 #include "app/driver_box_win32.h"
 
-#include "app/resource_ids.h"
+#include "res/main_ids.h"
 #include "config/settings.h"
 
 namespace {

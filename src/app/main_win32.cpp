@@ -7,7 +7,7 @@
 #include "app/main_window_win32.h"
 #include "app/paint_program_win32.h"
 #include "app/recent_files_win32.h"
-#include "app/resource_ids.h"
+#include "res/main_ids.h"
 #include "app/startup_screen_win32.h"
 #include "app/theme_win32.h"
 #include "app/toolbar_win32.h"

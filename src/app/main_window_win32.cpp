@@ -9,7 +9,7 @@
 #include "app/app_state_win32.h"
 #include "app/clipboard_viewer_win32.h"
 #include "app/recent_files_win32.h"
-#include "app/resource_ids.h"
+#include "res/main_ids.h"
 #include "app/toolbar_win32.h"
 #include "app/window_layout.h"
 #include "base/manual_win32.h"

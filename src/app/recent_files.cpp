@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "app/resource_ids.h"
+#include "res/main_ids.h"
 #include "base/text.h"
 
 bool IsDrivePath(const std::string& path) { return path.size() >= 3 && path[1] == ':' && path[2] == '\\'; }

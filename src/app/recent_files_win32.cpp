@@ -1,7 +1,7 @@
 #include "app/recent_files_win32.h"
 
 #include "app/recent_files.h"
-#include "app/resource_ids.h"
+#include "res/main_ids.h"
 #include "config/settings.h"
 
 namespace {

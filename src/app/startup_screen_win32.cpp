@@ -1,6 +1,6 @@
 #include "app/startup_screen_win32.h"
 
-#include "app/resource_ids.h"
+#include "res/main_ids.h"
 #include "base/program_win32.h"
 #include "config/settings_file.h"
 

@@ -1,6 +1,6 @@
 #include "app/toolbar_win32.h"
 
-#include "app/resource_ids.h"
+#include "res/main_ids.h"
 #include "base/program_win32.h"
 #include "app/theme_win32.h"
 #include "app/tooltip_win32.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "app/resource_ids.h"
+#include "res/main_ids.h"
 #include "base/text.h"
 
 namespace {

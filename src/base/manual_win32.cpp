@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/manual.h"
-#include "base/manual_ids.h"
+#include "res/string_ids.h"
 #include "base/program_win32.h"
 
 namespace {

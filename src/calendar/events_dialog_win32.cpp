@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/resource_ids.h"
+#include "res/calendar_dialog_ids.h"
 #include "base/manual_win32.h"
 #include "base/program_win32.h"
 #include "calendar/calendar_dates.h"

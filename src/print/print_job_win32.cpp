@@ -2,7 +2,7 @@
 
 #include "base/program_win32.h"
 #include "config/settings.h"
-#include "print/print_ids.h"
+#include "res/print_dialog_ids.h"
 #include "print/print_plan.h"
 #include "print/printer_win32.h"
 #include "print/status_box_win32.h"

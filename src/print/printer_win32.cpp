@@ -8,7 +8,7 @@
 
 #include "base/program_win32.h"
 #include "print/page_shape.h"
-#include "print/print_ids.h"
+#include "res/print_dialog_ids.h"
 
 HDC PrinterDC = nullptr;
 

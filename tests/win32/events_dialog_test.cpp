@@ -2,7 +2,7 @@
 // the files and records left behind.
 #include <cstring>
 
-#include "app/resource_ids.h"
+#include "res/calendar_dialog_ids.h"
 #include "calendar/event_list.h"
 #include "calendar/events_dialog_win32.h"
 #include "dialog_driver.h"

@@ -9,7 +9,7 @@
 
 #include "app/app_state_win32.h"
 #include "app/main_window_win32.h"
-#include "app/resource_ids.h"
+#include "res/main_ids.h"
 #include "app/theme_win32.h"
 #include "app/tooltip_win32.h"
 #include "base/program_win32.h"

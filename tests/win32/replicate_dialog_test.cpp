@@ -1,5 +1,5 @@
 // The Replicate dialog driven as a user drives it.
-#include "app/resource_ids.h"
+#include "res/calendar_dialog_ids.h"
 #include "calendar/replicate_dialog_win32.h"
 #include "dialog_driver.h"
 #include "test_support.h"

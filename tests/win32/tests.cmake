@@ -15,7 +15,7 @@ add_executable(quernal_win32_tests
   # resources.
   ${PROJECT_SOURCE_DIR}/res/Quernal.rc)
 set_source_files_properties(${PROJECT_SOURCE_DIR}/res/Quernal.rc PROPERTIES
-  INCLUDE_DIRECTORIES "${PROJECT_SOURCE_DIR}/src;${PROJECT_SOURCE_DIR}/res")
+  INCLUDE_DIRECTORIES "${PROJECT_SOURCE_DIR};${PROJECT_SOURCE_DIR}/src;${PROJECT_SOURCE_DIR}/res")
 target_link_libraries(quernal_win32_tests PRIVATE quernal_render quernal_print quernal_calendar ${gtest_main_target})
 target_include_directories(quernal_win32_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/../unit ${PROJECT_SOURCE_DIR}/src)
 

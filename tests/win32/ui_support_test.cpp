@@ -11,7 +11,7 @@
 #include "app/clipboard_viewer_win32.h"
 #include "app/driver_box_win32.h"
 #include "app/paint_program_win32.h"
-#include "app/resource_ids.h"
+#include "res/main_ids.h"
 #include "app/startup_screen_win32.h"
 #include "app/theme_win32.h"
 #include "base/manual_win32.h"
