@@ -26,8 +26,9 @@ target_sources(quernal_win32_tests PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/toolbar_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/ui_support_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/main_window_test.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/font_box_test.cpp)
-target_link_libraries(quernal_win32_tests PRIVATE quernal_app_shell quernal_editors_ui)
+  ${CMAKE_CURRENT_LIST_DIR}/font_box_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/picture_open_test.cpp)
+target_link_libraries(quernal_win32_tests PRIVATE quernal_app_shell quernal_editors_ui quernal_pictures_ui)
 # name, lacks ThemeDrawButton, what its ThemeLoad answers
 foreach(broken "Partial;1;1" "Refusing;0;0")
   list(GET broken 0 name)

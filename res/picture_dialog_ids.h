@@ -1,0 +1,9 @@
+// The numbers of picture_dialogs.rc: the part the program adds to the
+// system's open dialog when a picture is chosen (plain #defines: the
+// resource compiler reads this file too).
+#pragma once
+
+#define IDC_PICTURE_PLACEHOLDER 1119
+#define IDC_PICTURE_PREVIEW 1500
+#define IDC_PICTURE_SHOW_PREVIEW 1501
+#define IDC_PICTURE_FACTS 1502
