@@ -43,7 +43,6 @@ void ShowTipFor(HWND bar, int command) {
   RECT r;
   POINT cursor;
   if (!button || !GetWindowRect(button, &r) || !GetCursorPos(&cursor)) return;
-  const HINSTANCE instance = reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(bar, GWLP_HINSTANCE));
   ShowTip(GetAncestor(bar, GA_ROOT), StringTableText(TipFor(command)), {cursor.x, r.bottom + 4});
 }
 

@@ -15,7 +15,8 @@ add_executable(quernal_win32_tests
   # resources.
   ${PROJECT_SOURCE_DIR}/res/Quernal.rc)
 set_source_files_properties(${PROJECT_SOURCE_DIR}/res/Quernal.rc PROPERTIES
-  INCLUDE_DIRECTORIES "${PROJECT_SOURCE_DIR};${PROJECT_SOURCE_DIR}/src;${PROJECT_SOURCE_DIR}/res")
+  INCLUDE_DIRECTORIES "${PROJECT_SOURCE_DIR};${PROJECT_SOURCE_DIR}/src;${PROJECT_SOURCE_DIR}/res"
+    OBJECT_DEPENDS "${quernal_resource_parts}")
 target_link_libraries(quernal_win32_tests PRIVATE quernal_render quernal_print quernal_calendar ${gtest_main_target})
 target_include_directories(quernal_win32_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/../unit ${PROJECT_SOURCE_DIR}/src)
 
@@ -27,8 +28,10 @@ target_sources(quernal_win32_tests PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/ui_support_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/main_window_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/font_box_test.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/picture_open_test.cpp)
-target_link_libraries(quernal_win32_tests PRIVATE quernal_app_shell quernal_editors_ui quernal_pictures_ui)
+  ${CMAKE_CURRENT_LIST_DIR}/picture_open_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/colour_dialog_test.cpp)
+target_link_libraries(quernal_win32_tests PRIVATE quernal_app_shell quernal_editors_ui quernal_pictures_ui
+  quernal_colours_ui)
 # name, lacks ThemeDrawButton, what its ThemeLoad answers
 foreach(broken "Partial;1;1" "Refusing;0;0")
   list(GET broken 0 name)
