@@ -168,7 +168,11 @@ TEST_F(ToolbarTest, TheStripHoldsSevenButtonsThatPostTheirCommandsToItsOwner) {
   EXPECT_EQ(GetFocus(), owner_) << "the keyboard stays with the owner";
 }
 
-TEST_F(ToolbarTest, AMouseRestingOnAButtonShowsItsTipUntilItLeaves) {
+TEST_F(ToolbarTest, AMouseRestingOnAButtonShowsItsWholeTipUntilItLeaves) {
+  const char* const kTips[7] = {"Loads a calendar from disk",  "Saves the current calendar to disk",
+                                "Edits year",                  "Edits current page",
+                                "Displays the manual document", "Allows Quernal's options to be configured",
+                                "Exits Quernal"};
   const std::vector<HWND> buttons = Buttons();
   ASSERT_EQ(buttons.size(), 7u);
   Hover(buttons[3]);
@@ -177,45 +181,29 @@ TEST_F(ToolbarTest, AMouseRestingOnAButtonShowsItsTipUntilItLeaves) {
   Pump(3000, TipShowing);
   ASSERT_TRUE(TipShowing());
   EXPECT_EQ(ClassOf(TipWindow()), "QuernalTip");
-  EXPECT_EQ(TextOf(TipWindow()), "Edits current page");
   RECT tip, button;
   GetWindowRect(TipWindow(), &tip);
   GetWindowRect(buttons[3], &button);
   EXPECT_GE(tip.top, button.bottom) << "the tip covers its button";
-  EXPECT_GT(tip.right - tip.left, 60) << "the tip is too narrow for its text";
 
-  // Moving on to another button while a tip shows brings its tip at once.
-  Hover(buttons[5]);
-  Pump(50);
-  EXPECT_EQ(TextOf(TipWindow()), "Allows Quernal's options to be configured");
-  Hover(buttons[6]);
-  Pump(50);
-  EXPECT_EQ(TextOf(TipWindow()), "Exits Quernal");
+  // Moving on to another button while a tip shows brings its tip at once,
+  // the whole line of it, as drawn glyph by glyph, with room to spare.
+  for (int i = 0; i < 7; ++i) {
+    Hover(buttons[i]);
+    Pump(50);
+    EXPECT_EQ(TextOf(TipWindow()), kTips[i]) << "button " << 50 + i;
+    GetClientRect(TipWindow(), &tip);
+    EXPECT_GE(tip.right, InkWidth(kTips[i]) + 8) << kTips[i];
+  }
 
   SendMessageA(buttons[6], WM_MOUSELEAVE, 0, 0);
   EXPECT_FALSE(TipShowing());
   // Gone for good: no timer brings it back.
   Pump(1000);
   EXPECT_FALSE(TipShowing());
-}
-
-TEST_F(ToolbarTest, EveryButtonHasItsOwnTip) {
-  const char* const kTips[7] = {"Loads a calendar from disk",  "Saves the current calendar to disk",
-                                "Edits year",                  "Edits current page",
-                                "Displays the manual document", "Allows Quernal's options to be configured",
-                                "Exits Quernal"};
-  const std::vector<HWND> buttons = Buttons();
-  ASSERT_EQ(buttons.size(), 7u);
-  for (int i = 0; i < 7; ++i) {
-    Hover(buttons[i]);
-    Pump(3000, [] { return TipShowing(); });
-    EXPECT_EQ(TextOf(TipWindow()), kTips[i]) << "button " << 50 + i;
-    // The whole line shows, as drawn glyph by glyph, with room to spare.
-    RECT tip;
-    GetClientRect(TipWindow(), &tip);
-    EXPECT_GE(tip.right, InkWidth(kTips[i]) + 8) << kTips[i];
-  }
-  // A click takes the tip away.
+  // A click takes a tip away.
+  Hover(buttons[0]);
+  Pump(3000, TipShowing);
   SendMessageA(buttons[0], BM_CLICK, 0, 0);
   EXPECT_FALSE(TipShowing());
 }
