@@ -1,5 +1,6 @@
 // Colour-table files: the lines that name colours, and writing a table back.
 #include "colours/colour_table.h"
+#include "editors/colour_caption.h"
 #include "test_support.h"
 
 TEST(ColourTable, LinesNameColoursOrAreSkipped) {
@@ -51,4 +52,17 @@ TEST(ColourTable, ATableReadsInFileOrderAndWritesBackWithoutItsBackup) {
   // A list that could not be counted leaves no file, and no backup to restore.
   EXPECT_FALSE(WriteColourTable(path, nullptr));
   EXPECT_FALSE(FileExists(path));
+}
+
+TEST(ColourCaption, WhiteOnDarkColoursBlackOnLightOnes) {
+  const struct {
+    uint32_t colour;
+    bool white;
+    const char* value;
+  } cases[] = {{0x000000, true, "0,0,0"},        {0xFFFFFF, false, "255,255,255"}, {0x808080, true, "128,128,128"},
+               {0x828282, false, "130,130,130"}, {0x0000FF, true, "255,0,0"},      {0x00FF00, false, "0,255,0"}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(CaptionIsWhite(c.colour), c.white) << c.value;
+    EXPECT_EQ(ColourValueText(c.colour), c.value);
+  }
 }
