@@ -30,7 +30,9 @@ target_sources(quernal_win32_tests PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/font_box_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/picture_open_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/colour_dialog_test.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/editor_controls_test.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/editor_controls_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/property_page_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/test_pages.rc)
 target_link_libraries(quernal_win32_tests PRIVATE quernal_app_shell quernal_editors_ui quernal_pictures_ui
   quernal_colours_ui)
 # name, lacks ThemeDrawButton, what its ThemeLoad answers
