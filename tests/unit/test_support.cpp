@@ -1,5 +1,9 @@
 #include "test_support.h"
 
+#include <zlib.h>
+
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +13,7 @@
 #include "base/dib.h"
 #include "base/text.h"
 #include "calendar/calendar_dates.h"
+#include "calendar/calendar_file.h"
 #include "config/settings.h"
 
 namespace fs = std::filesystem;
@@ -83,4 +88,72 @@ std::vector<uint8_t> BlockBytes(BlockHandle block) {
   BlockLock lock(block);
   if (!lock) return {};
   return std::vector<uint8_t>(lock.bytes(), lock.bytes() + GlobalBlockSize(block));
+}
+
+std::string BlankPictureStream(int32_t width, int32_t height, uint32_t* dataSize) {
+  BitmapInfoHeader h{};
+  h.biSize = sizeof h;
+  h.biWidth = width;
+  h.biHeight = height;
+  h.biPlanes = 1;
+  h.biBitCount = 24;
+  *dataSize = static_cast<uint32_t>(DibTotalSize(h));
+  h.biSizeImage = *dataSize - static_cast<uint32_t>(sizeof h);
+  // Streamed, so a picture of hundreds of megabytes never sits in memory.
+  z_stream z{};
+  deflateInit(&z, 9);
+  std::string out;
+  std::vector<unsigned char> zeros(1 << 20), buffer(1 << 16);
+  uint64_t left = *dataSize;
+  bool headerDone = false;
+  for (int flush = Z_NO_FLUSH; flush != Z_FINISH;) {
+    if (!headerDone) {
+      z.next_in = reinterpret_cast<Bytef*>(&h);
+      z.avail_in = sizeof h;
+      left -= sizeof h;
+      headerDone = true;
+    } else {
+      z.next_in = zeros.data();
+      z.avail_in = static_cast<uInt>(std::min<uint64_t>(left, zeros.size()));
+      left -= z.avail_in;
+    }
+    if (left == 0) flush = Z_FINISH;
+    do {
+      z.next_out = buffer.data();
+      z.avail_out = static_cast<uInt>(buffer.size());
+      deflate(&z, flush);
+      out.append(reinterpret_cast<char*>(buffer.data()), buffer.size() - z.avail_out);
+    } while (z.avail_out == 0);
+  }
+  deflateEnd(&z);
+  return out;
+}
+
+std::string CalendarFileWithPictures(int count, const std::string& stream, uint32_t dataSize) {
+  TempDir dir;
+  const std::string path = dir.File("plain.CLN");
+  CalendarDocument doc = CreateCalendar(2026, 0);
+  SilentProgress progress;
+  SaveCalendar(&progress, path.c_str(), doc);
+  FreeCalendar(doc);
+  const std::string plain = ReadFile(path);
+  auto withStream = [&](size_t at, size_t size, uint32_t pictureField, uint32_t dataSizeField) {
+    std::string record = plain.substr(at, size);
+    const uint32_t one = 1, length = static_cast<uint32_t>(size + stream.size());
+    std::memcpy(&record[4], &length, 4);
+    std::memcpy(&record[pictureField], &one, 4);
+    std::memcpy(&record[dataSizeField], &dataSize, 4);
+    return record + stream;
+  };
+  // The cover first, then the months in order.
+  std::string bytes = count > 0 ? withStream(0, kHeaderSize, offsetof(CalendarHeader, CoverPicture),
+                                             offsetof(CalendarHeader, CoverPictureDataSize))
+                                : plain.substr(0, kHeaderSize);
+  for (int month = 0; month < 12; ++month) {
+    const size_t at = kHeaderSize + month * kMonthPageSize;
+    bytes += month + 1 < count ? withStream(at, kMonthPageSize, offsetof(MonthPage, Picture),
+                                            offsetof(MonthPage, PictureDataSize))
+                               : plain.substr(at, kMonthPageSize);
+  }
+  return bytes;
 }
