@@ -237,18 +237,13 @@ bool InflateStream(std::FILE* file, uint32_t length, uint32_t* produced, Room ro
 
 int SaveCalendar(FileProgress* progress, const char* path, CalendarDocument document) {
   progress->Begin(Caption("Saving", path).c_str());
-  std::string temporary = std::string(path) + ".saving";
-  std::FILE* f = std::fopen(temporary.c_str(), "wb");
-  if (!f) {
-    progress->End();
-    return 0;
+  ReplacingFile out(path, false);
+  bool ok = out.file() != nullptr;
+  if (ok) {
+    static char buffer[1 << 16];
+    std::setvbuf(out.file(), buffer, _IOFBF, sizeof buffer);
+    ok = WriteCalendar(out.file(), document, progress) && out.Commit();
   }
-  static char buffer[1 << 16];
-  std::setvbuf(f, buffer, _IOFBF, sizeof buffer);
-  bool ok = WriteCalendar(f, document, progress);
-  ok = (std::fclose(f) == 0) && ok;
-  ok = ok && ReplaceFileWith(temporary.c_str(), path);
-  if (!ok) std::remove(temporary.c_str());
   progress->End();
   return ok ? 1 : 0;
 }

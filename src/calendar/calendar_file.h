@@ -24,8 +24,8 @@ constexpr uint32_t kMaxPictureBytes = 512u << 20;
 constexpr uint32_t kMaxDocumentPictureBytes = 3u << 29;  // 1.5 GiB
 
 // Writes `document` to `path` at the ImageCompression level. The file is
-// written beside the target under another name and moved over it only when
-// complete, so on failure (0) the previous file is untouched.
+// written beside the target under a name of its own and replaces it only when
+// complete and on the disk, so on failure (0) the previous file is untouched.
 int SaveCalendar(FileProgress* progress, const char* path, CalendarDocument document);
 // Why a load gave no calendar: the file could not be read (or the user said
 // No to a damaged record), or memory ran out. Running out of memory is never

@@ -106,24 +106,10 @@ std::string FormatEventLine(const EventEntry& entry) {
 
 bool WriteEventList(const char* name, const std::vector<EventEntry>& entries) {
   if (!IsPlainListName(name)) return false;
-  std::string path = EventFilePath(name);
-  std::string backup = JoinPath(Settings.ApplicationPath, std::string(name) + ".BAK");
-  std::string temporary = path + ".new";
-  std::FILE* f = std::fopen(temporary.c_str(), "wt");
-  if (!f) return false;
-  bool ok = true;
-  for (const EventEntry& entry : entries) ok = ok && std::fputs(FormatEventLine(entry).c_str(), f) >= 0;
-  ok = (std::fclose(f) == 0) && ok;
-  if (!ok) {
-    std::remove(temporary.c_str());
-    return false;
-  }
-  std::remove(backup.c_str());
-  std::rename(path.c_str(), backup.c_str());  // a list saved for the first time has no file yet
-  if (!ReplaceFileWith(temporary.c_str(), path.c_str())) {
-    std::rename(backup.c_str(), path.c_str());
-    std::remove(temporary.c_str());
-    return false;
-  }
-  return true;
+  const std::string backup = JoinPath(Settings.ApplicationPath, std::string(name) + ".BAK");
+  ReplacingFile out(EventFilePath(name), true);
+  bool ok = out.file() != nullptr;
+  for (const EventEntry& entry : entries) ok = ok && std::fputs(FormatEventLine(entry).c_str(), out.file()) >= 0;
+  // The previous list becomes the one backup only when the new one is complete.
+  return ok && out.Commit(backup.c_str());
 }

@@ -47,8 +47,8 @@ std::string FormatEventLine(const EventEntry& entry);
 
 // Writes list `name`: the previous ".BAK" is deleted, the current file becomes
 // the new ".BAK", and the entries are written in order. The new file is
-// written in full before anything is renamed, so a failed write leaves both
-// old files as they were. False on failure, and for a name that is not a
+// written in full and flushed before anything is renamed, so a failed write
+// leaves both old files as they were. False on failure, and for a name that is not a
 // plain list name (nothing is written then).
 bool WriteEventList(const char* name, const std::vector<EventEntry>& entries);
 
