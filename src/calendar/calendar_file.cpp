@@ -165,12 +165,15 @@ bool ReadCalendar(std::FILE* f, CalendarDocument document, FileProgress* progres
     TerminateTexts(&page);
     page.Events = LoadEventList(page.DaysName);
     if (page.Picture) {
+      BlockHandle picture;  // not the packed record's field: it may sit unaligned
+      page.Picture = 0;
       if (!LoadPicture(f, static_cast<int64_t>(recordLength) - kMonthPageSize, page.PictureDataSize, progress,
-                       &budget, failure, &page.Picture)) {
+                       &budget, failure, &picture)) {
         FreeMonthPage(&page);
         return false;
       }
-      page.PictureShowPicture = page.Picture ? 1 : 0;
+      page.Picture = picture;
+      page.PictureShowPicture = picture ? 1 : 0;
     }
     page.RecordSize = kMonthPageSize;
     if (!ReplaceMonthPage(document, month, &page)) {

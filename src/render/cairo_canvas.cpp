@@ -259,7 +259,9 @@ void CairoCanvas::Layout(const std::string& text, int32_t width, uint32_t format
   pango_layout_set_font_description(layout_, d);
   pango_font_description_free(d);
   const bool wrap = (format & kDtWordBreak) && !(format & kDtSingleLine);
-  pango_layout_set_width(layout_, wrap && width > 0 ? width * PANGO_SCALE : -1);
+  // Pango takes the width in 1/1024 pixel; wider than 2^21 pixels is as wide.
+  const int32_t wrapWidth = std::min(width, INT32_MAX / PANGO_SCALE);
+  pango_layout_set_width(layout_, wrap && width > 0 ? wrapWidth * PANGO_SCALE : -1);
   pango_layout_set_wrap(layout_, PANGO_WRAP_WORD);
   pango_layout_set_alignment(layout_, (format & kDtCenter)  ? PANGO_ALIGN_CENTER
                                       : (format & kDtRight) ? PANGO_ALIGN_RIGHT

@@ -36,7 +36,7 @@ MonthLayout Layout(const Rect& page, const MonthPage& p) {
   l.daysBandH = l.rowH - l.headBandH;
   l.radius = Percent(l.colW, p.DateRound) / 2;
   l.interior = Percent(l.daysBandH, p.HeadInteriorPadding);
-  l.exterior = Percent(l.daysBandH, std::max(p.HeadExteriorPadding, p.DateRound));
+  l.exterior = Percent(l.daysBandH, std::max(int32_t{p.HeadExteriorPadding}, int32_t{p.DateRound}));
   const Length insets = 2 * (l.interior + l.exterior);
   l.headFontH = l.headBandH - insets;
   l.daysFontH = l.daysBandH - insets;

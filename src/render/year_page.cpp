@@ -28,7 +28,7 @@ YearLayout Layout(const Rect& page, const CalendarHeader& h) {
   l.boxW = Width(half) / 3;
   l.boxH = (Height(half) - (2 * l.gutter + l.titleH)) / 2;
   l.outer = Percent(l.boxH, h.YagExteriorPadding);
-  l.innerInset = Percent(l.boxH, std::max(h.YagInteriorPadding, h.YagRound));
+  l.innerInset = Percent(l.boxH, std::max(int32_t{h.YagInteriorPadding}, int32_t{h.YagRound}));
   l.radius = Percent(l.boxW, h.YagRound);  // not halved, unlike the month pages
   l.smallFontH = (l.boxH - 2 * (l.outer + l.innerInset)) / 8;
   return l;

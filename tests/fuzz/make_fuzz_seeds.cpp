@@ -44,6 +44,37 @@ void SaveSeed(const std::string& path, bool cover, std::initializer_list<int> mo
   FreeCalendar(doc);
 }
 
+// A calendar whose every number in every record is `value`: what a damaged
+// or hostile file holds, for the renderer.
+void SaveExtremeSeed(const std::string& path, uint32_t value) {
+  CalendarDocument doc = CreateCalendar(2026, 0);
+  auto fill = [value](void* record, size_t size) {
+    for (size_t at = 8; at + 4 <= size; at += 4) std::memcpy(static_cast<uint8_t*>(record) + at, &value, 4);
+  };
+  CalendarHeader h;
+  GetHeader(doc, &h);
+  fill(&h, sizeof h);
+  h.UseCurrentYear = 0;
+  h.CoverPicture = SmallPicture(6, 5, 24);
+  h.CoverPictureShowPicture = 1;
+  PutHeader(doc, &h);
+  for (int m = 0; m < 12; ++m) {
+    MonthPage p;
+    GetMonthPage(doc, m, &p);
+    FreeMonthPage(&p);
+    p.Magic = kPageMagic;
+    p.RecordSize = kMonthPageSize;
+    fill(&p, sizeof p);
+    p.Picture = SmallPicture(5, 4, 8);
+    p.Events = 0;
+    p.PictureShowPicture = 1;
+    PutMonthPage(doc, m, &p);
+  }
+  SilentProgress progress;
+  SaveCalendar(&progress, path.c_str(), doc);
+  FreeCalendar(doc);
+}
+
 void WriteText(const std::string& path, const char* text) {
   std::FILE* f = std::fopen(path.c_str(), "wb");
   std::fputs(text, f);
@@ -173,12 +204,16 @@ int main(int argc, char** argv) {
   }
   std::string root = argv[1];
   for (const char* sub :
-       {"", "/calendar-seeds", "/calendar-work", "/text-seeds", "/text-work", "/image-seeds", "/image-work"})
+       {"", "/calendar-seeds", "/calendar-work", "/text-seeds", "/text-work", "/image-seeds", "/image-work",
+        "/render-seeds", "/render-work"})
     mkdir((root + sub).c_str(), 0777);
   Settings.ImageCompression = 1;
   SaveSeed(root + "/calendar-seeds/plain.CLN", false, {});
   SaveSeed(root + "/calendar-seeds/pictures.CLN", true, {0, 11});
   SaveSeed(root + "/calendar-seeds/march.CLN", false, {2});
+  SaveSeed(root + "/render-seeds/pictures.CLN", true, {0, 5, 11});
+  for (uint32_t value : {0x80000000u, 0x7FFFFFFFu, 0xFFFFFFFFu, 100000u})
+    SaveExtremeSeed(root + "/render-seeds/extreme-" + std::to_string(value) + ".CLN", value);
 
   std::FILE* f = std::fopen((root + "/text-seeds/QUERNL.INI").c_str(), "wb");
   WriteSettings(f, {"C:\\My Calendars\\2026.CLN", "D:\\old.CLN"}, std::time(nullptr));
