@@ -157,3 +157,40 @@ std::string CalendarFileWithPictures(int count, const std::string& stream, uint3
   }
   return bytes;
 }
+
+// Every 32-bit word of the record's body set to `value`, then the few fields
+// that make it a record put back; texts keep whatever the words made of them.
+namespace {
+template <class Record>
+void Fill(Record* record, uint32_t value) {
+  uint8_t* bytes = reinterpret_cast<uint8_t*>(record);
+  for (size_t at = 8; at + 4 <= sizeof *record; at += 4) std::memcpy(bytes + at, &value, 4);
+}
+}  // namespace
+
+CalendarDocument HostileCalendar(uint32_t value, int32_t year) {
+  CalendarDocument doc = CreateCalendar(2026, 0);
+  CalendarHeader h;
+  GetHeader(doc, &h);
+  Fill(&h, value);
+  h.Year = year;
+  h.UseCurrentYear = 0;
+  h.CurrentPage = 0;
+  h.CoverPicture = MakePatternDib(40, 30, 24, 1);
+  h.CoverPictureShowPicture = 1;
+  PutHeader(doc, &h);
+  for (int month = 0; month < 12; ++month) {
+    MonthPage p;
+    GetMonthPage(doc, month, &p);
+    FreeMonthPage(&p);
+    p.Magic = kPageMagic;
+    p.RecordSize = kMonthPageSize;
+    Fill(&p, value);
+    p.Picture = MakePatternDib(40, 30, 8, month);
+    p.Events = 0;
+    p.PictureShowPicture = p.PictureDropShadow = 1;
+    PutMonthPage(doc, month, &p);
+  }
+  return doc;
+}
+
