@@ -193,6 +193,14 @@ void WriteImageSeeds(const std::string& folder) {
   WriteBytes(folder + "/palette.png", Png(5, 4, 4, 3, 3, palette));
   WriteBytes(folder + "/grey.png", Png(9, 3, 2, 0, 3, ""));
   WriteBytes(folder + "/rgba.png", Png(3, 3, 8, 6, 12, ""));
+
+  // Large headers over a few bytes of data: 6,000 x 4,000 pixels claimed.
+  std::string bigPng = Png(3, 3, 8, 6, 12, "");
+  bigPng.replace(16, 8, Be32(6000) + Be32(4000));
+  WriteBytes(folder + "/big-header.png", bigPng);
+  std::string bmp = "BM" + Le16(0) + Le16(0) + Le16(0) + Le16(0) + Le16(54) + Le16(0);
+  bmp += Le16(40) + Le16(0) + Le16(6000) + Le16(0) + Le16(4000) + Le16(0) + Le16(1) + Le16(24);
+  WriteBytes(folder + "/big-header.bmp", bmp + std::string(24, '\0') + std::string(64, '\x55'));
 }
 
 }  // namespace
@@ -220,6 +228,11 @@ int main(int argc, char** argv) {
   std::fclose(f);
   WriteText(root + "/text-seeds/abbreviated.INI", "Month = Xyz\nCap=1\nDateFontSize=   =  42pt\n\n=x\n");
   WriteText(root + "/text-seeds/General.CDF", "; holidays\nJAN01 New Year\n  jan05 indented\nDEC25 Christmas\r\nFEB29 Leap\n");
+  // Lines longer than either reader takes at once, in a file of tens of kilobytes.
+  std::string longLines = "[Quernal]\nCoverTitle = " + std::string(1500, 'T') + "\n";
+  for (int i = 0; i < 200; ++i)
+    longLines += "JAN" + std::to_string(10 + i % 20) + " " + std::string(60 + i % 300, 'e') + "\n";
+  WriteText(root + "/text-seeds/long.CDF", longLines.c_str());
   WriteImageSeeds(root + "/image-seeds");
   return 0;
 }
