@@ -44,37 +44,6 @@ void SaveSeed(const std::string& path, bool cover, std::initializer_list<int> mo
   FreeCalendar(doc);
 }
 
-// A calendar whose every number in every record is `value`: what a damaged
-// or hostile file holds, for the renderer.
-void SaveExtremeSeed(const std::string& path, uint32_t value) {
-  CalendarDocument doc = CreateCalendar(2026, 0);
-  auto fill = [value](void* record, size_t size) {
-    for (size_t at = 8; at + 4 <= size; at += 4) std::memcpy(static_cast<uint8_t*>(record) + at, &value, 4);
-  };
-  CalendarHeader h;
-  GetHeader(doc, &h);
-  fill(&h, sizeof h);
-  h.UseCurrentYear = 0;
-  h.CoverPicture = SmallPicture(6, 5, 24);
-  h.CoverPictureShowPicture = 1;
-  PutHeader(doc, &h);
-  for (int m = 0; m < 12; ++m) {
-    MonthPage p;
-    GetMonthPage(doc, m, &p);
-    FreeMonthPage(&p);
-    p.Magic = kPageMagic;
-    p.RecordSize = kMonthPageSize;
-    fill(&p, sizeof p);
-    p.Picture = SmallPicture(5, 4, 8);
-    p.Events = 0;
-    p.PictureShowPicture = 1;
-    PutMonthPage(doc, m, &p);
-  }
-  SilentProgress progress;
-  SaveCalendar(&progress, path.c_str(), doc);
-  FreeCalendar(doc);
-}
-
 void WriteText(const std::string& path, const char* text) {
   std::FILE* f = std::fopen(path.c_str(), "wb");
   std::fputs(text, f);
@@ -149,6 +118,31 @@ std::string Tga(int mapType, int imageType, int mapLength, int depth, int descri
   s += Le16(0) + Le16(mapLength) + std::string(1, mapLength ? 24 : 0) + std::string(4, '\0');
   s += Le16(4) + Le16(3) + std::string{static_cast<char>(depth), static_cast<char>(descriptor)};
   return s + rest;
+}
+
+// A calendar with a picture on every page whose every other number is
+// `value`: what a damaged or hostile file holds, for the renderer.
+void SaveExtremeSeed(const std::string& path, uint32_t value) {
+  SaveSeed(path, true, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11});
+  std::FILE* f = std::fopen(path.c_str(), "rb");
+  std::string bytes;
+  for (int c; (c = std::fgetc(f)) != EOF;) bytes += static_cast<char>(c);
+  std::fclose(f);
+  for (size_t at = 0, next; at + kHeaderSize <= bytes.size(); at = next) {
+    char* record = &bytes[at];
+    const bool cover = at == 0;
+    uint32_t length;
+    std::memcpy(&length, record + 4, 4);
+    next = at + length;
+    // Past magic and size; the picture's flags and size stay as they were.
+    const size_t kept[] = {cover ? offsetof(CalendarHeader, CoverPicture) : offsetof(MonthPage, Picture),
+                           cover ? offsetof(CalendarHeader, CoverPictureDataSize) : offsetof(MonthPage, PictureDataSize),
+                           cover ? offsetof(CalendarHeader, CoverPictureShowPicture) : offsetof(MonthPage, PictureShowPicture)};
+    const std::string original(record, cover ? kHeaderSize : kMonthPageSize);
+    for (size_t word = 8; word + 4 <= original.size(); word += 4) std::memcpy(record + word, &value, 4);
+    for (size_t field : kept) std::memcpy(record + field, original.data() + field, 4);
+  }
+  WriteBytes(path, bytes);
 }
 
 void WriteImageSeeds(const std::string& folder) {
