@@ -49,10 +49,14 @@ std::FILE* CreateBeside(const std::string& target, bool, std::string* temporary)
   if (fd < 0) return nullptr;
   struct stat old;
   const bool exists = stat(target.c_str(), &old) == 0;
+  // Where the owner or the permissions cannot be given (only root may give
+  // a file away; some file systems keep no permissions), the file stays ours
+  // and private, which is the safe side.
   if (exists && fchown(fd, old.st_uid, old.st_gid) != 0) {
-    // Only the owner or root may give a file away; the file stays ours then.
   }
-  std::FILE* file = fchmod(fd, exists ? old.st_mode & 07777 : NewFileMode()) == 0 ? fdopen(fd, "wb") : nullptr;
+  if (fchmod(fd, exists ? old.st_mode & 07777 : NewFileMode()) != 0) {
+  }
+  std::FILE* file = fdopen(fd, "wb");
   if (!file) {
     close(fd);
     unlink(pattern.c_str());
