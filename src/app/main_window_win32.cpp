@@ -235,9 +235,10 @@ void OpenCalendar(HWND window) {
     return;
   }
   WindowProgress progress(window);
-  CalendarDocument document = LoadCalendar(&progress, path.c_str());
+  LoadFailure failure;
+  CalendarDocument document = LoadCalendar(&progress, path.c_str(), &failure);
   if (!document) {
-    ShowMessage(window, IDS_READ_FAILED);
+    ShowMessage(window, failure == LoadFailure::kOutOfMemory ? IDS_MEMORY_FAILED : IDS_READ_FAILED);
     return;
   }
   Adopt(window, document, path);

@@ -87,23 +87,43 @@ bool WriteCalendar(std::FILE* f, CalendarDocument document, FileProgress* progre
   return true;
 }
 
+// What reading one picture stream gave.
+enum class PictureRead { kPicture, kDamaged, kOutOfMemory };
+
 // Reads one picture stream of `compressed` bytes that should inflate to a
-// usable Dib; 0 when it does not.
-BlockHandle ReadPicture(std::FILE* f, int64_t compressed, uint32_t dataSize) {
-  if (compressed <= 0 || compressed > UINT32_MAX) return 0;
+// usable Dib of at most `budget` bytes (what the document may still hold).
+PictureRead ReadPicture(std::FILE* f, int64_t compressed, uint32_t dataSize, uint32_t budget, BlockHandle* picture) {
+  *picture = 0;
+  if (compressed <= 0 || compressed > UINT32_MAX) return PictureRead::kDamaged;
   uint32_t length = static_cast<uint32_t>(compressed);
+  const uint32_t limit = std::min(kMaxPictureBytes, budget);
+  bool outOfMemory = false;
   BlockHandle block;
   if (dataSize) {
-    if (dataSize > kMaxPictureBytes || dataSize > length * kMaxInflateRatio + 64) return 0;
-    block = InflateBlockFromFile(f, &length, dataSize);
+    if (dataSize > limit || dataSize > length * kMaxInflateRatio + 64) return PictureRead::kDamaged;
+    block = InflateBlockFromFile(f, &length, dataSize, &outOfMemory);
   } else {
-    block = InflateBlockFromFileGrowing(f, &length);
+    block = InflateBlockFromFileGrowing(f, &length, limit, &outOfMemory);
   }
+  if (outOfMemory) return PictureRead::kOutOfMemory;
   if (block && !DibBlockIsValid(block)) {
     GlobalBlockFree(block);
     block = 0;
   }
-  return block;
+  *picture = block;
+  return block ? PictureRead::kPicture : PictureRead::kDamaged;
+}
+
+// Reads a picture for the loader: a damaged stream asks the question (Yes
+// goes on without it), running out of memory fails the load at once.
+bool LoadPicture(std::FILE* f, int64_t compressed, uint32_t dataSize, FileProgress* progress, uint32_t* budget,
+                 LoadFailure* failure, BlockHandle* picture) {
+  switch (ReadPicture(f, compressed, dataSize, *budget, picture)) {
+    case PictureRead::kPicture: *budget -= GlobalBlockSize(*picture); return true;
+    case PictureRead::kOutOfMemory: *failure = LoadFailure::kOutOfMemory; return false;
+    case PictureRead::kDamaged: break;
+  }
+  return progress->AskYesNo(kDamagedRecordQuestion);
 }
 
 // Replaces the document's month record, freeing the blocks the record held.
@@ -114,15 +134,17 @@ bool ReplaceMonthPage(CalendarDocument document, int month, const MonthPage* pag
   return PutMonthPage(document, month, page);
 }
 
-bool ReadCalendar(std::FILE* f, CalendarDocument document, FileProgress* progress) {
+bool ReadCalendar(std::FILE* f, CalendarDocument document, FileProgress* progress, LoadFailure* failure) {
   CalendarHeader header;
   if (!ReadAll(f, &header, sizeof header) || header.Magic != kHeaderMagic) return false;
   const uint32_t headerLength = header.RecordSize;
+  uint32_t budget = kMaxDocumentPictureBytes;
   progress->Advance(1, 12);
   if (header.CoverPicture) {
-    BlockHandle cover =
-        ReadPicture(f, static_cast<int64_t>(headerLength) - kHeaderSize, header.CoverPictureDataSize);
-    if (!cover && !progress->AskYesNo(kDamagedRecordQuestion)) return false;
+    BlockHandle cover;
+    if (!LoadPicture(f, static_cast<int64_t>(headerLength) - kHeaderSize, header.CoverPictureDataSize, progress,
+                     &budget, failure, &cover))
+      return false;
     header.CoverPicture = cover;
     header.CoverPictureShowPicture = cover ? 1 : 0;
   }
@@ -143,12 +165,15 @@ bool ReadCalendar(std::FILE* f, CalendarDocument document, FileProgress* progres
     TerminateTexts(&page);
     page.Events = LoadEventList(page.DaysName);
     if (page.Picture) {
-      page.Picture = ReadPicture(f, static_cast<int64_t>(recordLength) - kMonthPageSize, page.PictureDataSize);
-      if (!page.Picture && !progress->AskYesNo(kDamagedRecordQuestion)) {
+      BlockHandle picture;  // not the packed record's field: it may sit unaligned
+      page.Picture = 0;
+      if (!LoadPicture(f, static_cast<int64_t>(recordLength) - kMonthPageSize, page.PictureDataSize, progress,
+                       &budget, failure, &picture)) {
         FreeMonthPage(&page);
         return false;
       }
-      page.PictureShowPicture = page.Picture ? 1 : 0;
+      page.Picture = picture;
+      page.PictureShowPicture = picture ? 1 : 0;
     }
     page.RecordSize = kMonthPageSize;
     if (!ReplaceMonthPage(document, month, &page)) {
@@ -215,35 +240,34 @@ bool InflateStream(std::FILE* file, uint32_t length, uint32_t* produced, Room ro
 
 int SaveCalendar(FileProgress* progress, const char* path, CalendarDocument document) {
   progress->Begin(Caption("Saving", path).c_str());
-  std::string temporary = std::string(path) + ".saving";
-  std::FILE* f = std::fopen(temporary.c_str(), "wb");
-  if (!f) {
-    progress->End();
-    return 0;
+  ReplacingFile out(path, false);
+  bool ok = out.file() != nullptr;
+  if (ok) {
+    static char buffer[1 << 16];
+    std::setvbuf(out.file(), buffer, _IOFBF, sizeof buffer);
+    ok = WriteCalendar(out.file(), document, progress) && out.Commit();
   }
-  static char buffer[1 << 16];
-  std::setvbuf(f, buffer, _IOFBF, sizeof buffer);
-  bool ok = WriteCalendar(f, document, progress);
-  ok = (std::fclose(f) == 0) && ok;
-  ok = ok && ReplaceFileWith(temporary.c_str(), path);
-  if (!ok) std::remove(temporary.c_str());
   progress->End();
   return ok ? 1 : 0;
 }
 
-CalendarDocument LoadCalendar(FileProgress* progress, const char* path) {
+CalendarDocument LoadCalendar(FileProgress* progress, const char* path, LoadFailure* failure) {
+  LoadFailure why = LoadFailure::kNone;
   CalendarDate today = Today();
   progress->Begin(Caption("Opening", path).c_str());
   CalendarDocument document = CreateCalendar(today.year, today.month - 1);
+  if (!document) why = LoadFailure::kOutOfMemory;
   std::FILE* f = document ? std::fopen(path, "rb") : nullptr;
   static char buffer[1 << 16];
   if (f) std::setvbuf(f, buffer, _IOFBF, sizeof buffer);
-  bool ok = f && ReadCalendar(f, document, progress);
+  bool ok = f && ReadCalendar(f, document, progress, &why);
   if (f) std::fclose(f);
   if (!ok && document) {
     FreeCalendar(document);
     document = 0;
   }
+  if (!ok && why == LoadFailure::kNone) why = LoadFailure::kUnreadable;
+  if (failure) *failure = why;
   progress->End();
   return document;
 }
@@ -273,10 +297,13 @@ bool CompressBlockToFile(std::FILE* file, BlockHandle block, uint32_t* inOutSize
   return ok;
 }
 
-BlockHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t expectedSize) {
+BlockHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t expectedSize, bool* outOfMemory) {
   if (expectedSize == 0 || expectedSize > kMaxPictureBytes) return 0;
   BlockHandle block = GlobalBlockAlloc(expectedSize);
-  if (!block) return 0;
+  if (!block) {
+    if (outOfMemory) *outOfMemory = true;
+    return 0;
+  }
   uint8_t* data = static_cast<uint8_t*>(GlobalBlockLock(block));
   // Output goes straight into the block; once it is full, one spare byte
   // catches a stream that would write past the stated size.
@@ -307,7 +334,7 @@ BlockHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t 
   return block;
 }
 
-BlockHandle InflateBlockFromFileGrowing(std::FILE* file, uint32_t* inOutSize) {
+BlockHandle InflateBlockFromFileGrowing(std::FILE* file, uint32_t* inOutSize, uint32_t limit, bool* outOfMemory) {
   BlockHandle block = 0;
   uint32_t size = 0;
   unsigned char out[kChunk];
@@ -319,8 +346,11 @@ BlockHandle InflateBlockFromFileGrowing(std::FILE* file, uint32_t* inOutSize) {
   // The block is made at the first output and grows with each one.
   auto took = [&](uInt produced) {
     if (produced == 0) return true;
-    if (static_cast<uint64_t>(size) + produced > kMaxPictureBytes) return false;
-    if (!block ? !(block = GlobalBlockAlloc(produced)) : !GlobalBlockReAlloc(block, size + produced)) return false;
+    if (static_cast<uint64_t>(size) + produced > std::min(limit, kMaxPictureBytes)) return false;
+    if (!block ? !(block = GlobalBlockAlloc(produced)) : !GlobalBlockReAlloc(block, size + produced)) {
+      if (outOfMemory) *outOfMemory = true;
+      return false;
+    }
     BlockLock lock(block);
     std::memcpy(lock.bytes() + size, out, produced);
     size += produced;

@@ -13,18 +13,27 @@ constexpr const char* kDamagedRecordQuestion =
 constexpr const char* kSaveFailedMessage =
     "There has been an error writing this file. Please check the available space on the destination drive.";
 constexpr const char* kLoadFailedMessage = "There has been an error reading this file. It might be corrupted.";
+constexpr const char* kMemoryFailedMessage = "There has been an error allocating memory.";
 
 // The largest picture block a calendar file may hold. Real photographs are far
 // below it; a stream claiming more is treated as a damaged record.
 constexpr uint32_t kMaxPictureBytes = 512u << 20;
+// The most all pictures of one calendar may hold together (the 32-bit program
+// could not hold more anyway). Pictures past it are damaged records, so a
+// small file of well-made huge pictures cannot demand many gigabytes.
+constexpr uint32_t kMaxDocumentPictureBytes = 3u << 29;  // 1.5 GiB
 
 // Writes `document` to `path` at the ImageCompression level. The file is
-// written beside the target under another name and moved over it only when
-// complete, so on failure (0) the previous file is untouched.
+// written beside the target under a name of its own and replaces it only when
+// complete and on the disk, so on failure (0) the previous file is untouched.
 int SaveCalendar(FileProgress* progress, const char* path, CalendarDocument document);
-// Reads a calendar; 0 when the file cannot be read. Event lists are loaded
-// from the program's folder.
-CalendarDocument LoadCalendar(FileProgress* progress, const char* path);
+// Why a load gave no calendar: the file could not be read (or the user said
+// No to a damaged record), or memory ran out. Running out of memory is never
+// taken for damage: the load stops without asking, so nothing is dropped.
+enum class LoadFailure { kNone, kUnreadable, kOutOfMemory };
+// Reads a calendar; 0 when the file cannot be read, with the reason in
+// `failure` when given. Event lists are loaded from the program's folder.
+CalendarDocument LoadCalendar(FileProgress* progress, const char* path, LoadFailure* failure = nullptr);
 
 // Compresses the first *inOutSize bytes of `block` into `file` as one zlib
 // stream; *inOutSize receives the number of bytes written.
@@ -32,8 +41,11 @@ bool CompressBlockToFile(std::FILE* file, BlockHandle block, uint32_t* inOutSize
 // Inflates one zlib stream of *inOutSize compressed bytes from `file` into a
 // new block of exactly `expectedSize` bytes; *inOutSize receives the bytes
 // produced. 0 when the stream is damaged or cut short, or would write past
-// `expectedSize` (a shorter stream leaves the rest of the block zero).
-BlockHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t expectedSize);
+// `expectedSize` (a shorter stream leaves the rest of the block zero). When the
+// block cannot be allocated, `outOfMemory` (if given) is set.
+BlockHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t expectedSize,
+                                 bool* outOfMemory = nullptr);
 // The same when the size is not known; the block grows with the output, up to
-// kMaxPictureBytes.
-BlockHandle InflateBlockFromFileGrowing(std::FILE* file, uint32_t* inOutSize);
+// `limit` bytes (more is a damaged stream).
+BlockHandle InflateBlockFromFileGrowing(std::FILE* file, uint32_t* inOutSize, uint32_t limit = kMaxPictureBytes,
+                                        bool* outOfMemory = nullptr);

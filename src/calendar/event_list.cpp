@@ -19,13 +19,42 @@ std::string MonthCode(int month) {
   // the program has always written them.
   return std::string(3 - code.size(), '0') + code;
 }
+
+// The size of an open file, or -1.
+long FileSize(std::FILE* f) {
+  if (std::fseek(f, 0, SEEK_END) != 0) return -1;
+  const long size = std::ftell(f);
+  return std::fseek(f, 0, SEEK_SET) == 0 ? size : -1;
+}
 }  // namespace
 
 std::string EventFilePath(const char* name) { return JoinPath(Settings.ApplicationPath, std::string(name) + ".CDF"); }
 
+bool IsPlainListName(const char* name) {
+  const std::string text = name;
+  if (text.empty() || text.back() == '.' || text.back() == ' ') return false;  // also "." and ".."
+  for (unsigned char c : text)
+    if (c < 32 || std::strchr("\\/:*?\"<>|", c)) return false;
+  // Windows opens a device for these names whatever extension follows.
+  static const char* const kDevices[] = {"CON", "PRN", "AUX", "NUL"};
+  std::string stem = text.substr(0, text.find('.'));
+  stem.erase(stem.find_last_not_of(' ') + 1);  // "CON .x" is the device too
+  for (const char* device : kDevices)
+    if (stem.size() == 3 && CompareNoCase(stem.c_str(), device, 3) == 0) return false;
+  // COM and LPT take a digit, superscript 1, 2 and 3 included.
+  const bool numbered = stem.size() == 4 && std::strchr("123456789\xB9\xB2\xB3", stem[3]);
+  return !(numbered && (CompareNoCase(stem.c_str(), "COM", 3) == 0 || CompareNoCase(stem.c_str(), "LPT", 3) == 0));
+}
+
 BlockHandle LoadEventList(const char* name) {
+  if (!IsPlainListName(name)) return 0;
   std::FILE* f = std::fopen(EventFilePath(name).c_str(), "rt");
   if (!f) return 0;
+  const long size = FileSize(f);
+  if (size < 0 || size > kMaxEventFileBytes) {
+    std::fclose(f);
+    return 0;
+  }
   BlockHandle list = GlobalBlockAlloc(kEmptyListSize);
   uint32_t used = 0;  // bytes of the lines stored so far, NULs included
   char line[kEventLineSize];
@@ -37,7 +66,9 @@ BlockHandle LoadEventList(const char* name) {
     // The stored line starts at the line's first character, leading blanks kept.
     uint32_t length = static_cast<uint32_t>(reinterpret_cast<const char*>(p) - line);
     uint32_t need = used + length + 2;  // the line's NUL and the closing empty line
-    if (need > GlobalBlockSize(list) && !GlobalBlockReAlloc(list, need)) {
+    // A file that grew past the cap while it was read is refused too.
+    const bool tooLong = need > kMaxEventFileBytes + kEmptyListSize;
+    if (tooLong || (need > GlobalBlockSize(list) && !GlobalBlockReAlloc(list, need))) {
       GlobalBlockFree(list);
       list = 0;
       break;
@@ -74,24 +105,11 @@ std::string FormatEventLine(const EventEntry& entry) {
 }
 
 bool WriteEventList(const char* name, const std::vector<EventEntry>& entries) {
-  std::string path = EventFilePath(name);
-  std::string backup = JoinPath(Settings.ApplicationPath, std::string(name) + ".BAK");
-  std::string temporary = path + ".new";
-  std::FILE* f = std::fopen(temporary.c_str(), "wt");
-  if (!f) return false;
-  bool ok = true;
-  for (const EventEntry& entry : entries) ok = ok && std::fputs(FormatEventLine(entry).c_str(), f) >= 0;
-  ok = (std::fclose(f) == 0) && ok;
-  if (!ok) {
-    std::remove(temporary.c_str());
-    return false;
-  }
-  std::remove(backup.c_str());
-  std::rename(path.c_str(), backup.c_str());  // a list saved for the first time has no file yet
-  if (!ReplaceFileWith(temporary.c_str(), path.c_str())) {
-    std::rename(backup.c_str(), path.c_str());
-    std::remove(temporary.c_str());
-    return false;
-  }
-  return true;
+  if (!IsPlainListName(name)) return false;
+  const std::string backup = JoinPath(Settings.ApplicationPath, std::string(name) + ".BAK");
+  ReplacingFile out(EventFilePath(name), true);
+  bool ok = out.file() != nullptr;
+  for (const EventEntry& entry : entries) ok = ok && std::fputs(FormatEventLine(entry).c_str(), out.file()) >= 0;
+  // The previous list becomes the one backup only when the new one is complete.
+  return ok && out.Commit(backup.c_str());
 }

@@ -11,8 +11,20 @@
 // The events file of list `name`: ApplicationPath, name, ".CDF".
 std::string EventFilePath(const char* name);
 
+// The largest events file loaded. A real list is a few kilobytes; a larger
+// file loads no list (it is read once for every month page that names it).
+constexpr long kMaxEventFileBytes = 1 << 20;
+
+// True for a name that is a plain file name in the program's folder. A list
+// name comes from calendar files, so it is refused when it could reach
+// anywhere else or a device: empty, separators or a drive, "." or "..",
+// characters Windows refuses, a trailing dot or blank, or a reserved device
+// name (CON, PRN, AUX, NUL, COM1-9, LPT1-9) before its first dot.
+bool IsPlainListName(const char* name);
+
 // Loads the list into a block of consecutive NUL-terminated lines ended by an
-// empty one; 0 when the file cannot be opened or memory runs out. A file
+// empty one; 0 when the name is not a plain list name, the file cannot be
+// opened or is larger than kMaxEventFileBytes, or memory runs out. A file
 // without event lines gives a valid, empty list.
 BlockHandle LoadEventList(const char* name);
 
@@ -35,8 +47,9 @@ std::string FormatEventLine(const EventEntry& entry);
 
 // Writes list `name`: the previous ".BAK" is deleted, the current file becomes
 // the new ".BAK", and the entries are written in order. The new file is
-// written in full before anything is renamed, so a failed write leaves both
-// old files as they were. False on failure.
+// written in full and flushed before anything is renamed, so a failed write
+// leaves both old files as they were. False on failure, and for a name that is not a
+// plain list name (nothing is written then).
 bool WriteEventList(const char* name, const std::vector<EventEntry>& entries);
 
 #include "calendar/event_list_inl.h"

@@ -106,14 +106,8 @@ bool RunEventEditor(HWND owner, const char* templateName, int year, EventEntry* 
 
 // ---- The list name editor (NEWEVENTNAMEBOX) ----
 
-// The name becomes a file name in the program's folder: no folder parts, no
-// characters Windows refuses, no trailing dot or blank.
-bool IsListName(const std::string& name) {
-  if (name.empty() || name.back() == '.' || name.back() == ' ') return false;
-  for (unsigned char c : name)
-    if (c < 32 || std::strchr("\\/:*?\"<>|", c)) return false;
-  return true;
-}
+// The name becomes a file name in the program's folder.
+bool IsListName(const std::string& name) { return IsPlainListName(name.c_str()); }
 
 INT_PTR CALLBACK ListNameProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* name = reinterpret_cast<std::string*>(GetWindowLongPtrA(dialog, DWLP_USER));

@@ -24,7 +24,8 @@ const char kUsage[] =
     "              --format png|pdf|svg|ops -o OUT\n";
 
 // Loading without anybody to ask: a damaged picture is dropped, as if the
-// question had been answered Yes, and said on stderr.
+// question had been answered Yes, and said on stderr. Running out of memory
+// never asks; the load fails instead.
 class CliProgress : public FileProgress {
  public:
   explicit CliProgress(const std::string& path) : path_(path) {}
@@ -93,8 +94,11 @@ void SetApplicationPath(const Arguments& args) {
 
 CalendarDocument Load(const std::string& path) {
   CliProgress progress(path);
-  CalendarDocument document = LoadCalendar(&progress, path.c_str());
-  if (!document) std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), kLoadFailedMessage);
+  LoadFailure failure;
+  CalendarDocument document = LoadCalendar(&progress, path.c_str(), &failure);
+  if (!document)
+    std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(),
+                 failure == LoadFailure::kOutOfMemory ? kMemoryFailedMessage : kLoadFailedMessage);
   return document;
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "base/replace_file.h"
 #include "base/text.h"
 #include "config/settings.h"
 
@@ -125,8 +126,9 @@ void WriteSettings(std::FILE* out, const std::vector<std::string>& recentFiles, 
 void SaveSettings(const std::vector<std::string>& recentFiles) {
   const char* path = ConfigFile(kSettingsFileName);
   if (!*path) return;
-  std::FILE* f = std::fopen(path, "wt");
-  if (!f) return;
-  WriteSettings(f, recentFiles, std::time(nullptr));
-  std::fclose(f);
+  // A write that fails half-way keeps the previous settings.
+  ReplacingFile out(path, true);
+  if (!out.file()) return;
+  WriteSettings(out.file(), recentFiles, std::time(nullptr));
+  if (!std::ferror(out.file())) out.Commit();
 }

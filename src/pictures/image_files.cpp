@@ -111,13 +111,7 @@ bool WriteBmpFile(const char* path, BlockHandle dib) {
   PutBmpFileHeader(fileHeader, kBmpFileHeaderSize + blockSize,
                    kBmpFileHeaderSize + DibBitsOffset(*lock.as<BitmapInfoHeader>()));
 
-  // A temporary file beside the target replaces it only once complete.
-  std::string temporary = std::string(path) + ".saving";
-  std::FILE* f = std::fopen(temporary.c_str(), "wb");
-  if (!f) return false;
-  bool ok = WriteAll(f, fileHeader, sizeof fileHeader) && WriteAll(f, lock.bytes(), blockSize);
-  ok = std::fclose(f) == 0 && ok;
-  ok = ok && ReplaceFileWith(temporary.c_str(), path);
-  if (!ok) std::remove(temporary.c_str());
-  return ok;
+  ReplacingFile out(path, false);
+  return out.file() && WriteAll(out.file(), fileHeader, sizeof fileHeader) &&
+         WriteAll(out.file(), lock.bytes(), blockSize) && out.Commit();
 }

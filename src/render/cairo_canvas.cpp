@@ -15,6 +15,17 @@ namespace {
 
 constexpr int32_t kDefaultFontHeight = 16;  // what a font of height 0 or less gets
 
+// Cairo keeps coordinates in 24.8 fixed point, so anything beyond +-2^23
+// would wrap around. Shapes are cut to this range first: far beyond any
+// surface, so what lands on the surface stays the same.
+constexpr double kCairoLimit = 1 << 22;
+double Safe(double v) { return std::clamp(v, -kCairoLimit, kCairoLimit); }
+// The rectangle x, y, w, h cut to the safe range.
+void SafeRectangle(cairo_t* cr, double x, double y, double w, double h) {
+  const double left = Safe(x), top = Safe(y);
+  cairo_rectangle(cr, left, top, Safe(x + w) - left, Safe(y + h) - top);
+}
+
 Rect Normalized(Rect r) {
   if (r.left > r.right) std::swap(r.left, r.right);
   if (r.top > r.bottom) std::swap(r.top, r.bottom);
@@ -84,34 +95,41 @@ cairo_surface_t* DibToSurface(const uint8_t* dib) {
   return surface;
 }
 
-// The Dib shrunk to width x height by averaging every source pixel into the
-// output pixel it falls in: a photograph shrunk to a page keeps its detail
-// smooth, in one pass over the source.
-cairo_surface_t* ShrinkDib(const uint8_t* dib, int width, int height) {
+// The part `part` (in output pixels) of the Dib shrunk to width x height, by
+// averaging every source pixel into the output pixel it falls in: a
+// photograph shrunk to a page keeps its detail smooth, in one pass over the
+// source rows that part needs.
+cairo_surface_t* ShrinkDib(const uint8_t* dib, int width, int height, const Rect& part) {
   const BitmapInfoHeader& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
   const int sourceW = h.biWidth, sourceH = std::abs(h.biHeight);
-  cairo_surface_t* surface = NewImage(width, height);
+  const int partW = Width(part), partH = Height(part);
+  cairo_surface_t* surface = NewImage(partW, partH);
   if (!surface) return nullptr;
   cairo_surface_flush(surface);
-  std::vector<int> columnOf(sourceW);
-  std::vector<uint32_t> count(width, 0);
-  for (int x = 0; x < sourceW; ++x) ++count[columnOf[x] = static_cast<int>(int64_t(x) * width / sourceW)];
-  std::vector<uint32_t> row(sourceW), sums(size_t(width) * 3);
-  int y = 0;
-  for (int out = 0; out < height; ++out) {
+  std::vector<int> columnOf(sourceW);  // the part's column, or -1 outside it
+  std::vector<uint32_t> count(partW, 0);
+  for (int x = 0; x < sourceW; ++x) {
+    const int column = static_cast<int>(int64_t(x) * width / sourceW) - part.left;
+    columnOf[x] = column >= 0 && column < partW ? column : -1;
+    if (columnOf[x] >= 0) ++count[column];
+  }
+  std::vector<uint32_t> row(sourceW), sums(size_t(partW) * 3);
+  int y = static_cast<int>(int64_t(part.top) * sourceH / height);
+  for (int out = part.top; out < part.bottom; ++out) {
     std::fill(sums.begin(), sums.end(), 0);
     const int end = static_cast<int>(int64_t(out + 1) * sourceH / height);
     const int rows = end - y;
     for (; y < end; ++y) {
       DibRowToPixels(dib, y, row.data());
       for (int x = 0; x < sourceW; ++x) {
+        if (columnOf[x] < 0) continue;
         uint32_t* s = &sums[size_t(columnOf[x]) * 3];
         s[0] += row[x] >> 16 & 255, s[1] += row[x] >> 8 & 255, s[2] += row[x] & 255;
       }
     }
-    uint32_t* pixel =
-        reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(surface) + out * cairo_image_surface_get_stride(surface));
-    for (int x = 0; x < width; ++x) {
+    uint32_t* pixel = reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(surface) +
+                                                  (out - part.top) * cairo_image_surface_get_stride(surface));
+    for (int x = 0; x < partW; ++x) {
       const uint32_t n = count[x] * rows, *s = &sums[size_t(x) * 3];
       pixel[x] = n ? (s[0] + n / 2) / n << 16 | (s[1] + n / 2) / n << 8 | (s[2] + n / 2) / n : 0;
     }
@@ -146,7 +164,7 @@ void CairoCanvas::SetColour(Colour c) { cairo_set_source_rgb(cr_, RedOf(c) / 255
 void CairoCanvas::FillRect(const Rect& r, Colour colour) {
   if (Width(r) <= 0 || Height(r) <= 0) return;
   SetColour(colour);
-  cairo_rectangle(cr_, r.left + state_.originX, r.top + state_.originY, Width(r), Height(r));
+  SafeRectangle(cr_, double(r.left) + state_.originX, double(r.top) + state_.originY, Width(r), Height(r));
   cairo_fill(cr_);
 }
 
@@ -163,8 +181,9 @@ void CairoCanvas::Shape(const Rect& given, int32_t ellipseWidth, int32_t ellipse
   // inside the right and bottom edges; without a pen the shape is a pixel smaller.
   const Rect r = Normalized(given);
   const bool pen = !state_.pen.none;
-  double x = r.left + state_.originX, y = r.top + state_.originY;
-  double w = Width(r) - 1, h = Height(r) - 1;
+  const double left = double(r.left) + state_.originX, top = double(r.top) + state_.originY;
+  const double x = Safe(left), y = Safe(top);
+  const double w = Safe(left + Width(r)) - x - 1, h = Safe(top + Height(r)) - y - 1;
   if (w <= 0 || h <= 0) return;
   auto path = [&](double inset) {
     double px = x + inset, py = y + inset, pw = w + (pen ? 1 - 2 * inset : 0), ph = h + (pen ? 1 - 2 * inset : 0);
@@ -240,7 +259,9 @@ void CairoCanvas::Layout(const std::string& text, int32_t width, uint32_t format
   pango_layout_set_font_description(layout_, d);
   pango_font_description_free(d);
   const bool wrap = (format & kDtWordBreak) && !(format & kDtSingleLine);
-  pango_layout_set_width(layout_, wrap && width > 0 ? width * PANGO_SCALE : -1);
+  // Pango takes the width in 1/1024 pixel; wider than 2^21 pixels is as wide.
+  const int32_t wrapWidth = std::min(width, INT32_MAX / PANGO_SCALE);
+  pango_layout_set_width(layout_, wrap && width > 0 ? wrapWidth * PANGO_SCALE : -1);
   pango_layout_set_wrap(layout_, PANGO_WRAP_WORD);
   pango_layout_set_alignment(layout_, (format & kDtCenter)  ? PANGO_ALIGN_CENTER
                                       : (format & kDtRight) ? PANGO_ALIGN_RIGHT
@@ -262,7 +283,7 @@ int32_t CairoCanvas::DrawText(const std::string& text, Rect* r, uint32_t format)
     r->bottom = r->top + textH;
     return textH;
   }
-  double x = r->left + state_.originX, y = r->top + state_.originY;
+  double x = double(r->left) + state_.originX, y = double(r->top) + state_.originY;
   // A wrapped layout aligns its lines itself; otherwise place the block.
   if (!wrapped) {
     if (format & kDtCenter) x += (Width(*r) - textW) / 2.0;
@@ -274,11 +295,11 @@ int32_t CairoCanvas::DrawText(const std::string& text, Rect* r, uint32_t format)
   }
   cairo_save(cr_);
   if (!(format & kDtNoClip)) {
-    cairo_rectangle(cr_, r->left + state_.originX, r->top + state_.originY, Width(*r), Height(*r));
+    SafeRectangle(cr_, double(r->left) + state_.originX, double(r->top) + state_.originY, Width(*r), Height(*r));
     cairo_clip(cr_);
   }
   SetColour(state_.textColour);
-  cairo_move_to(cr_, x, y);
+  cairo_move_to(cr_, Safe(x), Safe(y));
   pango_cairo_show_layout(cr_, layout_);
   cairo_restore(cr_);
   return textH;
@@ -286,17 +307,28 @@ int32_t CairoCanvas::DrawText(const std::string& text, Rect* r, uint32_t format)
 
 void CairoCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool) {
   if (width <= 0 || height <= 0 || !DibBlockIsValid(dib)) return;
+  // Only the part that lands on the surface (or inside the clip) is made: a
+  // picture drawn far larger than the page costs no more than the page.
+  double x1, y1, x2, y2;
+  cairo_clip_extents(cr_, &x1, &y1, &x2, &y2);
+  const double originX = state_.originX, originY = state_.originY;
+  const Rect part{static_cast<int32_t>(std::clamp(std::floor(x1 - originX), 0.0, double(width))),
+                  static_cast<int32_t>(std::clamp(std::floor(y1 - originY), 0.0, double(height))),
+                  static_cast<int32_t>(std::clamp(std::ceil(x2 - originX), 0.0, double(width))),
+                  static_cast<int32_t>(std::clamp(std::ceil(y2 - originY), 0.0, double(height)))};
+  if (Width(part) <= 0 || Height(part) <= 0) return;
   BlockLock lock(dib);
   const BitmapInfoHeader& h = *lock.as<BitmapInfoHeader>();
   // Resample once to the drawn size, so every output, vector ones included,
   // carries the picture at the page's resolution.
   cairo_surface_t* scaled = nullptr;
   if (width <= h.biWidth && height <= std::abs(h.biHeight)) {
-    scaled = ShrinkDib(lock.bytes(), width, height);
+    scaled = ShrinkDib(lock.bytes(), width, height, part);
   } else if (cairo_surface_t* source = DibToSurface(lock.bytes())) {
     // Enlarging: interpolated by Cairo.
-    if ((scaled = NewImage(width, height))) {
+    if ((scaled = NewImage(Width(part), Height(part)))) {
       cairo_t* s = cairo_create(scaled);
+      cairo_translate(s, -part.left, -part.top);
       cairo_scale(s, double(width) / h.biWidth, double(height) / std::abs(h.biHeight));
       cairo_set_source_surface(s, source, 0, 0);
       cairo_pattern_set_filter(cairo_get_source(s), CAIRO_FILTER_GOOD);
@@ -307,8 +339,8 @@ void CairoCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bo
     cairo_surface_destroy(source);
   }
   if (!scaled) return;
-  cairo_set_source_surface(cr_, scaled, state_.originX, state_.originY);
-  cairo_rectangle(cr_, state_.originX, state_.originY, width, height);
+  cairo_set_source_surface(cr_, scaled, originX + part.left, originY + part.top);
+  cairo_rectangle(cr_, originX + part.left, originY + part.top, Width(part), Height(part));
   cairo_fill(cr_);
   cairo_surface_destroy(scaled);
 }
@@ -326,7 +358,7 @@ void CairoCanvas::RestoreState() {
 }
 
 void CairoCanvas::Clip(const Rect& r) {
-  cairo_rectangle(cr_, r.left + state_.originX, r.top + state_.originY, Width(r), Height(r));
+  SafeRectangle(cr_, double(r.left) + state_.originX, double(r.top) + state_.originY, Width(r), Height(r));
   cairo_clip(cr_);
 }
 

@@ -177,16 +177,58 @@ int32_t GdiCanvas::DrawText(const std::string& text, Rect* r, uint32_t format) {
   return height;
 }
 
+namespace {
+// Pictures drawn larger than this on a side are cut to the part the device
+// shows before they are stretched, so a picture blown up far beyond the page
+// by a damaged record costs no more than the page. Real pages stay below it,
+// and draw exactly as GDI stretches the whole picture.
+constexpr int32_t kWholeStretchLimit = 1 << 15;
+
+// The source and destination rectangles of the part of a picture drawn at
+// width x height that the clip box `visible` shows: whole source pixels, and
+// where they land.
+struct StretchPart {
+  int32_t x, y, width, height;              // destination
+  int32_t sourceX, sourceTop, sourceW, sourceH;  // source, rows counted from the top
+};
+StretchPart VisiblePart(const RECT& visible, int32_t width, int32_t height, int32_t dibW, int32_t dibH) {
+  auto span = [](int64_t from, int64_t to, int64_t drawn, int64_t source, int32_t* at, int32_t* size,
+                 int32_t* sourceAt, int32_t* sourceSize) {
+    from = std::clamp<int64_t>(from, 0, drawn);
+    to = std::clamp<int64_t>(to, 0, drawn);
+    const int64_t first = from * source / drawn, last = std::min(source, (to * source + drawn - 1) / drawn);
+    *sourceAt = static_cast<int32_t>(first);
+    *sourceSize = static_cast<int32_t>(std::max<int64_t>(last - first, 0));
+    *at = static_cast<int32_t>(first * drawn / source);
+    *size = static_cast<int32_t>((last * drawn + source - 1) / source - *at);
+  };
+  StretchPart p;
+  span(visible.left, visible.right, width, dibW, &p.x, &p.width, &p.sourceX, &p.sourceW);
+  span(visible.top, visible.bottom, height, dibH, &p.y, &p.height, &p.sourceTop, &p.sourceH);
+  return p;
+}
+}  // namespace
+
 void GdiCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool printing) {
   BlockLock lock(dib);
   DibInfo info;
   const void* bits = ReadDib(dib, lock, &info);
-  if (!bits) return;
+  if (!bits || width <= 0 || height <= 0) return;
   const BITMAPINFO* bmi = reinterpret_cast<const BITMAPINFO*>(&info);
   const int dibW = info.header.biWidth, dibH = std::abs(info.header.biHeight);
+  StretchPart part{0, 0, width, height, 0, 0, dibW, dibH};
+  if (width > kWholeStretchLimit || height > kWholeStretchLimit) {
+    RECT visible;
+    if (GetClipBox(dc_, &visible) == ERROR) return;
+    part = VisiblePart(visible, width, height, dibW, dibH);
+    if (part.sourceW <= 0 || part.sourceH <= 0) return;
+  }
   if (printing) {
-    // Printers get the Dib itself and scale it at their own resolution.
-    StretchDIBits(dc_, 0, 0, width, height, 0, 0, dibW, dibH, bits, bmi, DIB_RGB_COLORS, SRCCOPY);
+    // Printers get the Dib itself and scale it at their own resolution. A
+    // bottom-up Dib counts its source rows from the bottom.
+    const int sourceY = info.header.biHeight > 0 ? dibH - part.sourceTop - part.sourceH : part.sourceTop;
+    StretchDIBits(dc_, part.x, part.y, part.width, part.height, part.sourceX, sourceY, part.sourceW, part.sourceH,
+                  bits, bmi, DIB_RGB_COLORS, SRCCOPY);
     return;
   }
   // The screen draws through a bitmap in the display's own format, stretched
@@ -199,7 +241,8 @@ void GdiCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool
     const int oldMode = SetStretchBltMode(dc_, HALFTONE);
     POINT oldBrushOrigin{0, 0};
     SetBrushOrgEx(dc_, 0, 0, &oldBrushOrigin);  // HALFTONE needs the brush origin reset
-    StretchBlt(dc_, 0, 0, width, height, memory, 0, 0, dibW, dibH, SRCCOPY);
+    StretchBlt(dc_, part.x, part.y, part.width, part.height, memory, part.sourceX, part.sourceTop, part.sourceW,
+               part.sourceH, SRCCOPY);
     SetStretchBltMode(dc_, oldMode);
     SetBrushOrgEx(dc_, oldBrushOrigin.x, oldBrushOrigin.y, nullptr);
     SelectObject(memory, previous);

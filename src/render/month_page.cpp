@@ -15,36 +15,38 @@ namespace {
 // Everything the page's layout derives from its rectangle, computed before
 // anything is drawn.
 struct MonthLayout {
-  Rect inner;
-  int32_t gutter, gridTop, colW, rowH, headBandH, daysBandH;
-  int32_t radius, interior, exterior;
-  int32_t headFontH, daysFontH, dateFontH, eventFontH, captionFontH, smallFontH;
-  int32_t headShadow, dateShadow, pictureInset;
+  Box inner;
+  Length pageH;
+  Length gutter, gridTop, colW, rowH, headBandH, daysBandH;
+  Length radius, interior, exterior;
+  Length headFontH, daysFontH, dateFontH, eventFontH, captionFontH, smallFontH;
+  Length headShadow, dateShadow, pictureInset;
 };
 
 MonthLayout Layout(const Rect& page, const MonthPage& p) {
   MonthLayout l;
-  const int32_t margin = PercentOf(Width(page), p.PageMargin);
-  l.inner = Deflated(page, margin);
-  l.gutter = PercentOf(Height(l.inner), p.Gutter);
+  l.pageH = Height(ToBox(page));
+  const Length margin = Percent(Width(ToBox(page)), p.PageMargin);
+  l.inner = Deflated(ToBox(page), margin);
+  l.gutter = Percent(Height(l.inner), p.Gutter);
   l.gridTop = Height(l.inner) / 2 + l.inner.top + l.gutter;
   l.colW = Width(l.inner) / 7;
   l.rowH = (Height(l.inner) / 2 - l.gutter) / 7;
   l.headBandH = l.rowH * 2 / 3;
   l.daysBandH = l.rowH - l.headBandH;
-  l.radius = PercentOf(l.colW, p.DateRound) / 2;
-  l.interior = PercentOf(l.daysBandH, p.HeadInteriorPadding);
-  l.exterior = PercentOf(l.daysBandH, std::max(p.HeadExteriorPadding, p.DateRound));
-  const int32_t insets = 2 * (l.interior + l.exterior);
+  l.radius = Percent(l.colW, p.DateRound) / 2;
+  l.interior = Percent(l.daysBandH, p.HeadInteriorPadding);
+  l.exterior = Percent(l.daysBandH, std::max(int32_t{p.HeadExteriorPadding}, int32_t{p.DateRound}));
+  const Length insets = 2 * (l.interior + l.exterior);
   l.headFontH = l.headBandH - insets;
   l.daysFontH = l.daysBandH - insets;
-  l.dateFontH = PercentOf(l.rowH, p.DateFontSize);
-  l.eventFontH = PercentOf(l.rowH, p.DaysFontSize);
-  l.captionFontH = PercentOf(l.headBandH, p.CapFontSize);
+  l.dateFontH = Percent(l.rowH, p.DateFontSize);
+  l.eventFontH = Percent(l.rowH, p.DaysFontSize);
+  l.captionFontH = Percent(l.headBandH, p.CapFontSize);
   l.smallFontH = (l.rowH - 2 * (l.exterior + l.interior)) / 8;
-  l.headShadow = PercentOf(l.headFontH, p.DateShadowOffset);
-  l.dateShadow = PercentOf(l.dateFontH, p.DateShadowOffset);
-  l.pictureInset = PercentOf(Width(l.inner), p.PictureExteriorPadding);
+  l.headShadow = Percent(l.headFontH, p.DateShadowOffset);
+  l.dateShadow = Percent(l.dateFontH, p.DateShadowOffset);
+  l.pictureInset = Percent(Width(l.inner), p.PictureExteriorPadding);
   return l;
 }
 
@@ -53,17 +55,17 @@ void DrawPicture(Canvas& c, const MonthLayout& l, const MonthPage& p, bool print
   if (!p.PictureShowPicture || !PictureSize(p.Picture, &pictureW, &pictureH)) return;
   // The box ends a margin short of the middle: its bottom comes from the inner
   // height alone, without the inner top.
-  Rect box = Deflated({l.inner.left, l.inner.top, l.inner.right, (Height(l.inner) - l.gutter) / 2}, l.pictureInset);
-  const int32_t shadow = p.PictureDropShadow ? PercentOf(std::min(Width(box), Height(box)), p.PictureShadowOffset) : 0;
+  Box box = Deflated({l.inner.left, l.inner.top, l.inner.right, (Height(l.inner) - l.gutter) / 2}, l.pictureInset);
+  const Length shadow = p.PictureDropShadow ? Percent(std::min(Width(box), Height(box)), p.PictureShadowOffset) : 0;
   box.right -= shadow;
   box.bottom -= shadow;
   const PictureFit fit = FitPicture(box, pictureW, pictureH, false);
-  int32_t x, y;
+  Length x, y;
   PlacePicture(box, fit, p.PicturePlacement, &x, &y);
   const Colour shadowColour = Mix(p.PictureFrameColour, p.PageBackgroundColour);
 
   c.SaveState();
-  c.SetOrigin(box.left + x, box.top + y);
+  c.SetOrigin(Device(box.left + x), Device(box.top + y));
   if (p.PictureDropShadow) {
     if (p.PictureShadowSoftness) {
       DrawSoftShadow(c, shadow, shadow, fit.width + shadow, fit.height + shadow, shadowColour, p.PageBackgroundColour,
@@ -71,54 +73,52 @@ void DrawPicture(Canvas& c, const MonthLayout& l, const MonthPage& p, bool print
     } else {
       c.SetPen(kNullPen);
       c.SetBrush(SolidBrush(shadowColour));
-      c.Rectangle({shadow, shadow, fit.width + shadow, fit.height + shadow});
+      c.Rectangle(ToRect({shadow, shadow, fit.width + shadow, fit.height + shadow}));
     }
   }
-  c.DrawPicture(p.Picture, fit.width, fit.height, printing);
+  c.DrawPicture(p.Picture, Device(fit.width), Device(fit.height), printing);
   if (p.PictureShowFrame) {
     c.SetPen(SolidPen(p.PictureFrameColour));
     c.SetBrush(kNullBrush);
-    c.Rectangle({0, 0, fit.width, fit.height});
+    c.Rectangle(ToRect({0, 0, fit.width, fit.height}));
   }
   c.RestoreState();
   c.EndStage();
 }
 
 void DrawHeading(Canvas& c, const MonthLayout& l, const MonthPage& p, const std::string& title) {
-  c.SetFont({l.headFontH, p.HeadFontBold, p.HeadFontItal, p.HeadFontName});
+  c.SetFont(PageFont(l.pageH, l.headFontH, p.HeadFontBold, p.HeadFontItal, p.HeadFontName));
   c.SetBrush(SolidBrush(p.HeadBackColour));
   c.SetPen(SolidPen(p.HeadFrameColour));
-  const Rect cell = RectOfSize(l.inner.left + 2 * l.colW, l.gridTop, 3 * l.colW, l.headBandH);
-  const Rect text = DrawBox(c, cell, l.exterior, l.interior, l.radius);
+  const Box cell = BoxOfSize(l.inner.left + 2 * l.colW, l.gridTop, 3 * l.colW, l.headBandH);
+  const Box text = DrawBox(c, cell, l.exterior, l.interior, l.radius);
   const uint32_t format = static_cast<uint32_t>(p.HeadPlacement) | kDtSingleLine | kDtNoPrefix;
   if (p.HeadShadow) {
     // The shadowed heading is deliberately not centred vertically.
     DrawShadowedText(c, title, text, Offset(text, -l.headShadow, -l.headShadow), format,
                      Mix(p.HeadBackColour, p.HeadFontColour), p.HeadFontColour);
   } else {
-    Rect r = text;
     c.SetTextColour(p.HeadFontColour);
-    c.DrawText(title, &r, format | kDtVCenter);
+    DrawTextIn(c, title, text, format | kDtVCenter);
   }
   c.EndStage();
 }
 
 void DrawDayNames(Canvas& c, const MonthLayout& l, const MonthPage& p) {
-  c.SetFont({l.daysFontH, p.HeadFontBold, p.HeadFontItal, p.HeadFontName});
+  c.SetFont(PageFont(l.pageH, l.daysFontH, p.HeadFontBold, p.HeadFontItal, p.HeadFontName));
   c.SetTextColour(p.HeadFontColour);
   c.SetBrush(SolidBrush(p.HeadBackColour));
   c.SetPen(SolidPen(p.HeadFrameColour));
   for (int i = 0; i < 7; ++i) {
-    const Rect cell = RectOfSize(l.inner.left + i * l.colW, l.gridTop + l.headBandH, l.colW, l.daysBandH);
-    Rect text = DrawBox(c, cell, l.exterior, l.interior, l.radius);
-    c.DrawText(DayName(i), &text,
-               static_cast<uint32_t>(p.HeadPlacement) | kDtSingleLine | kDtNoPrefix | kDtVCenter);
+    const Box cell = BoxOfSize(l.inner.left + i * l.colW, l.gridTop + l.headBandH, l.colW, l.daysBandH);
+    const Box text = DrawBox(c, cell, l.exterior, l.interior, l.radius);
+    DrawTextIn(c, DayName(i), text, static_cast<uint32_t>(p.HeadPlacement) | kDtSingleLine | kDtNoPrefix | kDtVCenter);
   }
   c.EndStage();
 }
 
 void DrawCaptions(Canvas& c, const MonthLayout& l, const MonthPage& p) {
-  c.SetFont({l.captionFontH, p.CapFontBold, p.CapFontItal, p.CapFontName});
+  c.SetFont(PageFont(l.pageH, l.captionFontH, p.CapFontBold, p.CapFontItal, p.CapFontName));
   c.SetTextColour(p.CapFontColour);
   c.SetBrush(SolidBrush(p.HeadBackColour));
   c.SetPen(SolidPen(p.HeadFrameColour));
@@ -128,9 +128,8 @@ void DrawCaptions(Canvas& c, const MonthLayout& l, const MonthPage& p) {
     const char* text;
   } boxes[] = {{5, p.RightCaption}, {0, p.LeftCaption}};
   for (const auto& b : boxes) {
-    const Rect cell = RectOfSize(l.inner.left + b.column * l.colW, l.gridTop, 2 * l.colW, l.headBandH);
-    Rect text = DrawBox(c, cell, l.exterior, l.interior, l.radius);
-    c.DrawText(b.text, &text, format);
+    const Box cell = BoxOfSize(l.inner.left + b.column * l.colW, l.gridTop, 2 * l.colW, l.headBandH);
+    DrawTextIn(c, b.text, DrawBox(c, cell, l.exterior, l.interior, l.radius), format);
   }
   c.EndStage();
 }
@@ -140,29 +139,29 @@ uint32_t EventAlignment(int32_t datePlacement) {
   return datePlacement == 0 || datePlacement == 8 ? kDtRight : kDtLeft;
 }
 
-void DrawEvent(Canvas& c, const MonthLayout& l, const MonthPage& p, const FontSpec& eventFont, const Rect& cell,
+void DrawEvent(Canvas& c, const MonthLayout& l, const MonthPage& p, const FontSpec& eventFont, const Box& cell,
                int month, int day) {
   char text[1024];
   if (p.DateFontPlacement == 1 || !FindEvent(text, sizeof text, p.Events, month, day)) return;
-  Rect r = Deflated(Deflated(cell, l.exterior), l.interior);
+  Box r = Deflated(Deflated(cell, l.exterior), l.interior);
   const uint32_t format = EventAlignment(p.DateFontPlacement) | kDtWordBreak | kDtNoPrefix;
   c.SetFont(eventFont);
   c.SetTextColour(p.DaysFontColour);
   if (p.DateFontPlacement == 0 || p.DateFontPlacement == 2) {
     // Under a number at the top, the text sits at the bottom of the cell, and
     // runs above its top when it is taller than the cell.
-    Rect measured = r;
+    Rect measured = ToRect(r);
     c.DrawText(text, &measured, format | kDtCalcRect);
-    r.top = r.bottom - Height(measured);
+    r.top = r.bottom - Height(ToBox(measured));
   }
-  c.DrawText(text, &r, format);
+  DrawTextIn(c, text, r, format);
 }
 
 // Draws the date cells and returns the grid position after the last day.
 void DrawDates(Canvas& c, const MonthLayout& l, const MonthPage& p, int year, int month, int32_t* column,
-               int32_t* y) {
-  const FontSpec dateFont{l.dateFontH, p.DateFontBold, p.DateFontItal, p.DateFontName};
-  const FontSpec eventFont{l.eventFontH, p.DaysFontBold, p.DaysFontItal, p.DaysFontName};
+               Length* y) {
+  const FontSpec dateFont = PageFont(l.pageH, l.dateFontH, p.DateFontBold, p.DateFontItal, p.DateFontName);
+  const FontSpec eventFont = PageFont(l.pageH, l.eventFontH, p.DaysFontBold, p.DaysFontItal, p.DaysFontName);
   const uint32_t format = static_cast<uint32_t>(p.DateFontPlacement) | kDtSingleLine | kDtNoPrefix;
   const Colour shadowColour = Mix(p.DateBackColour, p.DateFontColour);
   *y = l.gridTop + l.rowH;
@@ -172,10 +171,10 @@ void DrawDates(Canvas& c, const MonthLayout& l, const MonthPage& p, int year, in
       *y += l.rowH;
       *column = 0;
     }
-    const Rect cell = RectOfSize(l.inner.left + *column * l.colW, *y, l.colW, l.rowH);
+    const Box cell = BoxOfSize(l.inner.left + *column * l.colW, *y, l.colW, l.rowH);
     c.SetBrush(SolidBrush(p.DateBackColour));
     c.SetPen(SolidPen(p.DateFrameColour));
-    Rect text = DrawBox(c, cell, l.exterior, l.interior, l.radius);
+    const Box text = DrawBox(c, cell, l.exterior, l.interior, l.radius);
     c.SetFont(dateFont);
     const std::string number = std::to_string(day + 1);
     if (p.DateShadow) {
@@ -183,7 +182,7 @@ void DrawDates(Canvas& c, const MonthLayout& l, const MonthPage& p, int year, in
                        p.DateFontColour);
     } else {
       c.SetTextColour(p.DateFontColour);
-      c.DrawText(number, &text, format);
+      DrawTextIn(c, number, text, format);
     }
     DrawEvent(c, l, p, eventFont, cell, month, day);
     ++*column;
@@ -193,21 +192,21 @@ void DrawDates(Canvas& c, const MonthLayout& l, const MonthPage& p, int year, in
 
 // The previous and next months in the two cells after the last day.
 void DrawSmallMonths(Canvas& c, const MonthLayout& l, const MonthPage& p, int year, int month, bool showYear,
-                     int32_t column, int32_t y) {
-  c.SetFont({l.smallFontH, p.CapFontBold, p.CapFontItal, p.CapFontName});
+                     int32_t column, Length y) {
+  c.SetFont(PageFont(l.pageH, l.smallFontH, p.CapFontBold, p.CapFontItal, p.CapFontName));
   c.SetBrush(SolidBrush(p.DateBackColour));
   c.SetPen(SolidPen(p.DateFrameColour));
   const struct {
     int year, month;
-  } months[] = {{month == 0 ? year - 1 : year, month == 0 ? 11 : month - 1},
-                {month == 11 ? year + 1 : year, month == 11 ? 0 : month + 1}};
+  } months[] = {{month == 0 ? PreviousYear(year) : year, month == 0 ? 11 : month - 1},
+                {month == 11 ? NextYear(year) : year, month == 11 ? 0 : month + 1}};
   for (const auto& m : months) {
     if (column >= 7) {
       y += l.rowH;
       column = 0;
     }
-    const Rect cell = RectOfSize(l.inner.left + column * l.colW, y, l.colW, l.rowH);
-    const Rect inside = DrawBox(c, cell, l.exterior, l.interior, l.radius);
+    const Box cell = BoxOfSize(l.inner.left + column * l.colW, y, l.colW, l.rowH);
+    const Box inside = DrawBox(c, cell, l.exterior, l.interior, l.radius);
     DrawSmallMonth(c, inside, m.year, m.month, showYear, p.DateFontColour, p.DateFontColour);
     ++column;
   }
@@ -230,7 +229,8 @@ int DrawMonthPage(Canvas& c, const Rect& page, const CalendarHeader& h, const Mo
   DrawHeading(c, l, p, MonthTitle(month, year, h.ShowYearInPages != 0));
   DrawDayNames(c, l, p);
   DrawCaptions(c, l, p);
-  int32_t column, y;
+  int32_t column;
+  Length y;
   DrawDates(c, l, p, year, month, &column, &y);
   if (p.HeadPrevNext) DrawSmallMonths(c, l, p, year, month, h.ShowYearInPages != 0, column, y);
   return 1;
@@ -240,6 +240,7 @@ int DrawMonthPage(Canvas& c, const Rect& page, const CalendarHeader& h, const Mo
 
 int DrawCalendarPage(Canvas& canvas, const Rect& pageRect, CalendarDocument document, int pageIndex, bool printing,
                      bool drawPictureHalf, bool drawCalendarHalf) {
+  if (!PageFitsDevice(pageRect)) return 0;
   if (pageIndex == kCoverPageIndex)
     return DrawCoverPage(canvas, pageRect, document, printing, drawPictureHalf, drawCalendarHalf);
   if (pageIndex == kYearPageIndex)

@@ -15,31 +15,35 @@ std::string MonthTitle(int month, int year, bool withYear) {
   return text;
 }
 
-Rect DrawBox(Canvas& canvas, const Rect& cell, int32_t exterior, int32_t interior, int32_t radius) {
-  Rect box = Deflated(cell, exterior);
-  canvas.RoundRect(box, radius, radius);
+Box DrawBox(Canvas& canvas, const Box& cell, Length exterior, Length interior, Length radius) {
+  const Box box = Deflated(cell, exterior);
+  canvas.RoundRect(ToRect(box), Device(radius), Device(radius));
   return Deflated(box, interior);
 }
 
-void DrawShadowedText(Canvas& canvas, const std::string& text, Rect shadowRect, Rect textRect, uint32_t format,
-                      Colour shadowColour, Colour textColour) {
-  canvas.SetTextColour(shadowColour);
-  canvas.DrawText(text, &shadowRect, format);
-  canvas.SetTextColour(textColour);
-  canvas.DrawText(text, &textRect, format);
+void DrawTextIn(Canvas& canvas, const std::string& text, const Box& box, uint32_t format) {
+  Rect r = ToRect(box);
+  canvas.DrawText(text, &r, format);
 }
 
-void DrawSmallMonth(Canvas& canvas, const Rect& cell, int year, int month, bool withYear, Colour titleColour,
+void DrawShadowedText(Canvas& canvas, const std::string& text, const Box& shadowRect, const Box& textRect,
+                      uint32_t format, Colour shadowColour, Colour textColour) {
+  canvas.SetTextColour(shadowColour);
+  DrawTextIn(canvas, text, shadowRect, format);
+  canvas.SetTextColour(textColour);
+  DrawTextIn(canvas, text, textRect, format);
+}
+
+void DrawSmallMonth(Canvas& canvas, const Box& cell, int year, int month, bool withYear, Colour titleColour,
                     Colour bodyColour) {
   const uint32_t format = kDtCenter | kDtSingleLine | kDtNoPrefix;
-  const int32_t smallW = Width(cell) / 7, smallH = Height(cell) / 8;
-  Rect title{cell.left, cell.top, cell.right, cell.top + smallH};
+  const Length smallW = Width(cell) / 7, smallH = Height(cell) / 8;
   canvas.SetTextColour(titleColour);
-  canvas.DrawText(MonthTitle(month, year, withYear), &title, format);
+  DrawTextIn(canvas, MonthTitle(month, year, withYear), BoxOfSize(cell.left, cell.top, Width(cell), smallH), format);
   canvas.SetTextColour(bodyColour);
   for (int column = 0; column < 7; ++column) {
-    Rect r = RectOfSize(cell.left + column * smallW, cell.top + smallH, smallW, smallH);
-    canvas.DrawText(std::string(DayName(column), std::min<size_t>(1, std::strlen(DayName(column)))), &r, format);
+    const std::string initial(DayName(column), std::min<size_t>(1, std::strlen(DayName(column))));
+    DrawTextIn(canvas, initial, BoxOfSize(cell.left + column * smallW, cell.top + smallH, smallW, smallH), format);
   }
   int column = FirstWeekdayColumn(year, month), row = 2;
   for (int day = 1; day <= MonthLength(year, month); ++day) {
@@ -47,10 +51,17 @@ void DrawSmallMonth(Canvas& canvas, const Rect& cell, int year, int month, bool 
       column = 0;
       ++row;
     }
-    Rect r = RectOfSize(cell.left + column * smallW, cell.top + row * smallH, smallW, smallH);
-    canvas.DrawText(std::to_string(day), &r, format);
+    DrawTextIn(canvas, std::to_string(day), BoxOfSize(cell.left + column * smallW, cell.top + row * smallH, smallW, smallH),
+               format);
     ++column;
   }
+}
+
+int PreviousYear(int year) { return year > INT32_MIN ? year - 1 : year; }
+int NextYear(int year) { return year < INT32_MAX ? year + 1 : year; }
+
+FontSpec PageFont(Length pageHeight, Length height, int32_t weight, int32_t italic, const char* face) {
+  return {Device(height < pageHeight ? height : pageHeight), weight, italic, face};
 }
 
 bool PictureSize(BlockHandle dib, int32_t* width, int32_t* height) {
@@ -62,21 +73,19 @@ bool PictureSize(BlockHandle dib, int32_t* width, int32_t* height) {
   return *width > 0 && *height > 0;
 }
 
-PictureFit FitPicture(const Rect& box, int32_t pictureWidth, int32_t pictureHeight, bool cover) {
-  int64_t byWidth = static_cast<int64_t>(Width(box)) * 1000 / pictureWidth;
-  int64_t byHeight = static_cast<int64_t>(Height(box)) * 1000 / pictureHeight;
+PictureFit FitPicture(const Box& box, int32_t pictureWidth, int32_t pictureHeight, bool cover) {
+  const Length byWidth = Width(box) * 1000 / pictureWidth;
+  const Length byHeight = Height(box) * 1000 / pictureHeight;
   // Ties take the height quotient; they are equal then anyway.
-  int64_t scale = cover ? std::max(byWidth, byHeight) : (byWidth < byHeight ? byWidth : byHeight);
-  scale = std::max<int64_t>(std::min<int64_t>(scale, INT32_MAX), INT32_MIN);
-  auto scaled = [scale](int32_t side) {
-    int64_t v = side * scale / 1000;
-    return static_cast<int32_t>(std::max<int64_t>(std::min<int64_t>(v, INT32_MAX), INT32_MIN));
-  };
-  return {static_cast<int32_t>(scale), scaled(pictureWidth), scaled(pictureHeight)};
+  Length scale = cover ? std::max(byWidth, byHeight) : (byWidth < byHeight ? byWidth : byHeight);
+  // No page needs a scale near 2^31 thousandths; kept below it, the products
+  // below cannot overflow whatever the picture's size.
+  scale = Clamped(scale, INT32_MAX);
+  return {scale, Bounded(pictureWidth * scale / 1000), Bounded(pictureHeight * scale / 1000)};
 }
 
-void PlacePicture(const Rect& box, const PictureFit& fit, int32_t placement, int32_t* x, int32_t* y) {
-  const int32_t spareW = Width(box) - fit.width, spareH = Height(box) - fit.height;
+void PlacePicture(const Box& box, const PictureFit& fit, int32_t placement, Length* x, Length* y) {
+  const Length spareW = Width(box) - fit.width, spareH = Height(box) - fit.height;
   switch (placement) {
     case 0: *x = 0, *y = 0; break;
     case 2: *x = spareW, *y = 0; break;

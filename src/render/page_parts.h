@@ -5,22 +5,34 @@
 #include "base/geometry.h"
 #include "base/global_block.h"
 #include "render/canvas.h"
+#include "render/layout.h"
 
 // "%s %d" of the month's name and the year, or the name alone.
 std::string MonthTitle(int month, int year, bool withYear);
 
 // Draws the box of `cell` shrunk by `exterior` with the current pen and brush,
 // and returns the text rectangle: the box shrunk further by `interior`.
-Rect DrawBox(Canvas& canvas, const Rect& cell, int32_t exterior, int32_t interior, int32_t radius);
+Box DrawBox(Canvas& canvas, const Box& cell, Length exterior, Length interior, Length radius);
 
 // The text in `shadowColour` at `shadowRect`, then in `textColour` at `textRect`.
-void DrawShadowedText(Canvas& canvas, const std::string& text, Rect shadowRect, Rect textRect, uint32_t format,
-                      Colour shadowColour, Colour textColour);
+void DrawShadowedText(Canvas& canvas, const std::string& text, const Box& shadowRect, const Box& textRect,
+                      uint32_t format, Colour shadowColour, Colour textColour);
+// Draws `text` in `box` with the current font and text colour.
+void DrawTextIn(Canvas& canvas, const std::string& text, const Box& box, uint32_t format);
 
 // A month in small: a title row across the cell, a row of day initials and
 // the dates, in cells of a seventh of the width and an eighth of the height.
-void DrawSmallMonth(Canvas& canvas, const Rect& cell, int year, int month, bool withYear, Colour titleColour,
+void DrawSmallMonth(Canvas& canvas, const Box& cell, int year, int month, bool withYear, Colour titleColour,
                     Colour bodyColour);
+// The year before and after `year`, stopping at the ends of the int range
+// (a year from a damaged file can be anything).
+int PreviousYear(int year);
+int NextYear(int year);
+
+// A font for a page of height `pageHeight`: no font handed to GDI or Cairo is
+// taller than the page (far above any real design), so a damaged record
+// cannot ask for glyphs of gigabytes.
+FontSpec PageFont(Length pageHeight, Length height, int32_t weight, int32_t italic, const char* face);
 
 // The width and height of a picture that can be drawn, or false (no block,
 // not a usable Dib, or a zero side).
@@ -29,12 +41,12 @@ bool PictureSize(BlockHandle dib, int32_t* width, int32_t* height);
 // The scale in thousandths at which a picture fits `box` (the smaller
 // quotient) or covers it (the larger), and the drawn size.
 struct PictureFit {
-  int32_t scale, width, height;
+  Length scale, width, height;
 };
-PictureFit FitPicture(const Rect& box, int32_t pictureWidth, int32_t pictureHeight, bool cover);
+PictureFit FitPicture(const Box& box, int32_t pictureWidth, int32_t pictureHeight, bool cover);
 // Where the drawn picture's corner goes inside `box` for a placement code:
 // 0 top left, 2 top right, 8 bottom left, 10 bottom right, else centred.
-void PlacePicture(const Rect& box, const PictureFit& fit, int32_t placement, int32_t* x, int32_t* y);
+void PlacePicture(const Box& box, const PictureFit& fit, int32_t placement, Length* x, Length* y);
 
 // The page frame of the screen view: one pixel outside the page.
 void DrawScreenFrame(Canvas& canvas, const Rect& pageRect);

@@ -11,7 +11,8 @@
 // Draws page `pageIndex` into `pageRect` (device units). `printing` selects
 // the printer path for pictures and leaves out the screen's page frame.
 // Returns 1 when it drew, 0 for an index outside 0..13 or a block that is not
-// a calendar. Nothing is written back into the document.
+// a calendar or a page rectangle beyond +-2^29. Nothing is written back into
+// the document.
 int DrawCalendarPage(Canvas& canvas, const Rect& pageRect, CalendarDocument document, int pageIndex, bool printing,
                      bool drawPictureHalf, bool drawCalendarHalf);
 int DrawYearPage(Canvas& canvas, const Rect& pageRect, CalendarDocument document, bool printing, bool drawUpperHalf,

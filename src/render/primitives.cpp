@@ -13,19 +13,37 @@ Colour BlendColour(Colour a, Colour b, int t) {
   return RGBColour(channel(RedOf(a), RedOf(b)), channel(GreenOf(a), GreenOf(b)), channel(BlueOf(a), BlueOf(b)));
 }
 
-int DrawSoftShadow(Canvas& canvas, int32_t left, int32_t top, int32_t right, int32_t bottom, Colour shadowColour,
+namespace {
+// The blend weight of ring i of n.
+int RingWeight(Length i, Length n) { return static_cast<int>(static_cast<double>(i) / n * 255); }
+
+// The first ring of weight t or more (weights never fall from ring to ring).
+Length FirstRingOfWeight(int t, Length n) {
+  Length i = t * n / 255;  // within a ring or two of it
+  while (i > 0 && RingWeight(i - 1, n) >= t) --i;
+  while (i < n && RingWeight(i, n) < t) ++i;
+  return i;
+}
+}  // namespace
+
+int DrawSoftShadow(Canvas& canvas, Length left, Length top, Length right, Length bottom, Colour shadowColour,
                    Colour backgroundColour, int32_t softnessPercent) {
-  const int32_t width = right - left, height = bottom - top;
-  const int32_t n = PercentOf(width, softnessPercent);
+  const Length width = right - left, height = bottom - top;
+  const Length n = Percent(width, softnessPercent);
   if (n < 1) return 1;
   canvas.SetPen(kNullPen);
-  // A softness out of a damaged file must not keep the painter busy for ever;
-  // real shadows stay far below this many rings even on a printer.
-  const int32_t rings = n < 65536 ? n : 65536;
-  for (int32_t i = 0; i < rings; ++i) {
-    int t = static_cast<int>(static_cast<double>(i) / n * 255);
-    canvas.SetBrush(SolidBrush(BlendColour(shadowColour, backgroundColour, t)));
-    canvas.RoundRect({n / 2 + i, n / 2 + i, width + n - i, height + n - i}, n, n);
+  auto ring = [&](Length i) {
+    canvas.SetBrush(SolidBrush(BlendColour(shadowColour, backgroundColour, RingWeight(i, n))));
+    canvas.RoundRect(ToRect({n / 2 + i, n / 2 + i, width + n - i, height + n - i}), Device(n), Device(n));
+  };
+  if (n <= 255) {
+    // Every ring has a weight of its own.
+    for (Length i = 0; i < n; ++i) ring(i);
+    return 1;
+  }
+  for (int t = 0; t <= 255; ++t) {
+    const Length i = FirstRingOfWeight(t, n);
+    if (i < n && RingWeight(i, n) == t) ring(i);
   }
   return 1;
 }

@@ -4,6 +4,7 @@
 
 #include "base/geometry.h"
 #include "render/canvas.h"
+#include "render/layout.h"
 
 struct BitmapInfoHeader;
 
@@ -15,7 +16,11 @@ Colour BlendColour(Colour a, Colour b, int t);
 // A shadow fading from the background at its rim to `shadowColour` inside:
 // n = width * softness / 100 rounded rectangles, each smaller than the last.
 // Placed by its size alone at the current origin, not by left and top.
-int DrawSoftShadow(Canvas& canvas, int32_t left, int32_t top, int32_t right, int32_t bottom, Colour shadowColour,
+// Ring i has the colour of weight i / n * 255, so beyond 255 rings several in
+// a row share one colour; of those only the outermost is drawn (the others
+// lie inside it and would paint the same pixels again), which keeps even a
+// shadow of a damaged record to at most 256 rings.
+int DrawSoftShadow(Canvas& canvas, Length left, Length top, Length right, Length bottom, Colour shadowColour,
                    Colour backgroundColour, int32_t softnessPercent);
 
 // Clears the 768-byte triplet table and fills it with the Dib's colour table

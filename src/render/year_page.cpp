@@ -11,31 +11,33 @@
 namespace {
 
 struct YearLayout {
-  Rect inner;
-  int32_t gutter, titleH, titleShadow;
-  int32_t boxW, boxH, outer, innerInset, radius, smallFontH;
+  Box inner;
+  Length pageH;
+  Length gutter, titleH, titleShadow;
+  Length boxW, boxH, outer, innerInset, radius, smallFontH;
 };
 
 YearLayout Layout(const Rect& page, const CalendarHeader& h) {
   YearLayout l;
-  l.inner = Deflated(page, PercentOf(Width(page), h.YagPageMargin));
-  l.gutter = PercentOf(Height(l.inner), h.YagGutter);
-  l.titleH = PercentOf(Height(l.inner) / 2, h.YagTitleFontSize);
-  l.titleShadow = PercentOf(l.titleH, h.YagShadowOffset);
-  const Rect half{l.inner.left, l.inner.top, l.inner.right, l.inner.bottom / 2};
+  l.pageH = Height(ToBox(page));
+  l.inner = Deflated(ToBox(page), Percent(Width(ToBox(page)), h.YagPageMargin));
+  l.gutter = Percent(Height(l.inner), h.YagGutter);
+  l.titleH = Percent(Height(l.inner) / 2, h.YagTitleFontSize);
+  l.titleShadow = Percent(l.titleH, h.YagShadowOffset);
+  const Box half{l.inner.left, l.inner.top, l.inner.right, l.inner.bottom / 2};
   l.boxW = Width(half) / 3;
   l.boxH = (Height(half) - (2 * l.gutter + l.titleH)) / 2;
-  l.outer = PercentOf(l.boxH, h.YagExteriorPadding);
-  l.innerInset = PercentOf(l.boxH, std::max(h.YagInteriorPadding, h.YagRound));
-  l.radius = PercentOf(l.boxW, h.YagRound);  // not halved, unlike the month pages
+  l.outer = Percent(l.boxH, h.YagExteriorPadding);
+  l.innerInset = Percent(l.boxH, std::max(int32_t{h.YagInteriorPadding}, int32_t{h.YagRound}));
+  l.radius = Percent(l.boxW, h.YagRound);  // not halved, unlike the month pages
   l.smallFontH = (l.boxH - 2 * (l.outer + l.innerInset)) / 8;
   return l;
 }
 
 // The year's title at `y`; returns the y below it.
-int32_t DrawTitle(Canvas& c, const YearLayout& l, const CalendarHeader& h, int year, int32_t y) {
-  c.SetFont({l.titleH, h.YagTitleFontBold, h.YagTitleFontItal, h.YagTitleFontName});
-  const Rect r{l.inner.left, y, l.inner.right, y + l.titleH};
+Length DrawTitle(Canvas& c, const YearLayout& l, const CalendarHeader& h, int year, Length y) {
+  c.SetFont(PageFont(l.pageH, l.titleH, h.YagTitleFontBold, h.YagTitleFontItal, h.YagTitleFontName));
+  const Box r = BoxOfSize(l.inner.left, y, Width(l.inner), l.titleH);
   const uint32_t format = kDtCenter | kDtSingleLine | kDtNoPrefix;
   const std::string text = std::to_string(year);
   if (h.YagShadow) {
@@ -43,23 +45,22 @@ int32_t DrawTitle(Canvas& c, const YearLayout& l, const CalendarHeader& h, int y
                      h.TagTitleColour);
     y += l.titleH + l.titleShadow;
   } else {
-    Rect place = r;
     c.SetTextColour(h.TagTitleColour);
-    c.DrawText(text, &place, format);
+    DrawTextIn(c, text, r, format);
     y += l.titleH;
   }
   c.EndStage();
-  return y;
+  return Bounded(y);
 }
 
 // Six months in two rows of three from `y`.
-void DrawSixMonths(Canvas& c, const YearLayout& l, const CalendarHeader& h, int year, int firstMonth, int32_t y) {
-  c.SetFont({l.smallFontH, h.YagFontBold, h.TagFontItal, h.YagFontName});
+void DrawSixMonths(Canvas& c, const YearLayout& l, const CalendarHeader& h, int year, int firstMonth, Length y) {
+  c.SetFont(PageFont(l.pageH, l.smallFontH, h.YagFontBold, h.TagFontItal, h.YagFontName));
   c.SetBrush(SolidBrush(h.YagBackColour));
   c.SetPen(SolidPen(h.YagFrameColour));
   for (int i = 0; i < 6; ++i) {
-    const Rect cell = RectOfSize(l.inner.left + (i % 3) * l.boxW, y + (i / 3) * l.boxH, l.boxW, l.boxH);
-    const Rect inside = DrawBox(c, cell, l.outer, l.innerInset, l.radius);
+    const Box cell = BoxOfSize(l.inner.left + (i % 3) * l.boxW, y + (i / 3) * l.boxH, l.boxW, l.boxH);
+    const Box inside = DrawBox(c, cell, l.outer, l.innerInset, l.radius);
     DrawSmallMonth(c, inside, year, firstMonth + i, h.ShowYearInPages != 0, h.YagColour, h.YagFrameColour);
   }
   c.EndStage();
@@ -70,14 +71,14 @@ void DrawSixMonths(Canvas& c, const YearLayout& l, const CalendarHeader& h, int 
 int DrawYearPage(Canvas& canvas, const Rect& pageRect, CalendarDocument document, bool printing, bool drawUpperHalf,
                  bool drawLowerHalf) {
   CalendarHeader h;
-  if (!GetHeader(document, &h)) return 0;
+  if (!PageFitsDevice(pageRect) || !GetHeader(document, &h)) return 0;
   TerminateTexts(&h);
   const YearLayout l = Layout(pageRect, h);
   const int year = CalendarYear(&h);
   if (!printing) DrawScreenFrame(canvas, pageRect);
   if (drawUpperHalf) {
     canvas.FillRect({pageRect.left, pageRect.top, pageRect.right, pageRect.bottom / 2}, h.YagPageColour);
-    int32_t y = DrawTitle(canvas, l, h, year, l.inner.top) + l.gutter;
+    const Length y = DrawTitle(canvas, l, h, year, l.inner.top) + l.gutter;
     DrawSixMonths(canvas, l, h, year, 0, y);
   }
   if (drawLowerHalf) {
@@ -85,7 +86,7 @@ int DrawYearPage(Canvas& canvas, const Rect& pageRect, CalendarDocument document
     // half its bottom coordinate; and the months below start from the inner
     // height alone. Both as the page has always been laid out.
     canvas.FillRect({pageRect.left, Height(pageRect) / 2, pageRect.right, pageRect.bottom}, h.YagPageColour);
-    int32_t y = Height(l.inner) / 2 + 2 * l.gutter + 2 * (l.outer + l.innerInset);
+    const Length y = Height(l.inner) / 2 + 2 * l.gutter + 2 * (l.outer + l.innerInset);
     DrawSixMonths(canvas, l, h, year, 6, y);
     DrawTitle(canvas, l, h, year, y + 2 * l.boxH + l.gutter);
   }

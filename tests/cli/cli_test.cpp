@@ -21,9 +21,10 @@ struct CliRun {
 
 class CliTest : public QuernalTest {
  protected:
-  CliRun Cli(const std::string& args) {
+  // `prefix` runs in the same shell first (a resource limit, say).
+  CliRun Cli(const std::string& args, const std::string& prefix = "") {
     std::string errPath = dir_.File("stderr.txt");
-    std::string command = std::string(QUERNAL_CLI) + " " + args + " 2>'" + errPath + "'";
+    std::string command = prefix + std::string(QUERNAL_CLI) + " " + args + " 2>'" + errPath + "'";
     CliRun run{};
     std::FILE* p = popen(command.c_str(), "r");
     char buffer[4096];
@@ -137,6 +138,36 @@ TEST_F(CliTest, DamagedFilesAreReportedOrRepaired) {
   EXPECT_EQ(ReadFile(repaired).size(), 70139u);
   r = Cli("info " + Q(repaired));
   EXPECT_TRUE(r.err.empty()) << r.err;
+}
+
+TEST_F(CliTest, RunningOutOfMemoryIsNotDamageAndWritesNothing) {
+  // Two sound pictures of 300 MiB each in a file of a few hundred kilobytes.
+  uint32_t size;
+  const std::string stream = BlankPictureStream(10240, 10240, &size);
+  const std::string file = dir_.File("big.CLN");
+  WriteFile(file, CalendarFileWithPictures(2, stream, size));
+  // With room for one picture only, the load fails with the memory message
+  // instead of skipping the second one, and resaving in place keeps the file.
+  CliRun r = Cli("resave " + Q(file) + " -o " + Q(file), "ulimit -v 600000;");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_TRUE(Has(r.err, "There has been an error allocating memory.")) << r.err;
+  EXPECT_FALSE(Has(r.err, "damaged")) << r.err;
+  EXPECT_EQ(ReadFile(file), CalendarFileWithPictures(2, stream, size));
+}
+
+TEST_F(CliTest, AllPicturesTogetherStayUnderTheDocumentCap) {
+  // Thirteen sound 511 MiB pictures in a file of a few megabytes: the first
+  // three fit under 1.5 GiB, the other ten are damaged records.
+  uint32_t size;
+  const std::string stream = BlankPictureStream(16384, 10900, &size);
+  ASSERT_LE(size, kMaxPictureBytes);
+  const std::string file = dir_.File("thirteen.CLN");
+  WriteFile(file, CalendarFileWithPictures(13, stream, size));
+  CliRun r = Cli("summary " + Q(file));
+  ASSERT_EQ(r.status, 0) << r.err;
+  int skipped = 0;
+  for (size_t at = 0; (at = r.err.find("damaged picture was skipped", at)) != std::string::npos; ++at) ++skipped;
+  EXPECT_EQ(skipped, 10) << r.err;
 }
 
 TEST_F(CliTest, ResaveRecompressesAtTheLevelAsked) {

@@ -120,6 +120,31 @@ std::string Tga(int mapType, int imageType, int mapLength, int depth, int descri
   return s + rest;
 }
 
+// A calendar with a picture on every page whose every other number is
+// `value`: what a damaged or hostile file holds, for the renderer.
+void SaveExtremeSeed(const std::string& path, uint32_t value) {
+  SaveSeed(path, true, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11});
+  std::FILE* f = std::fopen(path.c_str(), "rb");
+  std::string bytes;
+  for (int c; (c = std::fgetc(f)) != EOF;) bytes += static_cast<char>(c);
+  std::fclose(f);
+  for (size_t at = 0, next; at + kHeaderSize <= bytes.size(); at = next) {
+    char* record = &bytes[at];
+    const bool cover = at == 0;
+    uint32_t length;
+    std::memcpy(&length, record + 4, 4);
+    next = at + length;
+    // Past magic and size; the picture's flags and size stay as they were.
+    const size_t kept[] = {cover ? offsetof(CalendarHeader, CoverPicture) : offsetof(MonthPage, Picture),
+                           cover ? offsetof(CalendarHeader, CoverPictureDataSize) : offsetof(MonthPage, PictureDataSize),
+                           cover ? offsetof(CalendarHeader, CoverPictureShowPicture) : offsetof(MonthPage, PictureShowPicture)};
+    const std::string original(record, cover ? kHeaderSize : kMonthPageSize);
+    for (size_t word = 8; word + 4 <= original.size(); word += 4) std::memcpy(record + word, &value, 4);
+    for (size_t field : kept) std::memcpy(record + field, original.data() + field, 4);
+  }
+  WriteBytes(path, bytes);
+}
+
 void WriteImageSeeds(const std::string& folder) {
   // An 8 x 8 grey gradient, baseline.
   static const unsigned char kGreyJpeg[] = {
@@ -162,6 +187,14 @@ void WriteImageSeeds(const std::string& folder) {
   WriteBytes(folder + "/palette.png", Png(5, 4, 4, 3, 3, palette));
   WriteBytes(folder + "/grey.png", Png(9, 3, 2, 0, 3, ""));
   WriteBytes(folder + "/rgba.png", Png(3, 3, 8, 6, 12, ""));
+
+  // Large headers over a few bytes of data: 6,000 x 4,000 pixels claimed.
+  std::string bigPng = Png(3, 3, 8, 6, 12, "");
+  bigPng.replace(16, 8, Be32(6000) + Be32(4000));
+  WriteBytes(folder + "/big-header.png", bigPng);
+  std::string bmp = "BM" + Le16(0) + Le16(0) + Le16(0) + Le16(0) + Le16(54) + Le16(0);
+  bmp += Le16(40) + Le16(0) + Le16(6000) + Le16(0) + Le16(4000) + Le16(0) + Le16(1) + Le16(24);
+  WriteBytes(folder + "/big-header.bmp", bmp + std::string(24, '\0') + std::string(64, '\x55'));
 }
 
 }  // namespace
@@ -173,18 +206,27 @@ int main(int argc, char** argv) {
   }
   std::string root = argv[1];
   for (const char* sub :
-       {"", "/calendar-seeds", "/calendar-work", "/text-seeds", "/text-work", "/image-seeds", "/image-work"})
+       {"", "/calendar-seeds", "/calendar-work", "/text-seeds", "/text-work", "/image-seeds", "/image-work",
+        "/render-seeds", "/render-work"})
     mkdir((root + sub).c_str(), 0777);
   Settings.ImageCompression = 1;
   SaveSeed(root + "/calendar-seeds/plain.CLN", false, {});
   SaveSeed(root + "/calendar-seeds/pictures.CLN", true, {0, 11});
   SaveSeed(root + "/calendar-seeds/march.CLN", false, {2});
+  SaveSeed(root + "/render-seeds/pictures.CLN", true, {0, 5, 11});
+  for (uint32_t value : {0x80000000u, 0x7FFFFFFFu, 0xFFFFFFFFu, 100000u})
+    SaveExtremeSeed(root + "/render-seeds/extreme-" + std::to_string(value) + ".CLN", value);
 
   std::FILE* f = std::fopen((root + "/text-seeds/QUERNL.INI").c_str(), "wb");
   WriteSettings(f, {"C:\\My Calendars\\2026.CLN", "D:\\old.CLN"}, std::time(nullptr));
   std::fclose(f);
   WriteText(root + "/text-seeds/abbreviated.INI", "Month = Xyz\nCap=1\nDateFontSize=   =  42pt\n\n=x\n");
   WriteText(root + "/text-seeds/General.CDF", "; holidays\nJAN01 New Year\n  jan05 indented\nDEC25 Christmas\r\nFEB29 Leap\n");
+  // Lines longer than either reader takes at once, in a file of tens of kilobytes.
+  std::string longLines = "[Quernal]\nCoverTitle = " + std::string(1500, 'T') + "\n";
+  for (int i = 0; i < 200; ++i)
+    longLines += "JAN" + std::to_string(10 + i % 20) + " " + std::string(60 + i % 300, 'e') + "\n";
+  WriteText(root + "/text-seeds/long.CDF", longLines.c_str());
   WriteImageSeeds(root + "/image-seeds");
   return 0;
 }

@@ -183,3 +183,35 @@ TEST(CairoCanvas, PicturesAreScaledSmoothly) {
   GlobalBlockFree(dib);
   GlobalBlockFree(rgb);
 }
+
+TEST(CairoCanvas, OnlyThePartOfAPictureOnTheSurfaceIsMadeAndItMatchesTheWhole) {
+  BlockHandle dib = MakePatternDib(300, 200, 24, 5);
+  // Shrunk: the part a small surface shows is the same as that part of the
+  // whole picture drawn on a surface large enough for all of it.
+  Surface whole(250, 170), part(60, 40);
+  whole.canvas().DrawPicture(dib, 250, 170, true);
+  part.canvas().SetOrigin(-100, -70);
+  part.canvas().DrawPicture(dib, 250, 170, true);
+  for (int y = 0; y < 40; ++y)
+    for (int x = 0; x < 60; ++x) ASSERT_EQ(part.At(x, y), whole.At(x + 100, y + 70)) << x << "," << y;
+
+  // Enlarged far beyond what one image may hold (40,000 pixels a side): the
+  // middle of the picture still shows, in the colour of its middle pixel.
+  BlockHandle quarters = DibCreate(2, 2, 24);
+  {
+    BlockLock lock(quarters);
+    uint8_t* bits = DibBits(lock.bytes());  // bottom-up rows of 8 bytes, blue first
+    bits[2] = 255;                          // bottom left red
+    bits[3 + 1] = 255;                      // bottom right green
+    bits[8] = 255;                          // top left blue
+  }
+  Surface big(40, 40);
+  big.canvas().SetOrigin(-30000, -10000);
+  big.canvas().DrawPicture(quarters, 40000, 40000, true);
+  EXPECT_EQ(big.At(20, 20), 0x000000u) << "the top right quarter is black";
+  big.canvas().SetOrigin(-10000, -30000);
+  big.canvas().DrawPicture(quarters, 40000, 40000, true);
+  EXPECT_EQ(big.At(20, 20), 0xFF0000u) << "the bottom left quarter is red";
+  GlobalBlockFree(dib);
+  GlobalBlockFree(quarters);
+}

@@ -108,6 +108,47 @@ TEST_F(EventListTest, WritingKeepsExactlyOnePreviousVersion) {
   EXPECT_EQ(ReadFile(dir_.File("Family.CDF")), AsTextFile("Jan05 Third\n"));
 }
 
+TEST_F(EventListTest, AListNameIsAPlainFileNameOrNothingIsReadOrWritten) {
+  // The program's folder is a subfolder; a list outside it must stay out of reach.
+  const std::string app = dir_.File("app");
+  std::filesystem::create_directory(app);
+  std::strcpy(Settings.ApplicationPath, app.c_str());
+  WriteFile(dir_.File("evil.CDF"), "JAN01 Outside\n");
+  const char* const refused[] = {"../evil", "..\\evil", "sub/x", "C:evil", "..", ".", "", "name.", "name ",
+                                 "a*b", "CON", "con.txt", "Nul", "COM1", "lpt9.list", "COM\xB9", "AUX .x"};
+  for (const char* name : refused) {
+    SCOPED_TRACE(name);
+    EXPECT_FALSE(IsPlainListName(name));
+    EXPECT_EQ(LoadEventList(name), 0u);
+    EXPECT_FALSE(WriteEventList(name, {{0, 1, "Overwritten"}}));
+  }
+  EXPECT_EQ(ReadFile(dir_.File("evil.CDF")), "JAN01 Outside\n");
+  EXPECT_FALSE(FileExists(dir_.File("evil.BAK")));
+  EXPECT_TRUE(std::filesystem::is_empty(app));
+
+  for (const char* name : {"General", "Family 2026", "Feiertage.alt", "CONSOLE", "COM10", "nul-list"}) {
+    SCOPED_TRACE(name);
+    EXPECT_TRUE(IsPlainListName(name));
+    ASSERT_TRUE(WriteEventList(name, {{0, 1, "Inside"}}));
+    BlockHandle list = LoadEventList(name);
+    EXPECT_EQ(Find(list, 0, 1), "Inside");
+    GlobalBlockFree(list);
+  }
+}
+
+TEST_F(EventListTest, AnEventsFileOverOneMebibyteLoadsNoList) {
+  // Lines of 64 bytes: the cap itself still loads, one more byte does not.
+  const std::string line = "JAN01 " + std::string(57, 'x') + "\n";
+  std::string text;
+  while (text.size() < kMaxEventFileBytes) text += line;
+  text.resize(kMaxEventFileBytes);
+  WriteFile(dir_.File("General.CDF"), text);
+  BlockHandle list = LoadEventList("General");
+  EXPECT_NE(list, 0u);
+  GlobalBlockFree(list);
+  EXPECT_EQ(Load(text + "\n"), 0u);
+}
+
 // Before the settings name the program's folder, lists are looked for in
 // the folder the program was started in.
 TEST_F(EventListTest, WithoutAProgramFolderTheCurrentFolderIsSearched) {

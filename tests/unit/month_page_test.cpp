@@ -194,7 +194,8 @@ TEST_F(MonthPageTest, SmallMonthsAndTheYearInTitles) {
   EXPECT_EQ(titles, (std::vector<std::string>{"December 2026", "December 2026", "November 2026", "January 2027"}));
   // January 2027 starts on a Friday: its "1" sits in the sixth small column.
   const Op* january = nullptr;
-  for (const Op& t : OfKind(ops, "text"))
+  const std::vector<Op> texts = OfKind(ops, "text");  // kept: `january` points into it
+  for (const Op& t : texts)
     if (t.text == "January 2027") january = &t;
   ASSERT_NE(january, nullptr);
   const int smallW = Width(january->r) / 7, smallH = 6;

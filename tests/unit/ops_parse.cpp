@@ -40,7 +40,7 @@ std::vector<Op> ParseOps(const std::string& ops) {
     while (in >> word) {
       if (word.rfind("pen=", 0) == 0) op.pen = word.substr(4);
       else if (word.rfind("brush=", 0) == 0) op.brush = word.substr(6);
-      else if (word.rfind("flags=", 0) == 0) op.flags = std::stoi(word.substr(6));
+      else if (word.rfind("flags=", 0) == 0) op.flags = static_cast<int>(std::stoul(word.substr(6)));
       else if (word.rfind("color=", 0) == 0) op.colour = word.substr(6);
     }
     if (fontAt != std::string::npos) {

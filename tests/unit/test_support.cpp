@@ -1,5 +1,9 @@
 #include "test_support.h"
 
+#include <zlib.h>
+
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +13,7 @@
 #include "base/dib.h"
 #include "base/text.h"
 #include "calendar/calendar_dates.h"
+#include "calendar/calendar_file.h"
 #include "config/settings.h"
 
 namespace fs = std::filesystem;
@@ -84,3 +89,108 @@ std::vector<uint8_t> BlockBytes(BlockHandle block) {
   if (!lock) return {};
   return std::vector<uint8_t>(lock.bytes(), lock.bytes() + GlobalBlockSize(block));
 }
+
+std::string BlankPictureStream(int32_t width, int32_t height, uint32_t* dataSize) {
+  BitmapInfoHeader h{};
+  h.biSize = sizeof h;
+  h.biWidth = width;
+  h.biHeight = height;
+  h.biPlanes = 1;
+  h.biBitCount = 24;
+  *dataSize = static_cast<uint32_t>(DibTotalSize(h));
+  h.biSizeImage = *dataSize - static_cast<uint32_t>(sizeof h);
+  // Streamed, so a picture of hundreds of megabytes never sits in memory.
+  z_stream z{};
+  deflateInit(&z, 9);
+  std::string out;
+  std::vector<unsigned char> zeros(1 << 20), buffer(1 << 16);
+  uint64_t left = *dataSize;
+  bool headerDone = false;
+  for (int flush = Z_NO_FLUSH; flush != Z_FINISH;) {
+    if (!headerDone) {
+      z.next_in = reinterpret_cast<Bytef*>(&h);
+      z.avail_in = sizeof h;
+      left -= sizeof h;
+      headerDone = true;
+    } else {
+      z.next_in = zeros.data();
+      z.avail_in = static_cast<uInt>(std::min<uint64_t>(left, zeros.size()));
+      left -= z.avail_in;
+    }
+    if (left == 0) flush = Z_FINISH;
+    do {
+      z.next_out = buffer.data();
+      z.avail_out = static_cast<uInt>(buffer.size());
+      deflate(&z, flush);
+      out.append(reinterpret_cast<char*>(buffer.data()), buffer.size() - z.avail_out);
+    } while (z.avail_out == 0);
+  }
+  deflateEnd(&z);
+  return out;
+}
+
+std::string CalendarFileWithPictures(int count, const std::string& stream, uint32_t dataSize) {
+  TempDir dir;
+  const std::string path = dir.File("plain.CLN");
+  CalendarDocument doc = CreateCalendar(2026, 0);
+  SilentProgress progress;
+  SaveCalendar(&progress, path.c_str(), doc);
+  FreeCalendar(doc);
+  const std::string plain = ReadFile(path);
+  auto withStream = [&](size_t at, size_t size, uint32_t pictureField, uint32_t dataSizeField) {
+    std::string record = plain.substr(at, size);
+    const uint32_t one = 1, length = static_cast<uint32_t>(size + stream.size());
+    std::memcpy(&record[4], &length, 4);
+    std::memcpy(&record[pictureField], &one, 4);
+    std::memcpy(&record[dataSizeField], &dataSize, 4);
+    return record + stream;
+  };
+  // The cover first, then the months in order.
+  std::string bytes = count > 0 ? withStream(0, kHeaderSize, offsetof(CalendarHeader, CoverPicture),
+                                             offsetof(CalendarHeader, CoverPictureDataSize))
+                                : plain.substr(0, kHeaderSize);
+  for (int month = 0; month < 12; ++month) {
+    const size_t at = kHeaderSize + month * kMonthPageSize;
+    bytes += month + 1 < count ? withStream(at, kMonthPageSize, offsetof(MonthPage, Picture),
+                                            offsetof(MonthPage, PictureDataSize))
+                               : plain.substr(at, kMonthPageSize);
+  }
+  return bytes;
+}
+
+// Every 32-bit word of the record's body set to `value`, then the few fields
+// that make it a record put back; texts keep whatever the words made of them.
+namespace {
+template <class Record>
+void Fill(Record* record, uint32_t value) {
+  uint8_t* bytes = reinterpret_cast<uint8_t*>(record);
+  for (size_t at = 8; at + 4 <= sizeof *record; at += 4) std::memcpy(bytes + at, &value, 4);
+}
+}  // namespace
+
+CalendarDocument HostileCalendar(uint32_t value, int32_t year) {
+  CalendarDocument doc = CreateCalendar(2026, 0);
+  CalendarHeader h;
+  GetHeader(doc, &h);
+  Fill(&h, value);
+  h.Year = year;
+  h.UseCurrentYear = 0;
+  h.CurrentPage = 0;
+  h.CoverPicture = MakePatternDib(40, 30, 24, 1);
+  h.CoverPictureShowPicture = 1;
+  PutHeader(doc, &h);
+  for (int month = 0; month < 12; ++month) {
+    MonthPage p;
+    GetMonthPage(doc, month, &p);
+    FreeMonthPage(&p);
+    p.Magic = kPageMagic;
+    p.RecordSize = kMonthPageSize;
+    Fill(&p, value);
+    p.Picture = MakePatternDib(40, 30, 8, month);
+    p.Events = 0;
+    p.PictureShowPicture = p.PictureDropShadow = 1;
+    PutMonthPage(doc, month, &p);
+  }
+  return doc;
+}
+

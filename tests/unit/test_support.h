@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/global_block.h"
+#include "calendar/calendar_model.h"
 
 class TempDir {
  public:
@@ -41,3 +42,14 @@ class QuernalTest : public ::testing::Test {
 // A Dib of the given size whose pixels follow a pattern from `seed`.
 BlockHandle MakePatternDib(int width, int height, int bits, uint32_t seed);
 std::vector<uint8_t> BlockBytes(BlockHandle block);
+
+// The zlib stream of a 24-bit Dib of the given size with black pixels, and
+// the Dib's size in bytes: a large picture in a small stream.
+std::string BlankPictureStream(int32_t width, int32_t height, uint32_t* dataSize);
+// The bytes of a new calendar file whose first `count` pictures (the cover,
+// then January on) are all `stream`.
+std::string CalendarFileWithPictures(int count, const std::string& stream, uint32_t dataSize);
+// A calendar whose records hold `value` in every 32-bit word (as a damaged
+// or hostile file may), with `year`, a small picture on every page and the
+// drop shadow on: the numbers no editor makes, at the ends of their ranges.
+CalendarDocument HostileCalendar(uint32_t value, int32_t year);

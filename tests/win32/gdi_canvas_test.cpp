@@ -1,6 +1,7 @@
 // The GDI canvas on a memory device context: what a stage keeps and gives
 // back, and how Dibs reach the device.
 #include <algorithm>
+#include <utility>
 
 #include "base/dib.h"
 #include "gdi_test_support.h"
@@ -77,6 +78,14 @@ TEST_F(QuernalTest, GdiPicturesAreUprightAndTakeTheWholeColourTable) {
     EXPECT_EQ(surface.Count(5, 5, 66, 23, kUpper), 61 * 18);
     EXPECT_EQ(surface.Count(5, 27, 66, 45, kLower), 61 * 18);
     EXPECT_EQ(surface.Count(0, 0, 100, 100, RGB(255, 255, 255)), 100 * 100 - 61 * 40);
+
+    // Drawn far larger than any page, only the part on the surface is
+    // stretched, the right way up: a piece of the upper half, then of the lower.
+    for (const auto& part : {std::make_pair(-5000, kUpper), std::make_pair(-35000, kLower)}) {
+      canvas.SetOrigin(-10000, part.first);
+      canvas.DrawPicture(dib, 40000, 40000, printing);
+      EXPECT_EQ(surface.Count(0, 0, 100, 100, part.second), 100 * 100);
+    }
   }
   GlobalBlockFree(dib);
 }

@@ -2,8 +2,10 @@
 // worked out by hand for a 700 x 1000 page in the unit tests of the layout.
 #include <cstring>
 #include <memory>
+#include <string>
 #include <vector>
 
+#include "calendar/calendar_file.h"
 #include "config/settings.h"
 #include "gdi_test_support.h"
 #include "render/page_renderer_win32.h"
@@ -137,4 +139,26 @@ TEST_F(GdiPageTest, AThousandPaintsLeaveNoGdiObjectBehind) {
   ASSERT_GT(before, 0);
   for (int i = 0; i < 1000; ++i) paint(i);
   EXPECT_EQ(LiveGdiObjects(), before);
+}
+
+// A calendar of numbers no editor makes (huge fonts, shadows and paddings,
+// negative softness) opened from its file: every page repaints on the screen
+// within a second, a generous margin over the few milliseconds it takes.
+TEST_F(GdiPageTest, AHostileCalendarRepaintsWithinASecond) {
+  const std::string path = dir_.File("hostile.CLN");
+  for (uint32_t value : {0x80000000u, 0x7FFFFFFFu, 100000u, 0xFFFFFF00u}) {
+    CalendarDocument made = HostileCalendar(value, static_cast<int32_t>(value));
+    SilentProgress progress;
+    ASSERT_EQ(SaveCalendar(&progress, path.c_str(), made), 1);
+    FreeCalendar(made);
+    CalendarDocument hostile = LoadCalendar(&progress, path.c_str());
+    ASSERT_NE(hostile, 0u);
+    DibSurface surface(780, 1060, kOutside);
+    for (int page = 0; page < 14; ++page) {
+      const DWORD start = GetTickCount();
+      DrawCalendarPage(nullptr, surface.dc(), &kPageRect, hostile, page, false, 1, 1);
+      EXPECT_LT(GetTickCount() - start, 1000u) << std::hex << value << std::dec << " page " << page;
+    }
+    FreeCalendar(hostile);
+  }
 }
