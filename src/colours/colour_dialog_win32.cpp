@@ -13,6 +13,7 @@
 #include "base/text.h"
 #include "colours/colour_table.h"
 #include "config/settings.h"
+#include "editors/editor_controls_win32.h"
 #include "res/colour_dialog_ids.h"
 
 namespace {
@@ -219,6 +220,7 @@ struct AddState {
 
 INT_PTR CALLBACK AddColourProc(HWND box, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* state = reinterpret_cast<AddState*>(GetWindowLongPtrA(box, DWLP_USER));
+  if (const INT_PTR brush = DialogColours(message, wParam)) return brush;
   switch (message) {
     case WM_INITDIALOG:
       SetWindowLongPtrA(box, DWLP_USER, lParam);
@@ -258,6 +260,7 @@ INT_PTR CALLBACK AddColourProc(HWND box, UINT message, WPARAM wParam, LPARAM lPa
 // The tables of the program's folder, by name without extension.
 INT_PTR CALLBACK OpenTableProc(HWND box, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* fileName = reinterpret_cast<char*>(GetWindowLongPtrA(box, DWLP_USER));
+  if (const INT_PTR brush = DialogColours(message, wParam)) return brush;
   switch (message) {
     case WM_INITDIALOG: {
       SetWindowLongPtrA(box, DWLP_USER, lParam);

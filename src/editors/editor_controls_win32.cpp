@@ -6,6 +6,13 @@
 #include "editors/colour_caption.h"
 #include "render/primitives_win32.h"
 
+INT_PTR DialogColours(UINT message, WPARAM dc) {
+  if (message != WM_CTLCOLORDLG && message != WM_CTLCOLORSTATIC && message != WM_CTLCOLORBTN) return 0;
+  SetBkColor(reinterpret_cast<HDC>(dc), GetSysColor(COLOR_BTNFACE));
+  SetTextColor(reinterpret_cast<HDC>(dc), GetSysColor(COLOR_BTNTEXT));
+  return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
+}
+
 void SetFontSample(HWND dialog, int id, const char* face, int weight, int italic, HFONT* held) {
   if (*held) DeleteObject(*held);
   *held = CreateFontA(24, 0, 0, 0, weight, italic ? TRUE : FALSE, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, face);

@@ -7,6 +7,11 @@
 // Resource 6300: the left, centre and right glyphs above their masks.
 constexpr int kAlignmentGlyphs = 6300;
 
+// WM_CTLCOLORDLG, WM_CTLCOLORSTATIC and WM_CTLCOLORBTN of every editor and
+// chooser: one face colour for the dialog and its statics and buttons, and
+// the system's button text on it; 0 (not handled) for any other message.
+INT_PTR DialogColours(UINT message, WPARAM dc);
+
 // The sample static `id` shows `face` in that face at 24 pixels with the
 // weight and italic given; the font it had before (in `held`) is deleted.
 void SetFontSample(HWND dialog, int id, const char* face, int weight, int italic, HFONT* held);

@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "editors/control_binding.h"
 #include "editors/dialog_controls_win32.h"
+#include "editors/editor_controls_win32.h"
 #include "res/editor_dialog_ids.h"
 
 namespace {
@@ -140,6 +141,7 @@ void Close(HWND box, FontBoxState* state, int result) {
 
 INT_PTR CALLBACK FontBoxProc(HWND box, UINT message, WPARAM wParam, LPARAM lParam) {
   FontBoxState* state = State(box);
+  if (const INT_PTR brush = DialogColours(message, wParam)) return brush;
   switch (message) {
     case WM_INITDIALOG:
       SetWindowLongPtrA(box, DWLP_USER, lParam);

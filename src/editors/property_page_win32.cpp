@@ -5,6 +5,7 @@
 
 #include "base/manual_win32.h"
 #include "editors/dialog_controls_win32.h"
+#include "editors/editor_controls_win32.h"
 
 namespace {
 
@@ -31,19 +32,22 @@ INT_PTR CALLBACK BoundPageProc(HWND page, UINT message, WPARAM wParam, LPARAM lP
     auto* c = reinterpret_cast<PageContext*>(reinterpret_cast<const PROPSHEETPAGEA*>(lParam)->lParam);
     SetWindowLongPtrA(page, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(c));
     Win32DialogControls controls(page);
-    LoadControls(c->spec->table, c->spec->count, c->record, controls);
-    if (c->spec->quirks) c->spec->quirks(page, message, wParam, lParam, c);
+    LoadControls(c->tab->table, c->tab->count, c->record, controls);
+    if (c->tab->quirks) c->tab->quirks(page, message, wParam, lParam, c);
     return TRUE;
   }
   PageContext* c = Context(page);
   if (!c) return FALSE;
-  if (c->spec->quirks && c->spec->quirks(page, message, wParam, lParam, c)) return TRUE;
+  if (c->tab->quirks && c->tab->quirks(page, message, wParam, lParam, c)) return TRUE;
   switch (message) {
     case WM_NOTIFY: return Notified(page, c, *reinterpret_cast<const NMHDR*>(lParam)) ? TRUE : FALSE;
-    case WM_HELP: OpenManual(page, c->spec->helpTopic); return TRUE;
+    case WM_HELP: OpenManual(page, c->tab->helpTopic); return TRUE;
+    case WM_CTLCOLORDLG:
+    case WM_CTLCOLORSTATIC:
+    case WM_CTLCOLORBTN: return DialogColours(message, wParam);
     case WM_DESTROY: {
       Win32DialogControls controls(page);
-      ReadControls(c->spec->table, c->spec->count, c->record, controls);
+      ReadControls(c->tab->table, c->tab->count, c->record, controls);
       SetWindowLongPtrA(page, GWLP_USERDATA, 0);
       return FALSE;
     }

@@ -14,7 +14,7 @@
 
 struct PageContext;
 
-struct PageSpec {
+struct TabBinding {
   const ControlBinding* table;
   size_t count;
   const char* helpTopic;  // the manual's anchor
@@ -24,7 +24,7 @@ struct PageSpec {
 };
 
 struct PageContext {
-  const PageSpec* spec;
+  const TabBinding* tab;
   void* record;        // the sheet's working copy
   int index;           // this tab's place in the sheet
   int32_t* lastPage;   // where showing the tab writes `index` (may be null)

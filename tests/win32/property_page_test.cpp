@@ -24,7 +24,7 @@ struct Record {
 const ControlBinding kOne[] = {{135, ControlKind::Number, QUERNAL_FIELD(Record, padding)},
                                {130, ControlKind::Check, QUERNAL_FIELD(Record, shadow)}};
 const ControlBinding kTwo[] = {{160, ControlKind::Text, QUERNAL_FIELD(Record, caption), nullptr, 0, {0, 0}, 12}};
-const PageSpec kSpecs[2] = {{kOne, 2, "ONE", nullptr}, {kTwo, 1, "TWO", nullptr}};
+const TabBinding kTabs[2] = {{kOne, 2, "ONE", nullptr}, {kTwo, 1, "TWO", nullptr}};
 
 // The sheet over `record`, opening on tab `start`; what PropertySheet says.
 INT_PTR RunSheet(Record* record, int start) {
@@ -34,7 +34,7 @@ INT_PTR RunSheet(Record* record, int start) {
   PROPSHEETPAGEA pages[2]{};
   const char* templates[2] = {"TestPageOne", "TestPageTwo"};
   for (int i = 0; i < 2; ++i) {
-    contexts[i] = {&kSpecs[i], record, i, &record->lastPage, &record->edited};
+    contexts[i] = {&kTabs[i], record, i, &record->lastPage, &record->edited};
     pages[i].dwSize = sizeof pages[i];
     pages[i].hInstance = GetModuleHandleA(nullptr);
     pages[i].pszTemplate = templates[i];
@@ -69,6 +69,11 @@ TEST(PropertyPage, ShownTabsLoadAndReadBackAndOkMarksTheCopy) {
     EXPECT_EQ(SendDlgItemMessageA(one, 10135, UDM_GETRANGE, 0, 0), MAKELONG(50, 0));
     SetDlgItemTextA(one, 135, "99");  // beyond the arrows' range, kept as typed
     CheckDlgButton(one, 130, BST_CHECKED);
+    // The tab and its statics wear the editors' face colour.
+    HDC dc = GetDC(one);
+    EXPECT_EQ(SendMessageA(one, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc), 0),
+              reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_BTNFACE)));
+    ReleaseDC(one, dc);
     Press(sheet, IDOK);
   });
   EXPECT_GT(RunSheet(&record, 1), 0);
