@@ -7,3 +7,8 @@
 #define IDC_PICTURE_PREVIEW 1500
 #define IDC_PICTURE_SHOW_PREVIEW 1501
 #define IDC_PICTURE_FACTS 1502
+
+// PaletteWarningBox: the warning about a palette picture.
+#define IDC_PALETTE_ICON 101
+#define IDC_PALETTE_TEXT 102
+#define IDC_PALETTE_AGAIN 103

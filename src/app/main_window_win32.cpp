@@ -1,6 +1,7 @@
 #include "app/main_window_win32.h"
 
 #include <commdlg.h>
+#include <shellapi.h>
 #include <shlobj.h>
 
 #include <string>
@@ -8,6 +9,7 @@
 #include "app/about_box_win32.h"
 #include "app/app_state_win32.h"
 #include "app/clipboard_viewer_win32.h"
+#include "app/picture_clipboard_win32.h"
 #include "app/recent_files_win32.h"
 #include "res/main_ids.h"
 #include "app/toolbar_win32.h"
@@ -20,6 +22,7 @@
 #include "calendar/replicate_dialog_win32.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
+#include "pictures/page_picture_win32.h"
 #include "print/print_job_win32.h"
 #include "print/printer_win32.h"
 #include "print/status_box_win32.h"
@@ -151,13 +154,69 @@ void SetZoom(HWND window, int command) {
   InvalidateRect(window, nullptr, TRUE);
 }
 
+// The picture of the month page shown; 0 on the year and cover pages.
+BlockHandle PagePicture() {
+  MonthPage page;
+  const int shown = CurrentPage();
+  return shown < 12 && GetMonthPage(App.document, shown, &page) ? page.Picture : 0;
+}
+
 // The commands that need a month page are greyed while the year or the
-// cover is shown.
+// cover is shown; Cut and Copy need a picture on it, Paste one on the
+// clipboard.
 void UpdatePageCommands(HWND window) {
   const int page = CurrentPage();
   HMENU menu = GetMenu(window);
   for (int id : {IDM_EDIT_MONTH, IDM_REPLICATE, IDM_EVENTS})
     EnableMenuItem(menu, id, MF_BYCOMMAND | (CommandActsOnPage(id, page) ? MF_ENABLED : MF_GRAYED));
+  const bool month = page < 12, picture = PagePicture() != 0;
+  const struct {
+    int id;
+    bool acts;
+  } clipboard[] = {{IDM_CUT, month && picture}, {IDM_COPY, month && picture}, {IDM_PASTE, month && ClipboardHasPicture()}};
+  for (const auto& c : clipboard) EnableMenuItem(menu, c.id, MF_BYCOMMAND | (c.acts ? MF_ENABLED : MF_GRAYED));
+}
+
+// The month page shown gets `picture` (or loses its own for 0): the old one
+// is freed, a new one is shown, and the calendar has changed.
+void SetPagePicture(HWND window, BlockHandle picture) {
+  const int shown = CurrentPage();
+  MonthPage page;
+  CalendarHeader header;
+  if (shown >= 12 || !GetMonthPage(App.document, shown, &page) || !GetHeader(App.document, &header)) {
+    if (picture) GlobalBlockFree(picture);
+    return (void)ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
+  }
+  if (page.Picture) GlobalBlockFree(page.Picture);
+  page.Picture = picture;
+  if (picture) page.PictureShowPicture = 1;
+  header.Changed = 1;
+  if (!PutMonthPage(App.document, shown, &page) || !PutHeader(App.document, &header))
+    ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
+  UpdatePageCommands(window);
+  InvalidateRect(window, nullptr, TRUE);
+}
+
+void ClipboardCommand(HWND window, int id) {
+  if (CurrentPage() >= 12) return;
+  if (id == IDM_PASTE) {
+    BlockHandle picture = PictureFromClipboard(window);
+    return picture ? SetPagePicture(window, picture) : (void)ShowMessage(window, IDS_CLIPBOARD_FAILED);
+  }
+  const BlockHandle picture = PagePicture();
+  if (!picture) return;
+  if (!CopyPictureToClipboard(window, picture)) return (void)ShowMessage(window, IDS_CLIPBOARD_FAILED);
+  if (id == IDM_CUT) SetPagePicture(window, 0);
+}
+
+// A picture file dropped on the window becomes the month page's picture, as
+// if chosen with "Select...".
+void FilesDropped(HWND window, HDROP drop) {
+  char path[MAX_PATH] = "";
+  const bool one = DragQueryFileA(drop, 0, path, sizeof path) > 0;
+  DragFinish(drop);
+  if (!one || CurrentPage() >= 12) return;
+  if (BlockHandle picture = LoadPagePicture(window, path)) SetPagePicture(window, picture);
 }
 
 // The title keeps the page it was named with: it changes with the
@@ -304,6 +363,9 @@ void Command(HWND window, int id) {
     case IDM_EVENTS:
       if (EditEvents(window, App.document)) InvalidateRect(window, nullptr, TRUE);
       return;
+    case IDM_CUT:
+    case IDM_COPY:
+    case IDM_PASTE: return ClipboardCommand(window, id);
     case IDM_SELECT_PRINTER: PrinterSetup(window); return PrinterMayHaveChanged(window);
     case IDM_PRINT_SINGLE: PrintSingleSided(window, App.document, App.path.c_str()); return PrinterMayHaveChanged(window);
     case IDM_PRINT_DOUBLE: PrintDoubleSided(window, App.document, App.path.c_str()); return PrinterMayHaveChanged(window);
@@ -428,6 +490,7 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
       App.mainWindow = window;
       LoadSettings();
       JoinClipboardChain(window);
+      DragAcceptFiles(window, TRUE);
       // Centred on the screen.
       RECT r;
       GetWindowRect(window, &r);
@@ -453,7 +516,11 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
       break;
     case WM_QUERYENDSESSION: CheckUnsavedChanges(window); return TRUE;
     case WM_CLOSE: Close(window); break;
-    case WM_DRAWCLIPBOARD: ClipboardChanged(window, wParam, lParam); return 0;
+    case WM_DRAWCLIPBOARD:
+      ClipboardChanged(window, wParam, lParam);
+      UpdatePageCommands(window);
+      return 0;
+    case WM_DROPFILES: FilesDropped(window, reinterpret_cast<HDROP>(wParam)); return 0;
     case WM_CHANGECBCHAIN: ClipboardChainChanged(wParam, lParam); return 0;
     case WM_DESTROY:
       LeaveClipboardChain(window);

@@ -58,3 +58,28 @@ BlockHandle DibCreate(int32_t width, int32_t height, uint16_t bitCount) {
   std::memcpy(lock.bytes(), &h, sizeof h);
   return block;
 }
+
+BlockHandle DibFromPacked(const void* data, uint64_t size) {
+  const uint8_t* p = static_cast<const uint8_t*>(data);
+  BitmapInfoHeader h{};
+  if (!data || size < sizeof h) return 0;
+  std::memcpy(&h, p, sizeof h);
+  if (h.biSize < sizeof h || h.biSize > size || h.biCompression != kBiRgb || h.biPlanes != 1) return 0;
+  const uint32_t full = DibColourTableEntries(h.biBitCount);
+  const uint32_t colours = h.biClrUsed && h.biClrUsed < full ? h.biClrUsed : full;
+  const uint64_t tableAt = h.biSize, bitsAt = tableAt + uint64_t(colours) * sizeof(RgbQuad);
+  const int32_t rows = h.biHeight < 0 ? -h.biHeight : h.biHeight;
+  if (h.biHeight == INT32_MIN || h.biWidth <= 0 || h.biWidth > 65536 || rows == 0 || rows > 65536 || bitsAt > size)
+    return 0;
+  const uint64_t bytes = DibRowStride(h.biWidth, h.biBitCount) * uint64_t(rows);
+  if (bitsAt + bytes > size) return 0;
+  BlockHandle dib = DibCreate(h.biWidth, h.biHeight, h.biBitCount);
+  if (!dib) return 0;
+  BlockLock lock(dib);
+  if (!lock) return GlobalBlockFree(dib), 0;
+  std::memcpy(lock.bytes() + sizeof h, p + tableAt, colours * sizeof(RgbQuad));
+  std::memcpy(DibBits(lock.bytes()), p + bitsAt, bytes);
+  auto* header = lock.as<BitmapInfoHeader>();
+  header->biXPelsPerMeter = h.biXPelsPerMeter, header->biYPelsPerMeter = h.biYPelsPerMeter;
+  return dib;
+}

@@ -52,6 +52,12 @@ bool DibBlockIsValid(BlockHandle block);
 // A zero-filled bottom-up Dib, or 0 when the size is not usable or memory runs out.
 BlockHandle DibCreate(int32_t width, int32_t height, uint16_t bitCount);
 
+// A Dib of our layout from a packed DIB as other programs write it (the
+// clipboard's CF_DIB): a BITMAPINFOHEADER or a larger header, a colour table
+// of biClrUsed entries or the full 2^bits, the rows. Uncompressed RGB only;
+// 0 for anything else or anything that does not fit in `size` bytes.
+BlockHandle DibFromPacked(const void* data, uint64_t size);
+
 inline RgbQuad* DibColourTable(void* dib) {
   return reinterpret_cast<RgbQuad*>(static_cast<uint8_t*>(dib) + static_cast<BitmapInfoHeader*>(dib)->biSize);
 }

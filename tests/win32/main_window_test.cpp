@@ -2,21 +2,27 @@
 // its title, menu, toolbar strip, page view and file dialogs.
 #include <windows.h>
 #include <commdlg.h>
+#include <shellapi.h>
 #include <shlobj.h>
 
 #include <algorithm>
+#include <cstring>
 #include <string>
+#include <vector>
 
 #include "app/app_state_win32.h"
 #include "app/main_window_win32.h"
 #include "res/main_ids.h"
 #include "app/theme_win32.h"
 #include "app/tooltip_win32.h"
+#include "base/dib.h"
 #include "base/program_win32.h"
 #include "base/text.h"
 #include "calendar/calendar_model.h"
 #include "config/settings.h"
 #include "dialog_driver.h"
+#include "pictures/image_files.h"
+#include "res/picture_dialog_ids.h"
 #include "test_support.h"
 
 namespace {
@@ -153,4 +159,107 @@ TEST_F(MainWindowTest, FileDialogsStartWhereTheLastOneEnded) {
   SetKeyboardState(keys);
   EXPECT_TRUE(driver.Finished()) << "Ctrl+0 opened no Open dialog";
   EXPECT_EQ(WithoutTrailingSlash(openedIn), dir_.path());
+}
+
+namespace {
+
+// Drops `path` on `window` as the shell does.
+void Drop(HWND window, const std::string& path) {
+  const size_t size = sizeof(DROPFILES) + path.size() + 2;
+  HGLOBAL drop = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size);
+  auto* files = static_cast<DROPFILES*>(GlobalLock(drop));
+  files->pFiles = sizeof(DROPFILES);
+  std::memcpy(reinterpret_cast<char*>(files) + sizeof(DROPFILES), path.c_str(), path.size());
+  GlobalUnlock(drop);
+  SendMessageA(window, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
+}
+
+std::vector<uint8_t> Bytes(BlockHandle block) {
+  BlockLock lock(block);
+  return lock ? std::vector<uint8_t>(lock.bytes(), lock.bytes() + GlobalBlockSize(block)) : std::vector<uint8_t>{};
+}
+
+}  // namespace
+
+// A photograph dropped on the window, cut, pasted onto another month, and a
+// bitmap another program copied pasted too; the commands are there only
+// where they can act.
+TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
+  BlockHandle art = DibCreate(8, 6, 8);
+  {
+    BlockLock lock(art);
+    RgbQuad* table = DibColourTable(lock.bytes());
+    for (int i = 0; i < 256; ++i) table[i] = {uint8_t(i), uint8_t(255 - i), uint8_t(i / 2), 0};
+    for (int i = 0; i < 8 * 6; ++i) DibBits(lock.bytes())[i] = uint8_t(i * 5);
+  }
+  const std::string file = dir_.File("Poster.bmp"), broken = dir_.File("Broken.jpg");
+  ASSERT_TRUE(WriteBmpFile(file.c_str(), art));
+  WriteFile(broken, "not a picture");
+  EXPECT_TRUE(Greyed(IDM_CUT) && Greyed(IDM_COPY)) << "May has no picture yet";
+
+  // A palette picture brings the warning, whose check box stops it.
+  DialogDriver driver;
+  driver.Then("Message", [](HWND box) {
+    SetCheck(box, IDC_PALETTE_AGAIN, false);
+    Press(box, IDOK);
+  });
+  Drop(window(), file);
+  EXPECT_TRUE(driver.Finished()) << "no palette warning";
+  EXPECT_EQ(Settings.WarnPaletteColour, 0u);
+  MonthPage may;
+  ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
+  ASSERT_NE(may.Picture, 0u);
+  const std::vector<uint8_t> picture = Bytes(may.Picture);
+  EXPECT_EQ(picture, Bytes(art));
+  EXPECT_FALSE(Greyed(IDM_CUT) || Greyed(IDM_COPY));
+  CalendarHeader header;
+  ASSERT_TRUE(GetHeader(App.document, &header));
+  EXPECT_EQ(header.Changed, 1);
+
+  // Cut: on the clipboard with its palette, gone from May; pasted on June.
+  Command(IDM_CUT);
+  EXPECT_TRUE(IsClipboardFormatAvailable(CF_PALETTE));
+  ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
+  EXPECT_EQ(may.Picture, 0u);
+  EXPECT_TRUE(Greyed(IDM_COPY));
+  EXPECT_FALSE(Greyed(IDM_PASTE));
+  Command(315);
+  Command(IDM_PASTE);
+  MonthPage june;
+  ASSERT_TRUE(GetMonthPage(App.document, 5, &june));
+  EXPECT_EQ(Bytes(june.Picture), picture) << "the same picture, palette and all";
+
+  // A bitmap from another program comes in as true colour.
+  HDC screen = GetDC(nullptr);
+  HBITMAP bitmap = CreateCompatibleBitmap(screen, 5, 4);
+  ReleaseDC(nullptr, screen);
+  ASSERT_TRUE(OpenClipboard(window()));
+  EmptyClipboard();
+  SetClipboardData(CF_BITMAP, bitmap);
+  CloseClipboard();
+  Command(316);
+  Command(IDM_PASTE);
+  MonthPage july;
+  ASSERT_TRUE(GetMonthPage(App.document, 6, &july));
+  ASSERT_NE(july.Picture, 0u);
+  {
+    BlockLock lock(july.Picture);
+    EXPECT_EQ(lock.as<BitmapInfoHeader>()->biWidth, 5);
+    EXPECT_EQ(lock.as<BitmapInfoHeader>()->biBitCount, 24);
+  }
+
+  // Not on the cover; and a file that is no picture is said so.
+  Command(IDM_PAGE_COVER);
+  EXPECT_TRUE(Greyed(IDM_CUT) && Greyed(IDM_COPY) && Greyed(IDM_PASTE));
+  Command(314);
+  std::string said;
+  driver.Then("Message", [&](HWND box) {
+    said = MessageText(box);
+    Press(box, IDOK);
+  });
+  Drop(window(), broken);
+  EXPECT_EQ(said.rfind("There has been an error loading the image", 0), 0u) << said;
+  ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
+  EXPECT_EQ(may.Picture, 0u);
+  GlobalBlockFree(art);
 }

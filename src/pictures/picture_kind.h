@@ -1,0 +1,16 @@
+// What kind of picture a Dib is, as far as printing it well goes.
+#pragma once
+#include "base/global_block.h"
+
+enum class PictureKind {
+  Monochrome,  // 1 bit per pixel
+  TrueColour,  // more than 8 bits per pixel
+  GreyScale,   // 8 bits whose 256 table entries are each (i, i, i)
+  Palette,     // anything else, and a picture that cannot be read
+};
+
+PictureKind ClassifyPicture(BlockHandle dib);
+// Monochrome and palette pictures may not print well: the user is warned.
+inline bool WantsPaletteWarning(PictureKind kind) {
+  return kind == PictureKind::Monochrome || kind == PictureKind::Palette;
+}
