@@ -32,6 +32,7 @@ target_sources(quernal_win32_tests PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/colour_dialog_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/editor_controls_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/property_page_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/paint_round_trip_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/test_pages.rc)
 target_link_libraries(quernal_win32_tests PRIVATE quernal_app_shell quernal_editors_ui quernal_pictures_ui
   quernal_colours_ui)
@@ -48,3 +49,8 @@ foreach(broken "Partial;1;1" "Refusing;0;0")
   add_dependencies(quernal_win32_tests THEME_${name})
 endforeach()
 add_dependencies(quernal_win32_tests THEME_Standard)
+
+# A stand-in paint program for the paint round trip.
+add_executable(stand_in_paint ${CMAKE_CURRENT_LIST_DIR}/stand_in_paint.cpp)
+target_link_options(stand_in_paint PRIVATE -static)
+add_dependencies(quernal_win32_tests stand_in_paint)
