@@ -1,0 +1,62 @@
+// The page property sheet's five tabs as data, on a real month page.
+#include <cstring>
+#include <set>
+
+#include "calendar/calendar_model.h"
+#include "editors/page_tabs.h"
+#include "fake_controls.h"
+#include "test_support.h"
+
+namespace {
+
+// Every control a tab's table names, and the up-downs of its numbers with
+// the texts their templates hold.
+FakeControls TabControls(const PageTab& tab) {
+  std::set<int> ids;
+  std::map<int, std::string> ranges;
+  for (size_t i = 0; i < tab.controlCount; ++i) {
+    const ControlBinding& b = tab.controls[i];
+    ids.insert(b.id);
+    for (int c = 0; c < b.choiceCount; ++c) ids.insert(b.choices[c].id);
+    if (b.kind == ControlKind::Radio) ids.insert(b.fallback.id);
+    if (b.kind == ControlKind::Number) ids.insert(b.id + kUpDownOffset), ranges[b.id + kUpDownOffset] = "0,25,5";
+  }
+  FakeControls controls(ids);
+  controls.text_ = ranges;
+  return controls;
+}
+
+}  // namespace
+
+TEST_F(QuernalTest, EveryTabGivesBackThePageItShowed) {
+  MonthPage page;
+  CalendarDocument doc = CreateCalendar(2027, 0);
+  ASSERT_TRUE(GetMonthPage(doc, 3, &page));
+  std::strcpy(page.LeftCaption, "Spring\r\ncomes");
+  page.PicturePlacement = 10;
+  for (const PageTab& tab : kPageTabs) {
+    FakeControls controls = TabControls(tab);
+    LoadControls(tab.controls, tab.controlCount, &page, controls);
+    MonthPage back = page;
+    ReadControls(tab.controls, tab.controlCount, &back, controls);
+    EXPECT_EQ(std::memcmp(&back, &page, sizeof page), 0) << tab.caption;
+  }
+
+  // A centred picture stored as 1 shows as centre and comes back as 147; a
+  // typed number beyond its arrows is kept; a caption keeps 2,048 characters.
+  page.PicturePlacement = 1;
+  const PageTab& picture = kPageTabs[3];
+  FakeControls controls = TabControls(picture);
+  LoadControls(picture.controls, picture.controlCount, &page, controls);
+  EXPECT_TRUE(controls.Checked(147));
+  controls.SetText(163, "99");
+  ReadControls(picture.controls, picture.controlCount, &page, controls);
+  EXPECT_EQ(page.PicturePlacement, 147);
+  EXPECT_EQ(page.Gutter, 99);
+  const PageTab& caption = kPageTabs[4];
+  controls = TabControls(caption);
+  controls.SetText(140, std::string(3000, 'x'));
+  ReadControls(caption.controls, caption.controlCount, &page, controls);
+  EXPECT_EQ(std::strlen(page.LeftCaption), 2048u);
+  FreeCalendar(doc);
+}
