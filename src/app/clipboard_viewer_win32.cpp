@@ -1,7 +1,5 @@
 #include "app/clipboard_viewer_win32.h"
 
-#include "res/main_ids.h"
-
 namespace {
 HWND g_nextViewer = nullptr;
 }
@@ -13,9 +11,7 @@ void LeaveClipboardChain(HWND window) {
   g_nextViewer = nullptr;
 }
 
-void ClipboardChanged(HWND window, WPARAM wParam, LPARAM lParam) {
-  const bool picture = IsClipboardFormatAvailable(CF_DIB) || IsClipboardFormatAvailable(CF_BITMAP);
-  EnableMenuItem(GetMenu(window), IDM_PASTE, MF_BYCOMMAND | (picture ? MF_ENABLED : MF_GRAYED));
+void PassClipboardNews(WPARAM wParam, LPARAM lParam) {
   if (g_nextViewer) SendMessageA(g_nextViewer, WM_DRAWCLIPBOARD, wParam, lParam);
 }
 

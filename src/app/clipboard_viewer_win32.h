@@ -1,5 +1,5 @@
-// The main window as a clipboard viewer: Paste is offered only while the
-// clipboard holds a picture.
+// The main window as a clipboard viewer, so that Paste is offered only while
+// the clipboard holds a picture (the window decides its menu itself).
 #pragma once
 #include <windows.h>
 
@@ -7,8 +7,7 @@
 void JoinClipboardChain(HWND window);
 // Leaves the chain (WM_DESTROY).
 void LeaveClipboardChain(HWND window);
-// WM_DRAWCLIPBOARD: enables Paste on `window`'s menu only for a Dib or a
-// bitmap on the clipboard, and passes the news down the chain.
-void ClipboardChanged(HWND window, WPARAM wParam, LPARAM lParam);
+// WM_DRAWCLIPBOARD: passes the news down the chain.
+void PassClipboardNews(WPARAM wParam, LPARAM lParam);
 // WM_CHANGECBCHAIN: mends the chain when a viewer leaves it.
 void ClipboardChainChanged(WPARAM wParam, LPARAM lParam);

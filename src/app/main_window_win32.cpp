@@ -517,8 +517,8 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_QUERYENDSESSION: CheckUnsavedChanges(window); return TRUE;
     case WM_CLOSE: Close(window); break;
     case WM_DRAWCLIPBOARD:
-      ClipboardChanged(window, wParam, lParam);
       UpdatePageCommands(window);
+      PassClipboardNews(wParam, lParam);
       return 0;
     case WM_DROPFILES: FilesDropped(window, reinterpret_cast<HDROP>(wParam)); return 0;
     case WM_CHANGECBCHAIN: ClipboardChainChanged(wParam, lParam); return 0;

@@ -119,10 +119,12 @@ void ChooseFile(HWND dialog, const std::string& path) {
   Press(dialog, IDOK);
 }
 
+HWND ToolbarStrip(HWND mainWindow) { return FindWindowExA(mainWindow, nullptr, "QuernalBar", nullptr); }
+
 int PageViewHeight(HWND mainWindow) {
   RECT client, bar{0, 0, 0, 0};
   GetClientRect(mainWindow, &client);
-  GetWindowRect(FindWindowExA(mainWindow, nullptr, "QuernalBar", nullptr), &bar);
+  GetWindowRect(ToolbarStrip(mainWindow), &bar);
   return client.bottom - (bar.bottom - bar.top) - GetSystemMetrics(SM_CYHSCROLL);
 }
 

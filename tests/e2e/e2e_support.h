@@ -35,6 +35,8 @@ void SetCheck(HWND dialog, int id, bool checked);
 // Types a name into the file dialog and presses OK.
 void ChooseFile(HWND dialog, const std::string& path);
 
+// The main window's toolbar strip.
+HWND ToolbarStrip(HWND mainWindow);
 // The height of the main window's page view: its client area below the
 // toolbar strip and above the horizontal scroll bar.
 int PageViewHeight(HWND mainWindow);

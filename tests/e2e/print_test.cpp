@@ -158,7 +158,9 @@ TEST(Print, PageShapeFollowsThePrinter) {
   if (printer.empty()) GTEST_SKIP() << "run by tests/print/check-print.sh";
   const bool none = printer == "none";
   int paperW = 360, paperH = 460;
-  if (!none) ASSERT_TRUE(PrinterPage(printer, &paperW, &paperH)) << "Wine does not see the printer " << printer;
+  if (!none) {
+    ASSERT_TRUE(PrinterPage(printer, &paperW, &paperH)) << "Wine does not see the printer " << printer;
+  }
   WriteSettings();
   Quernal quernal("");
   HWND message = quernal.Wait("Message", none ? 30000 : 3000);

@@ -15,10 +15,9 @@ TEST(Toolbar, StripsTheTopOfTheMainWindowAndItsExitButtonCloses) {
   WriteSettings();
   Quernal quernal;
   ASSERT_NE(quernal.MainWindow(), nullptr);
-  HWND bar = FindWindowExA(quernal.window(), nullptr, "QuernalBar", nullptr);
-  ASSERT_NE(bar, nullptr);
+  HWND bar = ToolbarStrip(quernal.window());
   RECT r;
-  GetWindowRect(bar, &r);
+  ASSERT_TRUE(GetWindowRect(bar, &r));
   POINT corner{0, 0};
   ClientToScreen(quernal.window(), &corner);
   EXPECT_EQ(r.left, corner.x);
@@ -115,10 +114,9 @@ TEST(Toolbar, GrowsWithTheDisplaysDotsPerInch) {
     ScopedDpi scoped(dpi);
     Quernal quernal;
     ASSERT_NE(quernal.MainWindow(), nullptr);
-    HWND bar = FindWindowExA(quernal.window(), nullptr, "QuernalBar", nullptr);
-    ASSERT_NE(bar, nullptr);
+    HWND bar = ToolbarStrip(quernal.window());
     RECT r;
-    GetWindowRect(bar, &r);
+    ASSERT_TRUE(GetWindowRect(bar, &r));
     Sleep(300);  // painted
     const int glyph = GlyphWidth(GetDlgItem(bar, 51));
     if (dpi == 96) {

@@ -75,3 +75,9 @@ std::vector<Op> Texts(const std::vector<Op>& ops, const std::string& colour) {
     if (op.kind == "text" && op.colour == colour) out.push_back(op);
   return out;
 }
+
+std::vector<std::string> Lines(const std::vector<Op>& ops) {
+  std::vector<std::string> lines;
+  for (const Op& op : ops) lines.push_back(op.line);
+  return lines;
+}

@@ -24,4 +24,6 @@ std::vector<Op> RenderOps(CalendarDocument document, int pageIndex, const Rect& 
                           bool upper = true, bool lower = true);
 // The ops of one kind, optionally only those whose text or colour matches.
 std::vector<Op> OfKind(const std::vector<Op>& ops, const std::string& kind);
+// The whole lines, to compare with what a test expects.
+std::vector<std::string> Lines(const std::vector<Op>& ops);
 std::vector<Op> Texts(const std::vector<Op>& ops, const std::string& colour);

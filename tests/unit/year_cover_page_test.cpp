@@ -125,8 +125,7 @@ TEST_F(YearCoverTest, CoverWithAFramedPictureAndTitle) {
       "text 5 525 700 955 flags=2081 color=#7F7F7F font=116,700,0,\"ARIAL\" \"Our year\"",
       "text 0 520 695 950 flags=2081 color=#000000 font=116,700,0,\"ARIAL\" \"Our year\"",
   };
-  ASSERT_EQ(ops.size(), expected.size());
-  for (size_t i = 0; i < ops.size(); ++i) EXPECT_EQ(ops[i].line, expected[i]);
+  EXPECT_EQ(Lines(ops), expected);
 
   // The upper half alone is background only.
   EXPECT_EQ(RenderOps(doc_, 13, kPage, true, true, false).size(), 1u);
@@ -153,8 +152,7 @@ TEST_F(YearCoverTest, ABleedingCoverFillsTheBoxBelowTheGutter) {
       "unclip",
       "text 0 520 700 1000 flags=2081 color=#000000 font=116,700,0,\"ARIAL\" \"Bleed\"",
   };
-  ASSERT_EQ(ops.size(), expected.size());
-  for (size_t i = 0; i < ops.size(); ++i) EXPECT_EQ(ops[i].line, expected[i]);
+  EXPECT_EQ(Lines(ops), expected);
 
   // Switched off, the picture leaves the title reaching to the page bottom.
   EditHeader([](CalendarHeader* h) { h->CoverPictureShowPicture = 0; });

@@ -17,17 +17,6 @@
 
 namespace {
 
-std::vector<std::string> Names(HWND dialog) {
-  std::vector<std::string> names;
-  const int count = static_cast<int>(SendDlgItemMessageA(dialog, IDC_COLOUR_LIST, LB_GETCOUNT, 0, 0));
-  for (int i = 0; i < count; ++i) {
-    char name[100] = "";
-    SendDlgItemMessageA(dialog, IDC_COLOUR_LIST, LB_GETTEXT, i, reinterpret_cast<LPARAM>(name));
-    names.push_back(name);
-  }
-  return names;
-}
-
 int Selection(HWND dialog) { return static_cast<int>(SendDlgItemMessageA(dialog, IDC_COLOUR_LIST, LB_GETCURSEL, 0, 0)); }
 
 std::string Hex(HWND dialog) {
@@ -61,7 +50,7 @@ TEST_F(QuernalTest, TheColourDialogPicksAddsDeletesAndSwitchesTables) {
   std::vector<std::string> tables;
   DialogDriver driver;
   driver.Then("Color", [](HWND dialog) {
-    EXPECT_EQ(Names(dialog), (std::vector<std::string>{"Sky", "Brick", "Moss"}));
+    EXPECT_EQ(Entries(dialog, IDC_COLOUR_LIST), (std::vector<std::string>{"Sky", "Brick", "Moss"}));
     EXPECT_EQ(Selection(dialog), 1) << "the entry of the colour the dialog opened with";
     EXPECT_EQ(Hex(dialog), "A6H 36H 2AH");
     EXPECT_EQ(SendDlgItemMessageA(dialog, IDC_COLOUR_RED_ARROWS, UDM_GETRANGE, 0, 0), MAKELONG(255, 0));
@@ -88,23 +77,18 @@ TEST_F(QuernalTest, TheColourDialogPicksAddsDeletesAndSwitchesTables) {
   });
   // Moss goes; the one before it is selected.
   driver.Then("Color", [](HWND dialog) {
-    EXPECT_EQ(Names(dialog), (std::vector<std::string>{"Sky", "Brick", "Moss", "Pale sky"}));
+    EXPECT_EQ(Entries(dialog, IDC_COLOUR_LIST), (std::vector<std::string>{"Sky", "Brick", "Moss", "Pale sky"}));
     PickEntry(dialog, 2);
     Press(dialog, IDC_COLOUR_DELETE);
   });
   Answer(&driver, &deleting);
   driver.Then("Color", [](HWND dialog) {
-    EXPECT_EQ(Names(dialog), (std::vector<std::string>{"Sky", "Brick", "Pale sky"}));
+    EXPECT_EQ(Entries(dialog, IDC_COLOUR_LIST), (std::vector<std::string>{"Sky", "Brick", "Pale sky"}));
     EXPECT_EQ(Selection(dialog), 1);
     Press(dialog, IDC_COLOUR_OPEN);
   });
   driver.Then("Open Color Table", [&](HWND box) {
-    const int count = static_cast<int>(SendDlgItemMessageA(box, IDC_OPEN_TABLE_NAMES, CB_GETCOUNT, 0, 0));
-    for (int i = 0; i < count; ++i) {
-      char name[100] = "";
-      SendDlgItemMessageA(box, IDC_OPEN_TABLE_NAMES, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(name));
-      tables.push_back(name);
-    }
+    tables = Entries(box, IDC_OPEN_TABLE_NAMES);
     EXPECT_EQ(ItemText(box, IDC_OPEN_TABLE_NAMES), "QUERNL");
     SendDlgItemMessageA(box, IDC_OPEN_TABLE_NAMES, CB_SELECTSTRING, static_cast<WPARAM>(-1),
                         reinterpret_cast<LPARAM>("Ink"));
@@ -112,7 +96,7 @@ TEST_F(QuernalTest, TheColourDialogPicksAddsDeletesAndSwitchesTables) {
   });
   // A double click on an entry chooses its colour.
   driver.Then("Color", [](HWND dialog) {
-    EXPECT_EQ(Names(dialog), std::vector<std::string>{"Ink"});
+    EXPECT_EQ(Entries(dialog, IDC_COLOUR_LIST), std::vector<std::string>{"Ink"});
     PickEntry(dialog, 0);
   });
   driver.Then("Color", [](HWND dialog) { PickEntry(dialog, 0, LBN_DBLCLK); });

@@ -88,3 +88,29 @@ std::string ItemText(HWND dialog, int id) { return TextOf(GetDlgItem(dialog, id)
 
 // A message box shows its text in a static control numbered 0xFFFF.
 std::string MessageText(HWND box) { return ItemText(box, 0xFFFF); }
+
+void Pump(int milliseconds, const std::function<bool()>& done) {
+  const DWORD start = GetTickCount();
+  while (!(done && done()) && GetTickCount() - start < static_cast<DWORD>(milliseconds)) {
+    MSG message;
+    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+      TranslateMessage(&message);
+      DispatchMessageA(&message);
+    }
+    Sleep(10);
+  }
+}
+
+std::vector<std::string> Entries(HWND dialog, int id) {
+  char kind[32] = "";
+  GetClassNameA(GetDlgItem(dialog, id), kind, sizeof kind);
+  const bool combo = lstrcmpiA(kind, "ComboBox") == 0;
+  const int count = static_cast<int>(SendDlgItemMessageA(dialog, id, combo ? CB_GETCOUNT : LB_GETCOUNT, 0, 0));
+  std::vector<std::string> entries;
+  for (int i = 0; i < count; ++i) {
+    char text[300] = "";
+    SendDlgItemMessageA(dialog, id, combo ? CB_GETLBTEXT : LB_GETTEXT, i, reinterpret_cast<LPARAM>(text));
+    entries.push_back(text);
+  }
+  return entries;
+}

@@ -9,6 +9,7 @@
 #include <deque>
 #include <functional>
 #include <string>
+#include <vector>
 
 class DialogDriver {
  public:
@@ -39,6 +40,11 @@ class DialogDriver {
   DWORD pause_ = 0;  // QUERNAL_DIALOG_PAUSE_MS: time to look at each window
   bool running_ = false, timedOut_ = false;
 };
+
+// Runs this thread's messages for `milliseconds`, or until `done` says so.
+void Pump(int milliseconds, const std::function<bool()>& done = nullptr);
+// The texts of a list box's or combo box's entries, in order.
+std::vector<std::string> Entries(HWND dialog, int id);
 
 // Presses a button of `dialog` as a click does, by a posted notification.
 void Press(HWND dialog, int id);

@@ -13,17 +13,6 @@
 
 namespace {
 
-std::vector<std::string> Entries(HWND box, int id) {
-  std::vector<std::string> entries;
-  const int count = static_cast<int>(SendDlgItemMessageA(box, id, CB_GETCOUNT, 0, 0));
-  for (int i = 0; i < count; ++i) {
-    char text[300] = "";
-    SendDlgItemMessageA(box, id, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(text));
-    entries.push_back(text);
-  }
-  return entries;
-}
-
 std::string Selected(HWND box, int id) {
   const LRESULT at = SendDlgItemMessageA(box, id, CB_GETCURSEL, 0, 0);
   return at < 0 ? "" : Entries(box, id)[static_cast<size_t>(at)];

@@ -27,15 +27,6 @@
 
 namespace {
 
-void Pump(int milliseconds) {
-  const DWORD start = GetTickCount();
-  while (GetTickCount() - start < static_cast<DWORD>(milliseconds)) {
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
-    Sleep(10);
-  }
-}
-
 // The Explorer-style file dialog's folder, as it shows it.
 std::string FolderShown(HWND dialog) {
   char folder[MAX_PATH] = "";
@@ -196,6 +187,16 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   ASSERT_TRUE(WriteBmpFile(file.c_str(), art));
   WriteFile(broken, "not a picture");
   EXPECT_TRUE(Greyed(IDM_CUT) && Greyed(IDM_COPY)) << "May has no picture yet";
+  // Paste follows what the clipboard holds: text is no picture.
+  ASSERT_TRUE(OpenClipboard(window()));
+  EmptyClipboard();
+  HGLOBAL text = GlobalAlloc(GMEM_MOVEABLE, 5);
+  std::memcpy(GlobalLock(text), "text", 5);
+  GlobalUnlock(text);
+  SetClipboardData(CF_TEXT, text);
+  CloseClipboard();
+  Pump(300);
+  EXPECT_TRUE(Greyed(IDM_PASTE));
 
   // A palette picture brings the warning, whose check box stops it.
   DialogDriver driver;
@@ -237,6 +238,8 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   EmptyClipboard();
   SetClipboardData(CF_BITMAP, bitmap);
   CloseClipboard();
+  Pump(300);
+  EXPECT_FALSE(Greyed(IDM_PASTE)) << "a bitmap from another program";
   Command(316);
   Command(IDM_PASTE);
   MonthPage july;

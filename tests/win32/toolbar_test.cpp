@@ -11,6 +11,7 @@
 #include "app/theme_win32.h"
 #include "app/toolbar_win32.h"
 #include "app/tooltip_win32.h"
+#include "dialog_driver.h"
 
 namespace {
 
@@ -21,33 +22,10 @@ LRESULT CALLBACK OwnerProc(HWND window, UINT message, WPARAM wParam, LPARAM lPar
   return DefWindowProcA(window, message, wParam, lParam);
 }
 
-// Runs this thread's messages for `milliseconds`, or until `done`.
-template <typename Done>
-void Pump(int milliseconds, Done done) {
-  const DWORD start = GetTickCount();
-  while (!done() && GetTickCount() - start < static_cast<DWORD>(milliseconds)) {
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
-      TranslateMessage(&message);
-      DispatchMessageA(&message);
-    }
-    Sleep(10);
-  }
-}
-void Pump(int milliseconds) {
-  Pump(milliseconds, [] { return false; });
-}
-
 std::string ClassOf(HWND window) {
   char name[64] = "";
   GetClassNameA(window, name, sizeof name);
   return name;
-}
-
-std::string TextOf(HWND window) {
-  char text[256] = "";
-  GetWindowTextA(window, text, sizeof text);
-  return text;
 }
 
 // How wide `text` comes out in the tips' font: the columns from the left

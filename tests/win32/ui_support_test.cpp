@@ -23,15 +23,6 @@
 
 namespace {
 
-void Pump(int milliseconds, bool (*done)() = nullptr) {
-  const DWORD start = GetTickCount();
-  while (!(done && done()) && GetTickCount() - start < static_cast<DWORD>(milliseconds)) {
-    MSG message;
-    while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
-    Sleep(10);
-  }
-}
-
 // QUERNL.INI in the configuration folder holds `lines` for the test's
 // length; a folder the test had to make goes again afterwards.
 class ScopedSettingsFile {
@@ -195,7 +186,7 @@ namespace {
 
 int g_drawsSeen = 0;  // WM_DRAWCLIPBOARD reaching the viewer after ours
 LRESULT CALLBACK OursProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == WM_DRAWCLIPBOARD) return ClipboardChanged(window, wParam, lParam), 0;
+  if (message == WM_DRAWCLIPBOARD) return PassClipboardNews(wParam, lParam), 0;
   if (message == WM_CHANGECBCHAIN) return ClipboardChainChanged(wParam, lParam), 0;
   return DefWindowProcA(window, message, wParam, lParam);
 }
@@ -227,37 +218,30 @@ HANDLE Text(const char* text) {
   return block;
 }
 
-UINT PasteState(HWND window) { return GetMenuState(GetMenu(window), IDM_PASTE, MF_BYCOMMAND) & MF_GRAYED; }
 
 }  // namespace
 
-TEST(ClipboardViewer, PasteFollowsThePictureOnTheClipboardAndTheChainHoldsTogether) {
-  HMENU menu = CreateMenu();
-  AppendMenuA(menu, MF_STRING, IDM_PASTE, "&Paste");
+// Paste following the clipboard is the main window's (its own test); the
+// chain must pass every change on and mend itself when a viewer leaves.
+TEST(ClipboardViewer, TheChainHoldsTogether) {
   HWND next = MakeWindow("QuernalTestNextViewer", NextProc, nullptr);
-  HWND ours = MakeWindow("QuernalTestViewer", OursProc, menu);
+  HWND ours = MakeWindow("QuernalTestViewer", OursProc, nullptr);
   ASSERT_TRUE(next && ours);
   SetClipboardViewer(next);
   JoinClipboardChain(ours);
   Pump(200);
 
   g_drawsSeen = 0;
-  PutOnClipboard(ours, CF_TEXT, Text("no picture"));
+  PutOnClipboard(ours, CF_TEXT, Text("news"));
   Pump(1000, [] { return g_drawsSeen > 0; });
-  EXPECT_EQ(PasteState(ours), static_cast<UINT>(MF_GRAYED));
   EXPECT_GT(g_drawsSeen, 0) << "the next viewer was not told";
-
-  PutOnClipboard(ours, CF_BITMAP, CreateBitmap(4, 4, 1, 32, nullptr));
-  Pump(500);
-  EXPECT_EQ(PasteState(ours), 0u) << "a bitmap on the clipboard, and Paste still grey";
 
   // The next viewer leaves: we hear of it and stop passing the news on.
   ChangeClipboardChain(next, nullptr);
   Pump(200);
   g_drawsSeen = 0;
-  PutOnClipboard(ours, CF_TEXT, Text("again no picture"));
+  PutOnClipboard(ours, CF_TEXT, Text("more news"));
   Pump(500);
-  EXPECT_EQ(PasteState(ours), static_cast<UINT>(MF_GRAYED));
   EXPECT_EQ(g_drawsSeen, 0);
 
   LeaveClipboardChain(ours);
