@@ -38,7 +38,8 @@
 #define IDM_HELP 998
 #define IDM_ABOUT 999
 
-// Controls of the display-driver warning (ChangeDriverBox).
+// Controls of the display-driver warning (ChangeDriverBox): the icon, text
+// and check box ids every warning with a check box has.
 #define IDC_DRIVER_ICON 101
 #define IDC_DRIVER_TEXT 102
 #define IDC_DRIVER_DONT_SHOW 103

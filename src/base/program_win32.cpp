@@ -17,6 +17,45 @@ int ShowMessage(HWND owner, UINT id, UINT flags) {
   return MessageBoxA(owner, StringTableText(id).c_str(), "Message", flags);
 }
 
+namespace {
+
+struct Warning {
+  LPCSTR icon;
+  const std::string* text;
+  bool checked;
+};
+
+INT_PTR CALLBACK WarningProc(HWND box, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG: {
+      const auto* w = reinterpret_cast<Warning*>(lParam);
+      SetWindowLongPtrA(box, DWLP_USER, lParam);
+      SendDlgItemMessageA(box, 101, STM_SETICON, reinterpret_cast<WPARAM>(LoadIconA(nullptr, w->icon)), 0);
+      if (!w->text->empty()) SetDlgItemTextA(box, 102, w->text->c_str());
+      CheckDlgButton(box, 103, w->checked ? BST_CHECKED : BST_UNCHECKED);
+      SetFocus(GetDlgItem(box, IDOK));  // Enter reads the warning away
+      return FALSE;
+    }
+    case WM_COMMAND:
+      if (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL) {
+        reinterpret_cast<Warning*>(GetWindowLongPtrA(box, DWLP_USER))->checked =
+            IsDlgButtonChecked(box, 103) == BST_CHECKED;
+        EndDialog(box, IDOK);
+        return TRUE;
+      }
+      break;
+  }
+  return FALSE;
+}
+
+}  // namespace
+
+bool WarningWithCheckBox(HWND owner, const char* name, LPCSTR icon, const std::string& text, bool checked) {
+  Warning warning{icon, &text, checked};
+  DialogBoxParamA(GetModuleHandleA(nullptr), name, owner, WarningProc, reinterpret_cast<LPARAM>(&warning));
+  return warning.checked;
+}
+
 int ScreenDpi() {
   HDC screen = GetDC(nullptr);
   const int dpi = GetDeviceCaps(screen, LOGPIXELSY);
