@@ -32,6 +32,8 @@
 // The manual's launch.
 #define IDS_MANUAL_NO_BROWSER 160
 #define IDS_MANUAL_MISSING 161
+// The page sheet's "Paint" without a paint program.
+#define IDS_NO_PAINT_PROGRAM 162
 // The colour dialog's questions.
 #define IDS_COLOUR_EXISTS 170
 #define IDS_COLOUR_DELETE 171

@@ -22,6 +22,7 @@
 #include "calendar/replicate_dialog_win32.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
+#include "editors/page_sheet_win32.h"
 #include "pictures/page_picture_win32.h"
 #include "print/print_job_win32.h"
 #include "print/printer_win32.h"
@@ -219,6 +220,26 @@ void FilesDropped(HWND window, HDROP drop) {
   if (BlockHandle picture = LoadPagePicture(window, path)) SetPagePicture(window, picture);
 }
 
+// Edit month: the page sheet over the month page shown. What OK gives back
+// goes into the document and becomes the design of later new pages.
+void EditMonth(HWND window) {
+  const int shown = CurrentPage();
+  MonthPage page;
+  CalendarHeader header;
+  if (shown >= 12) return;
+  if (!GetMonthPage(App.document, shown, &page)) return (void)ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
+  if (!EditPageProperties(window, &page)) return;
+  if (!PutMonthPage(App.document, shown, &page) || !GetHeader(App.document, &header)) {
+    ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
+  } else {
+    header.Changed = 1;
+    PutHeader(App.document, &header);
+  }
+  StoreMonthPageAsDefaults(&page);
+  UpdatePageCommands(window);
+  InvalidateRect(window, nullptr, TRUE);
+}
+
 // The title keeps the page it was named with: it changes with the
 // document's name, not with the page shown.
 void ShowPage(HWND window, int page) {
@@ -356,6 +377,7 @@ void Command(HWND window, int id) {
     case IDM_ABOUT: ShowAboutBox(window); return;
     case IDM_EDIT_YEAR_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_YEAR, 0);
     case IDM_EDIT_PAGE_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_MONTH, 0);
+    case IDM_EDIT_MONTH: return EditMonth(window);
     case IDM_REPLICATE:
       // Only a month page has a design to copy onto the other months.
       if (CurrentPage() < 12 && ReplicateMonth(window, App.document)) InvalidateRect(window, nullptr, TRUE);

@@ -39,14 +39,6 @@ std::string DocumentLabel(const std::string& path, const std::string& pageName) 
   return std::string(FileNamePart(path.c_str())) + " \x96 " + pageName;
 }
 
-std::string FolderOfFile(const std::string& path) {
-  const size_t end = path.find_last_of("\\/:");
-  if (end == std::string::npos) return "";
-  std::string folder = path.substr(0, end + 1);
-  if (folder.back() != '\\' && folder.back() != '/') folder += '\\';
-  return folder;
-}
-
 std::string DialogStartFolder(const std::string& openPath, const std::string& programFolder,
                               const std::string& documents) {
   const bool unused = openPath.empty() || (openPath.size() == programFolder.size() &&

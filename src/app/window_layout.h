@@ -32,9 +32,6 @@ std::string WindowTitle(const std::string& productName, const std::string& label
 // and the page's name.
 std::string DocumentLabel(const std::string& path, const std::string& pageName);
 
-// The folder of `path` with its trailing backslash ("C:\\Cal\\" for
-// "C:\\Cal\\2027.CLN", "C:\\" for "C:x.CLN"); empty for a bare name.
-std::string FolderOfFile(const std::string& path);
 // Where the Open and Save dialogs start: the folder last used, or the user's
 // documents while that is still empty or the program's own folder (which a
 // standard user cannot write to). Folders compare without case.

@@ -71,3 +71,11 @@ std::string JoinPath(const std::string& folder, const std::string& name) {
   if (path.back() != '\\' && path.back() != '/') path += separator;
   return path + name;
 }
+
+std::string FolderOfFile(const std::string& path) {
+  const size_t end = path.find_last_of("\\/:");
+  if (end == std::string::npos) return "";
+  std::string folder = path.substr(0, end + 1);
+  if (folder.back() != '\\' && folder.back() != '/') folder += '\\';
+  return folder;
+}

@@ -16,3 +16,6 @@ const char* FileNamePart(const char* path);
 // `folder` followed by `name`, with the platform's separator added when the
 // folder does not already end in one (an empty folder gets it too).
 std::string JoinPath(const std::string& folder, const std::string& name);
+// The folder of `path` with its trailing backslash ("C:\\Cal\\" for
+// "C:\\Cal\\2027.CLN", "C:\\" for "C:x.CLN"); empty for a bare name.
+std::string FolderOfFile(const std::string& path);

@@ -111,7 +111,10 @@ void Open(HWND box, FontBoxState* state) {
   EnumFontFamiliesExA(dc, &any, AddFamily, reinterpret_cast<LPARAM>(families), 0);
   ReleaseDC(box, dc);
   const FontRequest& r = *state->request;
-  SendMessageA(families, CB_SETCURSEL, ExactEntry(families, r.face), 0);
+  const int entry = ExactEntry(families, r.face);
+  SendMessageA(families, CB_SETCURSEL, entry, 0);
+  // A face this system lacks stays as the page names it, not emptied.
+  if (entry < 0) SetWindowTextA(families, r.face);
   PostMessageA(box, WM_COMMAND, IDC_FONT_FAMILY_CHANGED, 0);
 
   // The caller's range replaces the template's, through the up-down's text

@@ -1,6 +1,7 @@
 #include "editors/page_tabs.h"
 
 #include "calendar/records.h"
+#include "res/page_sheet_ids.h"
 
 namespace {
 
@@ -10,73 +11,74 @@ namespace {
 
 // Radio groups: the buttons in the order reading back tests them, then the
 // button of every other stored value and what it reads back as.
-const RadioChoice kHeadPlaces[] = {{119, 2}, {118, 1}};
-const RadioChoice kDatePlaces[] = {{105, 0}, {106, 2}, {107, 8}, {108, 10}};
-const RadioChoice kPicturePlaces[] = {{143, 0}, {144, 2}, {145, 8}, {146, 10}};
-const RadioChoice kCaptionPlaces[] = {{156, 2}, {155, 1}};
+const RadioChoice kHeadPlaces[] = {{IDC_HEAD_RIGHT, 2}, {IDC_HEAD_CENTRE, 1}};
+const RadioChoice kDatePlaces[] = {{IDC_DATE_TOP_LEFT, 0}, {IDC_DATE_TOP_RIGHT, 2}, {IDC_DATE_BOTTOM_LEFT, 8}, {IDC_DATE_BOTTOM_RIGHT, 10}};
+const RadioChoice kPicturePlaces[] = {{IDC_PICTURE_TOP_LEFT, 0}, {IDC_PICTURE_TOP_RIGHT, 2}, {IDC_PICTURE_BOTTOM_LEFT, 8}, {IDC_PICTURE_BOTTOM_RIGHT, 10}};
+const RadioChoice kCaptionPlaces[] = {{IDC_CAP_RIGHT, 2}, {IDC_CAP_CENTRE, 1}};
 
 // Round corners and shadow offset of the dates are edited with the heading.
 const ControlBinding kHeading[] = {
-    {117, ControlKind::Radio, FIELD(HeadPlacement), kHeadPlaces, 2, {117, 0}},
-    {123, ControlKind::Check, FIELD(HeadPrevNext)},
-    {131, ControlKind::Check, FIELD(HeadShadow)},
-    {135, ControlKind::Number, FIELD(HeadInteriorPadding)},
-    {136, ControlKind::Number, FIELD(HeadExteriorPadding)},
-    {165, ControlKind::Number, FIELD(DateRound)},
-    {166, ControlKind::Number, FIELD(DateShadowOffset)},
+    {IDC_HEAD_LEFT, ControlKind::Radio, FIELD(HeadPlacement), kHeadPlaces, 2, {IDC_HEAD_LEFT, 0}},
+    {IDC_HEAD_PREV_NEXT, ControlKind::Check, FIELD(HeadPrevNext)},
+    {IDC_HEAD_SHADOW, ControlKind::Check, FIELD(HeadShadow)},
+    {IDC_HEAD_INTERIOR, ControlKind::Number, FIELD(HeadInteriorPadding)},
+    {IDC_HEAD_EXTERIOR, ControlKind::Number, FIELD(HeadExteriorPadding)},
+    {IDC_DATE_ROUND, ControlKind::Number, FIELD(DateRound)},
+    {IDC_DATE_SHADOW_OFFSET, ControlKind::Number, FIELD(DateShadowOffset)},
 };
 const ControlBinding kDates[] = {
-    {105, ControlKind::Radio, FIELD(DateFontPlacement), kDatePlaces, 4, {109, 1}},
-    {112, ControlKind::Number, FIELD(DateInteriorPadding)},
-    {130, ControlKind::Check, FIELD(DateShadow)},
+    {IDC_DATE_TOP_LEFT, ControlKind::Radio, FIELD(DateFontPlacement), kDatePlaces, 4, {IDC_DATE_CENTRE, 1}},
+    {IDC_DATE_INTERIOR, ControlKind::Number, FIELD(DateInteriorPadding)},
+    {IDC_DATE_SHADOW, ControlKind::Check, FIELD(DateShadow)},
 };
 // The list of event lists (127) is filled and read by the tab itself.
 const ControlBinding kEvents[] = {
-    {124, ControlKind::Check, FIELD(DaysShow)},
+    {IDC_DAYS_SHOW, ControlKind::Check, FIELD(DaysShow)},
 };
 // The template leaves the three check boxes clear; loading only sets them.
 const ControlBinding kPicture[] = {
-    {137, ControlKind::CheckSetOnly, FIELD(PictureShowPicture)},
-    {142, ControlKind::CheckSetOnly, FIELD(PictureShowFrame)},
-    {148, ControlKind::CheckSetOnly, FIELD(PictureDropShadow)},
-    {143, ControlKind::Radio, FIELD(PicturePlacement), kPicturePlaces, 4, {147, 147}},
-    {149, ControlKind::Number, FIELD(PictureShadowOffset)},
-    {150, ControlKind::Number, FIELD(PictureExteriorPadding)},
-    {163, ControlKind::Number, FIELD(Gutter)},
-    {167, ControlKind::Number, FIELD(PictureShadowSoftness)},
+    {IDC_PICTURE_SHOW, ControlKind::CheckSetOnly, FIELD(PictureShowPicture)},
+    {IDC_PICTURE_SHOW_FRAME, ControlKind::CheckSetOnly, FIELD(PictureShowFrame)},
+    {IDC_PICTURE_SHADOW, ControlKind::CheckSetOnly, FIELD(PictureDropShadow)},
+    {IDC_PICTURE_TOP_LEFT, ControlKind::Radio, FIELD(PicturePlacement), kPicturePlaces, 4, {IDC_PICTURE_CENTRE, 147}},
+    {IDC_PICTURE_SHADOW_OFFSET, ControlKind::Number, FIELD(PictureShadowOffset)},
+    {IDC_PICTURE_EXTERIOR, ControlKind::Number, FIELD(PictureExteriorPadding)},
+    {IDC_PICTURE_GUTTER, ControlKind::Number, FIELD(Gutter)},
+    {IDC_PICTURE_SOFTNESS, ControlKind::Number, FIELD(PictureShadowSoftness)},
 };
 const ControlBinding kCaption[] = {
-    {154, ControlKind::Radio, FIELD(CapPlacement), kCaptionPlaces, 2, {154, 0}},
-    {140, ControlKind::Text, FIELD(LeftCaption), nullptr, 0, {0, 0}, 2048},
-    {160, ControlKind::Text, FIELD(RightCaption), nullptr, 0, {0, 0}, 2048},
-    {162, ControlKind::Number, FIELD(PageMargin)},
+    {IDC_CAP_LEFT, ControlKind::Radio, FIELD(CapPlacement), kCaptionPlaces, 2, {IDC_CAP_LEFT, 0}},
+    {IDC_CAP_LEFT_TEXT, ControlKind::Text, FIELD(LeftCaption), nullptr, 0, {0, 0}, 2048},
+    {IDC_CAP_RIGHT_TEXT, ControlKind::Text, FIELD(RightCaption), nullptr, 0, {0, 0}, 2048},
+    {IDC_PAGE_MARGIN, ControlKind::Number, FIELD(PageMargin)},
 };
 
-const FontButtonBinding kHeadFont{115, 129, FONT(Head)};
-const FontButtonBinding kDateFont{102, 104, FONT(Date)};
-const FontButtonBinding kDaysFont{125, 132, FONT(Days)};
-const FontButtonBinding kCapFont{151, 152, FONT(Cap)};
+const FontButtonBinding kHeadFont{IDC_HEAD_FONT, IDC_HEAD_SAMPLE, FONT(Head)};
+const FontButtonBinding kDateFont{IDC_DATE_FONT, IDC_DATE_SAMPLE, FONT(Date)};
+const FontButtonBinding kDaysFont{IDC_DAYS_FONT, IDC_DAYS_SAMPLE, FONT(Days)};
+const FontButtonBinding kCapFont{IDC_CAP_FONT, IDC_CAP_SAMPLE, FONT(Cap)};
 
-const ColourButtonBinding kHeadColours[] = {{116, offsetof(MonthPage, HeadFontColour)},
-                                            {134, offsetof(MonthPage, HeadFrameColour)},
-                                            {133, offsetof(MonthPage, HeadBackColour)}};
-const ColourButtonBinding kDateColours[] = {{103, offsetof(MonthPage, DateFontColour)},
-                                            {110, offsetof(MonthPage, DateFrameColour)},
-                                            {111, offsetof(MonthPage, DateBackColour)}};
-const ColourButtonBinding kDaysColours[] = {{126, offsetof(MonthPage, DaysFontColour)}};
-const ColourButtonBinding kPictureColours[] = {{141, offsetof(MonthPage, PictureFrameColour)}};
-const ColourButtonBinding kCapColours[] = {{153, offsetof(MonthPage, CapFontColour)},
-                                           {128, offsetof(MonthPage, PageBackgroundColour)}};
+const ColourButtonBinding kHeadColours[] = {{IDC_HEAD_COLOUR, offsetof(MonthPage, HeadFontColour)},
+                                            {IDC_HEAD_FRAME, offsetof(MonthPage, HeadFrameColour)},
+                                            {IDC_HEAD_BACKGROUND, offsetof(MonthPage, HeadBackColour)}};
+const ColourButtonBinding kDateColours[] = {{IDC_DATE_COLOUR, offsetof(MonthPage, DateFontColour)},
+                                            {IDC_DATE_FRAME, offsetof(MonthPage, DateFrameColour)},
+                                            {IDC_DATE_BACKGROUND, offsetof(MonthPage, DateBackColour)}};
+const ColourButtonBinding kDaysColours[] = {{IDC_DAYS_COLOUR, offsetof(MonthPage, DaysFontColour)}};
+const ColourButtonBinding kPictureColours[] = {{IDC_PICTURE_FRAME, offsetof(MonthPage, PictureFrameColour)}};
+const ColourButtonBinding kCapColours[] = {{IDC_CAP_COLOUR, offsetof(MonthPage, CapFontColour)},
+                                           {IDC_PAGE_BACKGROUND, offsetof(MonthPage, PageBackgroundColour)}};
 
 #define COUNT(a) sizeof(a) / sizeof(a[0])
 
 }  // namespace
 
 const PageTab kPageTabs[kPageTabCount] = {
-    {"PagePropertyOne", "Heading", kHeading, COUNT(kHeading), &kHeadFont, kHeadColours, COUNT(kHeadColours)},
+    {"PagePropertyOne", "Heading", kHeading, COUNT(kHeading), &kHeadFont, kHeadColours, COUNT(kHeadColours),
+     IDC_HEAD_LEFT_GLYPH, IDC_HEAD_LEFT},
     {"PagePropertyTwo", "Dates", kDates, COUNT(kDates), &kDateFont, kDateColours, COUNT(kDateColours)},
     {"PagePropertyThree", "Events", kEvents, COUNT(kEvents), &kDaysFont, kDaysColours, COUNT(kDaysColours)},
     {"PagePropertyFour", "Picture", kPicture, COUNT(kPicture), nullptr, kPictureColours, COUNT(kPictureColours)},
     {"PagePropertyFive", "Caption/Background", kCaption, COUNT(kCaption), &kCapFont, kCapColours,
-     COUNT(kCapColours)},
+     COUNT(kCapColours), IDC_CAP_LEFT_GLYPH, IDC_CAP_LEFT},
 };

@@ -25,7 +25,11 @@ struct PageTab {
   const FontButtonBinding* font;  // none on the Picture tab
   const ColourButtonBinding* colours;
   size_t colourCount;
+  // The placement glyphs: the first glyph's button and the radio button it
+  // stands beside (the next glyph beside the next radio); 0 for none.
+  int firstGlyph = 0, firstGlyphRadio = 0;
 };
 
 constexpr int kPageTabCount = 5;
+constexpr int kEventsTab = 2, kPictureTab = 3;
 extern const PageTab kPageTabs[kPageTabCount];

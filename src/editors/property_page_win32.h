@@ -29,6 +29,7 @@ struct PageContext {
   int index;           // this tab's place in the sheet
   int32_t* lastPage;   // where showing the tab writes `index` (may be null)
   int32_t* edited;     // what OK sets to 1 (may be null)
+  HFONT sample = nullptr;  // the tab's font sample, deleted with the tab
 };
 
 // The dialog procedure of every bound tab; the PROPSHEETPAGE's lParam is

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "base/dib.h"
+#include "render/primitives_win32.h"
 
 // The placement codes in the records go straight to DrawTextA.
 static_assert(kDtLeft == DT_LEFT && kDtTop == DT_TOP && kDtCenter == DT_CENTER && kDtRight == DT_RIGHT &&
@@ -21,33 +22,6 @@ RECT ToRECT(const Rect& r) { return RECT{r.left, r.top, r.right, r.bottom}; }
 bool SameFont(const FontSpec& a, const FontSpec& b) {
   return a.height == b.height && a.weight == b.weight && a.italic == b.italic && a.face == b.face;
 }
-
-// A BITMAPINFO that GDI reads the way the Dib is stored: a plain 40-byte
-// header whatever size the stored one has, and a colour table of 2^bits
-// entries (GDI would size it by biClrUsed, which the Dib does not follow).
-struct DibInfo {
-  BITMAPINFOHEADER header;
-  RGBQUAD colours[256];
-};
-
-// Fills `info` from the locked Dib and returns its pixel rows, or nullptr
-// when the block is not a Dib this program draws.
-const void* ReadDib(BlockHandle dib, const BlockLock& lock, DibInfo* info) {
-  if (!lock || !DibBlockIsValid(dib)) return nullptr;
-  BitmapInfoHeader stored;
-  std::memcpy(&stored, lock.bytes(), sizeof stored);
-  std::memset(info, 0, sizeof *info);
-  info->header.biSize = sizeof(BITMAPINFOHEADER);
-  info->header.biWidth = stored.biWidth;
-  info->header.biHeight = stored.biHeight;
-  info->header.biPlanes = 1;
-  info->header.biBitCount = stored.biBitCount;
-  info->header.biCompression = BI_RGB;
-  const uint32_t entries = DibColourTableEntries(stored.biBitCount);
-  std::memcpy(info->colours, lock.bytes() + stored.biSize, entries * sizeof(RGBQUAD));
-  return lock.bytes() + DibBitsOffset(stored);
-}
-
 }  // namespace
 
 GdiCanvas::GdiCanvas(HDC dc) : dc_(dc) { GetViewportOrgEx(dc_, &baseOrigin_); }

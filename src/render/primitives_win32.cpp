@@ -2,6 +2,9 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
+
+#include "base/dib.h"
 
 namespace {
 
@@ -130,4 +133,20 @@ void DrawBitmapButton(const DRAWITEMSTRUCT* item, HINSTANCE instance, LPCSTR bit
   DeleteObject(strip);
   if (oldBrush) SelectObject(dc, oldBrush);
   if (shadow) DeleteObject(shadow);
+}
+
+const void* ReadDib(BlockHandle dib, const BlockLock& lock, DibInfo* info) {
+  if (!lock || !DibBlockIsValid(dib)) return nullptr;
+  BitmapInfoHeader stored;
+  std::memcpy(&stored, lock.bytes(), sizeof stored);
+  std::memset(info, 0, sizeof *info);
+  info->header.biSize = sizeof(BITMAPINFOHEADER);
+  info->header.biWidth = stored.biWidth;
+  info->header.biHeight = stored.biHeight;
+  info->header.biPlanes = 1;
+  info->header.biBitCount = stored.biBitCount;
+  info->header.biCompression = BI_RGB;
+  const uint32_t entries = DibColourTableEntries(stored.biBitCount);
+  std::memcpy(info->colours, lock.bytes() + stored.biSize, entries * sizeof(RGBQUAD));
+  return lock.bytes() + DibBitsOffset(stored);
 }

@@ -6,6 +6,8 @@
 
 #include <cstdint>
 
+#include "base/global_block.h"
+
 // A realised palette and what it replaced; ReleasePalette undoes MakePalette.
 struct PaletteHolder {
   HPALETTE palette;
@@ -36,3 +38,14 @@ void DrawColourSwatchButton(const DRAWITEMSTRUCT* item, COLORREF colour);
 // shadow colour.
 void DrawBitmapButton(const DRAWITEMSTRUCT* item, HINSTANCE instance, LPCSTR bitmapName, int firstIndex,
                       int buttonIndex);
+
+// A BITMAPINFO that GDI reads the way the Dib is stored: a plain 40-byte
+// header whatever size the stored one has, and a colour table of 2^bits
+// entries (GDI would size it by biClrUsed, which the Dib does not follow).
+struct DibInfo {
+  BITMAPINFOHEADER header;
+  RGBQUAD colours[256];
+};
+// Fills `info` from the locked Dib and returns its pixel rows, or nullptr
+// when the block is not a Dib this program draws.
+const void* ReadDib(BlockHandle dib, const BlockLock& lock, DibInfo* info);

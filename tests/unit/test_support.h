@@ -33,6 +33,8 @@ class QuernalTest : public ::testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
+  // Blocks the code under test keeps on purpose, not a leak of the test's.
+  void AllowBlocksLeftBehind(uint32_t blocks) { liveBlocks_ += blocks; }
   TempDir dir_;
 
  private:

@@ -1,4 +1,5 @@
 #include "app/window_layout.h"
+#include "base/text.h"
 #include "test_support.h"
 
 TEST(WindowLayout, DefaultSizeIsAPortraitPage) {

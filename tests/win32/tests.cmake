@@ -33,9 +33,9 @@ target_sources(quernal_win32_tests PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/editor_controls_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/property_page_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/paint_round_trip_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/page_sheet_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/test_pages.rc)
-target_link_libraries(quernal_win32_tests PRIVATE quernal_app_shell quernal_editors_ui quernal_pictures_ui
-  quernal_colours_ui)
+target_link_libraries(quernal_win32_tests PRIVATE quernal_app_shell quernal_sheets_ui)
 # name, lacks ThemeDrawButton, what its ThemeLoad answers
 foreach(broken "Partial;1;1" "Refusing;0;0")
   list(GET broken 0 name)

@@ -1,0 +1,135 @@
+#include "editors/picture_tab_win32.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "base/program_win32.h"
+#include "base/text.h"
+#include "config/settings.h"
+#include "editors/control_binding.h"
+#include "editors/dialog_controls_win32.h"
+#include "editors/page_tabs.h"
+#include "pictures/page_picture_win32.h"
+#include "pictures/paint_round_trip_win32.h"
+#include "pictures/picture_open_dialog_win32.h"
+#include "render/primitives_win32.h"
+#include "res/page_sheet_ids.h"
+#include "res/string_ids.h"
+
+namespace {
+
+void Enable(HWND tab, int id, bool on) { EnableWindow(GetDlgItem(tab, id), on ? TRUE : FALSE); }
+// A number is its edit and its up-down.
+void EnableNumber(HWND tab, int id, bool on) {
+  Enable(tab, id, on);
+  Enable(tab, id + kUpDownOffset, on);
+}
+bool Checked(HWND tab, int id) { return IsDlgButtonChecked(tab, id) == BST_CHECKED; }
+
+const ControlBinding& PlacementBinding() {
+  const PageTab& tab = kPageTabs[kPictureTab];
+  return *std::find_if(tab.controls, tab.controls + tab.controlCount,
+                       [](const ControlBinding& b) { return b.kind == ControlKind::Radio; });
+}
+
+// "Select...": the picture-open dialog in the folder used last; the page's
+// picture is freed before the new one loads, so a failed load leaves none.
+void SelectPicture(HWND tab, MonthPage* page) {
+  char path[MAX_PATH];
+  CopyText(path, sizeof path, Settings.OpenPath);
+  if (!OpenPictureFile(tab, path)) return;
+  CopyText(Settings.OpenPath, sizeof Settings.OpenPath, FolderOfFile(path).c_str());
+  if (page->Picture) GlobalBlockFree(page->Picture);
+  page->Picture = 0;
+  page->Picture = LoadPagePicture(tab, path);
+  ApplyPictureState(tab, *page);
+}
+
+// "Paint": the picture through the paint program; the sheet takes no input
+// until the program ends.
+void PaintPicture(HWND tab, MonthPage* page) {
+  if (!page->Picture) return;
+  if (GetFileAttributesA(Settings.PaintbrushPath) == INVALID_FILE_ATTRIBUTES)
+    return (void)ShowMessage(tab, IDS_NO_PAINT_PROGRAM);
+  HWND sheet = GetParent(tab) ? GetParent(tab) : tab;
+  const BlockHandle edited = PaintRoundTrip(sheet, Settings.PaintbrushPath, page->Picture, Settings.MaximizePaint != 0);
+  if (!edited) return (void)ShowMessage(tab, IDS_MEMORY_FAILED);
+  GlobalBlockFree(page->Picture);
+  page->Picture = edited;
+  InvalidateRect(GetDlgItem(tab, IDC_PICTURE_SAMPLE), nullptr, TRUE);
+}
+
+}  // namespace
+
+void ApplyPictureState(HWND tab, const MonthPage& page) {
+  Win32DialogControls controls(tab);
+  CheckStoredRadio(PlacementBinding(), &page, controls);
+  const bool picture = page.Picture != 0;
+  Enable(tab, IDC_PICTURE_SHOW, picture);
+  if (picture && Checked(tab, IDC_PICTURE_SHOW)) {
+    for (int id : {IDC_PICTURE_SAMPLE, IDC_PICTURE_SHADOW, IDC_PICTURE_SHOW_FRAME, IDC_PICTURE_PAINT})
+      Enable(tab, id, true);
+    // Without a drop shadow, the external padding keeps whatever state it had.
+    const bool shadow = Checked(tab, IDC_PICTURE_SHADOW);
+    EnableNumber(tab, IDC_PICTURE_SHADOW_OFFSET, shadow);
+    EnableNumber(tab, IDC_PICTURE_SOFTNESS, shadow);
+    if (shadow) EnableNumber(tab, IDC_PICTURE_EXTERIOR, true);
+    Enable(tab, IDC_PICTURE_FRAME, Checked(tab, IDC_PICTURE_SHOW_FRAME));
+  } else {
+    // Softness, the gutter and the placement keep their state.
+    for (int id : {IDC_PICTURE_SHADOW, IDC_PICTURE_SHOW_FRAME, IDC_PICTURE_SAMPLE, IDC_PICTURE_PAINT,
+                   IDC_PICTURE_FRAME})
+      Enable(tab, id, false);
+    EnableNumber(tab, IDC_PICTURE_SHADOW_OFFSET, false);
+    EnableNumber(tab, IDC_PICTURE_EXTERIOR, false);
+  }
+  InvalidateRect(GetDlgItem(tab, IDC_PICTURE_SAMPLE), nullptr, TRUE);
+}
+
+void DrawPicturePreview(const DRAWITEMSTRUCT* item, BlockHandle picture) {
+  if ((item->itemState & ODS_DISABLED) || !picture) return;
+  BlockLock lock(picture);
+  DibInfo info;
+  const void* bits = ReadDib(picture, lock, &info);
+  if (!bits) return;
+  const int64_t W = item->rcItem.right - item->rcItem.left, H = item->rcItem.bottom - item->rcItem.top;
+  const int64_t w = info.header.biWidth, h = std::abs(info.header.biHeight);
+  if (W <= 0 || H <= 0) return;
+  // The scale in thousandths, the drawn size, and the offsets that centre it.
+  const int64_t f = std::min(W * 1000 / w, H * 1000 / h);
+  const int sw = static_cast<int>(w * f / 1000), sh = static_cast<int>(h * f / 1000);
+  const int dx = static_cast<int>((W - sw) / 2), dy = static_cast<int>((H - sh) / 2);
+  HDC dc = item->hDC;
+  SetViewportOrgEx(dc, item->rcItem.left + dx, item->rcItem.top + dy, nullptr);
+
+  PaletteHolder palette{};
+  const int bitCount = info.header.biBitCount;
+  const bool withPalette = bitCount <= 8;
+  if (withPalette) {
+    uint8_t triplets[256 * 3] = {};
+    const int entries = 1 << bitCount;
+    for (int i = 0; i < entries; ++i) {
+      triplets[i * 3] = info.colours[i].rgbRed;
+      triplets[i * 3 + 1] = info.colours[i].rgbGreen;
+      triplets[i * 3 + 2] = info.colours[i].rgbBlue;
+    }
+    MakePalette(dc, &palette, triplets, entries);
+  }
+  SetStretchBltMode(dc, bitCount == 1 ? BLACKONWHITE : COLORONCOLOR);
+  StretchDIBits(dc, 0, 0, sw, sh, 0, 0, static_cast<int>(w), static_cast<int>(h), bits,
+                reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS, SRCCOPY);
+  if (withPalette) ReleasePalette(dc, &palette);
+  RECT frame{0, 0, sw, sh};
+  FrameRect(dc, &frame, GetSysColorBrush(COLOR_BTNSHADOW));
+}
+
+bool PictureTabCommand(HWND tab, int command, MonthPage* page) {
+  switch (command) {
+    case IDC_PICTURE_SHOW:
+    case IDC_PICTURE_SHOW_FRAME:
+    case IDC_PICTURE_SHADOW: ApplyPictureState(tab, *page); return true;
+    case IDC_PICTURE_SELECT: SelectPicture(tab, page); return true;
+    case IDC_PICTURE_PAINT: PaintPicture(tab, page); return true;
+  }
+  return false;
+}

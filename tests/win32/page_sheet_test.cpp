@@ -1,0 +1,319 @@
+// The month page's property sheet driven as a user drives it: every tab,
+// the choosers it opens, OK and Cancel, and the quirks users know.
+#include <windows.h>
+#include <commctrl.h>
+#include <commdlg.h>
+#include <dlgs.h>
+#include <prsht.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "base/dib.h"
+#include "base/program_win32.h"
+#include "base/text.h"
+#include "calendar/calendar_model.h"
+#include "config/settings.h"
+#include "dialog_driver.h"
+#include "editors/page_sheet_win32.h"
+#include "editors/picture_tab_win32.h"
+#include "pictures/image_files.h"
+#include "res/colour_dialog_ids.h"
+#include "res/editor_dialog_ids.h"
+#include "res/page_sheet_ids.h"
+#include "res/string_ids.h"
+#include "test_support.h"
+
+namespace {
+
+HWND Tab(HWND sheet) { return PropSheet_GetCurrentPageHwnd(sheet); }
+// Brings tab `index` to the front and returns it.
+HWND ShowTab(HWND sheet, int index) {
+  PropSheet_SetCurSel(sheet, nullptr, index);
+  return Tab(sheet);
+}
+bool Checked(HWND tab, int id) { return IsDlgButtonChecked(tab, id) == BST_CHECKED; }
+bool Enabled(HWND tab, int id) { return IsWindowEnabled(GetDlgItem(tab, id)) != FALSE; }
+
+std::vector<std::string> TabCaptions(HWND sheet) {
+  HWND tabs = PropSheet_GetTabControl(sheet);
+  std::vector<std::string> captions;
+  for (int i = 0; i < TabCtrl_GetItemCount(tabs); ++i) {
+    char text[64] = "";
+    TCITEMA item{};
+    item.mask = TCIF_TEXT;
+    item.pszText = text;
+    item.cchTextMax = sizeof text;
+    SendMessageA(tabs, TCM_GETITEMA, i, reinterpret_cast<LPARAM>(&item));
+    captions.push_back(text);
+  }
+  return captions;
+}
+
+class PageSheetTest : public QuernalTest {
+ protected:
+  void SetUp() override {
+    QuernalTest::SetUp();
+    CopyText(Settings.ApplicationPath, sizeof Settings.ApplicationPath, (dir_.path() + "\\").c_str());
+    WriteFile(dir_.File("General.CDF"), "0101 New Year\n");
+    WriteFile(dir_.File("Birthdays.CDF"), "0412 Ann\n");
+    WriteFile(dir_.File(".Hidden.CDF"), "");
+    WriteFile(dir_.File("QUERNL.CCL"), "Sky=135,206,235\n");
+    document_ = CreateCalendar(2027, 3);
+    ASSERT_TRUE(GetMonthPage(document_, 3, &page_));
+  }
+  void TearDown() override {
+    FreeCalendar(document_);
+    QuernalTest::TearDown();
+  }
+  CalendarDocument document_ = 0;
+  MonthPage page_;
+};
+
+}  // namespace
+
+// One visit of every tab: fonts, colours, placements, numbers beyond their
+// arrows, a picture selected, captions and the event list, then OK.
+TEST_F(PageSheetTest, OkGivesThePageEveryTabsChanges) {
+  page_.LastPropertyPage = 1;
+  page_.HeadPlacement = 1;
+  page_.HeadShadow = 0;
+  page_.PicturePlacement = 1;  // shown as centre, stored back as 147
+  page_.PictureShowPicture = 1;
+  CopyText(page_.DaysName, sizeof page_.DaysName, "Birthdays");
+  BlockHandle lines = DibCreate(30, 20, 1);  // monochrome: the palette warning
+  const std::string lineFile = dir_.File("Lines.bmp");
+  ASSERT_TRUE(WriteBmpFile(lineFile.c_str(), lines));
+  GlobalBlockFree(lines);
+  if (page_.Picture) GlobalBlockFree(page_.Picture);
+  page_.Picture = 0;
+
+  std::string warning;
+  DialogDriver driver;
+  driver.Then("Page", [](HWND sheet) {
+    EXPECT_EQ(TabCaptions(sheet),
+              (std::vector<std::string>{"Heading", "Dates", "Events", "Picture", "Caption/Background"}));
+    EXPECT_EQ(TabCtrl_GetCurSel(PropSheet_GetTabControl(sheet)), 1) << "the tab applied last";
+    HWND apply = GetDlgItem(sheet, 0x3021);  // the sheet's Apply button, if it made one
+    EXPECT_TRUE(!apply || !IsWindowVisible(apply));
+    HWND heading = ShowTab(sheet, 0);
+    EXPECT_TRUE(Checked(heading, IDC_HEAD_CENTRE));
+    EXPECT_EQ(SendDlgItemMessageA(heading, 10000 + IDC_DATE_ROUND, UDM_GETRANGE, 0, 0), MAKELONG(25, 0));
+    SetDlgItemTextA(heading, IDC_DATE_ROUND, "99");
+    SetCheck(heading, IDC_HEAD_SHADOW, true);
+    CheckRadioButton(heading, IDC_HEAD_LEFT, IDC_HEAD_RIGHT, IDC_HEAD_LEFT);
+    Press(heading, IDC_HEAD_FONT);
+  });
+  driver.Then("Font", [](HWND box) {
+    EXPECT_EQ(ItemText(box, 10000 + IDC_FONT_SIZE).substr(0, 6), "4,100,");
+    SetDlgItemTextA(box, IDC_FONT_SIZE, "55");
+    Press(box, IDOK);
+  });
+  const std::string face = page_.HeadFontName;
+  driver.Then("Page", [face](HWND sheet) {
+    HWND heading = Tab(sheet);
+    // The box's OK puts the check boxes back and checks the stored
+    // placement again beside the one clicked.
+    EXPECT_FALSE(Checked(heading, IDC_HEAD_SHADOW));
+    EXPECT_TRUE(Checked(heading, IDC_HEAD_LEFT));
+    EXPECT_TRUE(Checked(heading, IDC_HEAD_CENTRE));
+    EXPECT_EQ(ItemText(heading, IDC_HEAD_SAMPLE), face);
+    Press(heading, IDC_HEAD_COLOUR);
+  });
+  driver.Then("Color", [](HWND dialog) {
+    SendDlgItemMessageA(dialog, IDC_COLOUR_LIST, LB_SETCURSEL, 0, 0);
+    HWND list = GetDlgItem(dialog, IDC_COLOUR_LIST);
+    for (WORD click : {LBN_SELCHANGE, LBN_DBLCLK})
+      PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_COLOUR_LIST, click), reinterpret_cast<LPARAM>(list));
+  });
+  driver.Then("Page", [](HWND sheet) {
+    HWND picture = ShowTab(sheet, 3);
+    // No picture: "Show picture" is greyed but keeps its check.
+    EXPECT_FALSE(Enabled(picture, IDC_PICTURE_SHOW));
+    EXPECT_TRUE(Checked(picture, IDC_PICTURE_SHOW));
+    EXPECT_TRUE(Checked(picture, IDC_PICTURE_CENTRE));
+    for (int id : {IDC_PICTURE_SAMPLE, IDC_PICTURE_PAINT, IDC_PICTURE_SHADOW, IDC_PICTURE_SHADOW_OFFSET,
+                   10000 + IDC_PICTURE_EXTERIOR, IDC_PICTURE_FRAME})
+      EXPECT_FALSE(Enabled(picture, id)) << id;
+    EXPECT_TRUE(Enabled(picture, IDC_PICTURE_SOFTNESS));
+    Press(picture, IDC_PICTURE_SELECT);
+  });
+  driver.Then("Open", [&](HWND dialog) {
+    SetDlgItemTextA(dialog, cmb13, lineFile.c_str());
+    Press(dialog, IDOK);
+  });
+  driver.Then("Message", [&](HWND box) {
+    warning = TextOf(GetDlgItem(box, 102));
+    Press(box, IDOK);
+  });
+  driver.Then("Page", [](HWND sheet) {
+    HWND picture = Tab(sheet);
+    for (int id : {IDC_PICTURE_SHOW, IDC_PICTURE_SAMPLE, IDC_PICTURE_PAINT, IDC_PICTURE_SHADOW})
+      EXPECT_TRUE(Enabled(picture, id)) << id;
+    HWND caption = ShowTab(sheet, 4);
+    SetDlgItemTextA(caption, IDC_CAP_LEFT_TEXT, "Spring\r\nrain");
+    SetDlgItemTextA(caption, IDC_PAGE_MARGIN, "12");
+    HWND events = ShowTab(sheet, 2);
+    EXPECT_EQ(Entries(events, IDC_DAYS_LIST), (std::vector<std::string>{"Birthdays", "General"}));
+    EXPECT_EQ(ItemText(events, IDC_DAYS_LIST), "Birthdays");
+    SendDlgItemMessageA(events, IDC_DAYS_LIST, CB_SETCURSEL, 1, 0);
+    Press(sheet, IDOK);
+  });
+  const int32_t size = page_.HeadFontSize;
+  ASSERT_TRUE(EditPageProperties(nullptr, &page_));
+  EXPECT_TRUE(driver.Finished());
+  EXPECT_NE(size, 55);
+  EXPECT_EQ(page_.HeadFontSize, 55);
+  EXPECT_EQ(page_.DateRound, 99) << "typed beyond the arrows, kept";
+  EXPECT_EQ(page_.HeadShadow, 0);
+  EXPECT_EQ(page_.HeadPlacement, 1) << "of two checked, the first tested";
+  EXPECT_EQ(page_.HeadFontColour, RGB(135, 206, 235));
+  EXPECT_EQ(page_.PicturePlacement, 147);
+  EXPECT_EQ(warning, StringTableText(IDS_PALETTE_WARNING));
+  ASSERT_NE(page_.Picture, 0u);
+  {
+    BlockLock lock(page_.Picture);
+    EXPECT_EQ(lock.as<BitmapInfoHeader>()->biBitCount, 1);
+    EXPECT_EQ(lock.as<BitmapInfoHeader>()->biWidth, 30);
+  }
+  EXPECT_STREQ(Settings.OpenPath, (dir_.path() + "\\").c_str());
+  EXPECT_STREQ(page_.LeftCaption, "Spring\r\nrain");
+  EXPECT_EQ(page_.PageMargin, 12);
+  EXPECT_STREQ(page_.DaysName, "General");
+  EXPECT_NE(page_.Events, 0u);
+  EXPECT_EQ(page_.LastPropertyPage, 2) << "the tab shown last";
+  EXPECT_EQ(page_.Edited, 1);
+  ASSERT_TRUE(PutMonthPage(document_, 3, &page_));
+  AllowBlocksLeftBehind(2);  // the working copy's picture and event list stay allocated after OK
+}
+
+// Cancel after a picture was painted and every state rule was tried: the
+// page is left byte for byte as it was.
+TEST_F(PageSheetTest, CancelLeavesThePageAsItWas) {
+  if (page_.Picture) GlobalBlockFree(page_.Picture);
+  page_.Picture = MakePatternDib(40, 30, 24, 5);
+  page_.LastPropertyPage = 3;
+  page_.PictureShowPicture = 1;
+  page_.PictureDropShadow = 0;
+  page_.PictureShowFrame = 0;
+  const MonthPage before = page_;
+  const std::vector<uint8_t> pixels(BlockLock(page_.Picture).bytes(),
+                                    BlockLock(page_.Picture).bytes() + GlobalBlockSize(page_.Picture));
+  CopyText(Settings.PaintbrushPath, sizeof Settings.PaintbrushPath, (dir_.path() + "\\none.exe").c_str());
+
+  std::string noPainter;
+  DialogDriver driver;
+  driver.Then("Page", [](HWND sheet) {
+    HWND picture = Tab(sheet);
+    EXPECT_FALSE(Enabled(picture, IDC_PICTURE_SHADOW_OFFSET));
+    EXPECT_FALSE(Enabled(picture, IDC_PICTURE_SOFTNESS));
+    EXPECT_FALSE(Enabled(picture, IDC_PICTURE_FRAME));
+    SetCheck(picture, IDC_PICTURE_SHADOW, true);
+    SetCheck(picture, IDC_PICTURE_SHOW_FRAME, true);
+  });
+  driver.Then("Page", [](HWND sheet) {
+    HWND picture = Tab(sheet);
+    for (int id : {IDC_PICTURE_SHADOW_OFFSET, IDC_PICTURE_SOFTNESS, IDC_PICTURE_EXTERIOR, IDC_PICTURE_FRAME})
+      EXPECT_TRUE(Enabled(picture, id)) << id;
+    SetCheck(picture, IDC_PICTURE_SHOW, false);
+  });
+  driver.Then("Page", [](HWND sheet) {
+    HWND picture = Tab(sheet);
+    for (int id : {IDC_PICTURE_SHADOW_OFFSET, IDC_PICTURE_EXTERIOR, IDC_PICTURE_FRAME, IDC_PICTURE_SAMPLE})
+      EXPECT_FALSE(Enabled(picture, id)) << id;
+    EXPECT_TRUE(Enabled(picture, IDC_PICTURE_SOFTNESS)) << "softness keeps its state";
+    SetCheck(picture, IDC_PICTURE_SHOW, true);
+    Press(picture, IDC_PICTURE_PAINT);
+  });
+  driver.Then("Message", [&](HWND box) {
+    noPainter = MessageText(box);
+    CopyText(Settings.PaintbrushPath, sizeof Settings.PaintbrushPath, (ProgramFolder() + "stand_in_paint.exe").c_str());
+    Press(box, IDOK);
+  });
+  driver.Then("Page", [](HWND sheet) { Press(Tab(sheet), IDC_PICTURE_PAINT); });
+  driver.Then("Page", [](HWND sheet) {
+    SetDlgItemTextA(ShowTab(sheet, 0), IDC_HEAD_INTERIOR, "33");
+    Press(sheet, IDCANCEL);
+  });
+  const uint32_t live = GlobalBlockLiveCount();
+  EXPECT_FALSE(EditPageProperties(nullptr, &page_));
+  EXPECT_TRUE(driver.Finished());
+  EXPECT_EQ(noPainter, StringTableText(IDS_NO_PAINT_PROGRAM));
+  EXPECT_EQ(std::memcmp(&page_, &before, sizeof page_), 0);
+  EXPECT_EQ(std::memcmp(BlockLock(page_.Picture).bytes(), pixels.data(), pixels.size()), 0);
+  EXPECT_EQ(GlobalBlockLiveCount(), live) << "the working copy and the painted picture are freed";
+  ASSERT_TRUE(PutMonthPage(document_, 3, &page_));
+}
+
+// A page from a damaged file: a tab number out of range opens the first
+// tab, and a picture handle that is no block cannot be copied (message 106).
+TEST_F(PageSheetTest, ADamagedPageOpensOnTheFirstTabOrNotAtAll) {
+  page_.LastPropertyPage = 77;
+  DialogDriver driver;
+  driver.Then("Page", [](HWND sheet) {
+    EXPECT_EQ(TabCtrl_GetCurSel(PropSheet_GetTabControl(sheet)), 0);
+    Press(sheet, IDCANCEL);
+  });
+  EXPECT_FALSE(EditPageProperties(nullptr, &page_));
+  const BlockHandle picture = page_.Picture;
+  page_.Picture = 0xDEAD;
+  std::string said;
+  driver.Then("Message", [&](HWND box) {
+    said = MessageText(box);
+    Press(box, IDOK);
+  });
+  EXPECT_FALSE(EditPageProperties(nullptr, &page_));
+  EXPECT_TRUE(driver.Finished());
+  EXPECT_EQ(said, StringTableText(IDS_MEMORY_FAILED));
+  EXPECT_EQ(page_.Picture, 0xDEADu);
+  page_.Picture = picture;
+}
+
+// The preview: the picture as large as fits, centred, framed in the button
+// shadow's colour; nothing when the button is greyed.
+TEST(PicturePreview, FitsCentresAndFrames) {
+  const struct {
+    int w, h, bits;
+    bool disabled;
+    RECT frame;  // expected, in the 120 x 120 item
+  } cases[] = {
+      {200, 100, 24, false, {0, 30, 120, 90}},
+      {50, 100, 1, false, {30, 0, 90, 120}},
+      {7, 3, 8, false, {0, 34, 119, 85}},  // 17.142 times: thousandths round down
+      {200, 100, 24, true, {0, 0, 0, 0}},
+  };
+  for (const auto& c : cases) {
+    BlockHandle dib = DibCreate(c.w, c.h, static_cast<uint16_t>(c.bits));
+    {
+      BlockLock lock(dib);
+      const uint64_t stride = DibRowStride(c.w, c.bits);
+      std::memset(DibBits(lock.bytes()), c.bits == 24 ? 0x40 : 0, stride * c.h);
+    }
+    HDC dc = CreateCompatibleDC(nullptr);
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof(BITMAPINFOHEADER), 120, -120, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* pixels = nullptr;
+    HBITMAP target = CreateDIBSection(dc, &info, DIB_RGB_COLORS, &pixels, nullptr, 0);
+    SelectObject(dc, target);
+    PatBlt(dc, 0, 0, 120, 120, WHITENESS);
+    DRAWITEMSTRUCT item{ODT_BUTTON, IDC_PICTURE_SAMPLE, 0, ODA_DRAWENTIRE,
+                        c.disabled ? static_cast<UINT>(ODS_DISABLED) : 0u, nullptr, dc, {0, 0, 120, 120}, 0};
+    DrawPicturePreview(&item, dib);
+    SetViewportOrgEx(dc, 0, 0, nullptr);
+    const COLORREF shadow = GetSysColor(COLOR_BTNSHADOW);
+    const RECT& f = c.frame;
+    if (c.disabled) {
+      EXPECT_EQ(GetPixel(dc, 60, 60), RGB(255, 255, 255));
+    } else {
+      EXPECT_EQ(GetPixel(dc, f.left, f.top), shadow) << c.w;
+      EXPECT_EQ(GetPixel(dc, f.right - 1, f.bottom - 1), shadow) << c.w;
+      EXPECT_NE(GetPixel(dc, (f.left + f.right) / 2, (f.top + f.bottom) / 2), RGB(255, 255, 255)) << c.w;
+      // Outside the frame the item is untouched.
+      EXPECT_EQ(GetPixel(dc, f.left > 0 ? f.left - 1 : 60, f.top > 0 ? f.top - 1 : 119), RGB(255, 255, 255)) << c.w;
+    }
+    DeleteDC(dc);
+    DeleteObject(target);
+    GlobalBlockFree(dib);
+  }
+}
