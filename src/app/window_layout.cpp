@@ -39,13 +39,6 @@ std::string DocumentLabel(const std::string& path, const std::string& pageName) 
   return std::string(FileNamePart(path.c_str())) + " \x96 " + pageName;
 }
 
-std::string DialogStartFolder(const std::string& openPath, const std::string& programFolder,
-                              const std::string& documents) {
-  const bool unused = openPath.empty() || (openPath.size() == programFolder.size() &&
-                                           CompareNoCase(openPath.c_str(), programFolder.c_str(), openPath.size()) == 0);
-  return unused ? documents : openPath;
-}
-
 bool CommandActsOnPage(int command, int page) {
   const bool monthOnly = command == IDM_EDIT_MONTH || command == IDM_REPLICATE || command == IDM_EVENTS;
   return !monthOnly || (page >= 0 && page < 12);

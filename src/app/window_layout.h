@@ -32,12 +32,6 @@ std::string WindowTitle(const std::string& productName, const std::string& label
 // and the page's name.
 std::string DocumentLabel(const std::string& path, const std::string& pageName);
 
-// Where the Open and Save dialogs start: the folder last used, or the user's
-// documents while that is still empty or the program's own folder (which a
-// standard user cannot write to). Folders compare without case.
-std::string DialogStartFolder(const std::string& openPath, const std::string& programFolder,
-                              const std::string& documents);
-
 // Edit month, Replicate and Events act on a month page only; every other
 // command acts on any page (0..11 months, 12 the year, 13 the cover).
 bool CommandActsOnPage(int command, int page);

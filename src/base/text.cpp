@@ -79,3 +79,10 @@ std::string FolderOfFile(const std::string& path) {
   if (folder.back() != '\\' && folder.back() != '/') folder += '\\';
   return folder;
 }
+
+std::string DialogStartFolder(const std::string& openPath, const std::string& programFolder,
+                              const std::string& documents) {
+  const bool unused = openPath.empty() || (openPath.size() == programFolder.size() &&
+                                           CompareNoCase(openPath.c_str(), programFolder.c_str(), openPath.size()) == 0);
+  return unused ? documents : openPath;
+}

@@ -19,3 +19,8 @@ std::string JoinPath(const std::string& folder, const std::string& name);
 // The folder of `path` with its trailing backslash ("C:\\Cal\\" for
 // "C:\\Cal\\2027.CLN", "C:\\" for "C:x.CLN"); empty for a bare name.
 std::string FolderOfFile(const std::string& path);
+// Where the file dialogs start: the folder last used, or the user's
+// documents while that is still empty or the program's own folder (which a
+// standard user cannot write to). Folders compare without case.
+std::string DialogStartFolder(const std::string& openPath, const std::string& programFolder,
+                              const std::string& documents);

@@ -1,5 +1,7 @@
 #include "editors/picture_tab_win32.h"
 
+#include <shlobj.h>
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -35,8 +37,11 @@ const ControlBinding& PlacementBinding() {
 // "Select...": the picture-open dialog in the folder used last; the page's
 // picture is freed before the new one loads, so a failed load leaves none.
 void SelectPicture(HWND tab, MonthPage* page) {
+  char pictures[MAX_PATH] = "";
+  if (FAILED(SHGetFolderPathA(nullptr, CSIDL_MYPICTURES, nullptr, SHGFP_TYPE_CURRENT, pictures))) pictures[0] = 0;
   char path[MAX_PATH];
-  CopyText(path, sizeof path, Settings.OpenPath);
+  // Until a folder has been used, the user's pictures.
+  CopyText(path, sizeof path, DialogStartFolder(Settings.OpenPath, Settings.ApplicationPath, pictures[0] ? JoinPath(pictures, "") : "").c_str());
   if (!OpenPictureFile(tab, path)) return;
   CopyText(Settings.OpenPath, sizeof Settings.OpenPath, FolderOfFile(path).c_str());
   if (page->Picture) GlobalBlockFree(page->Picture);

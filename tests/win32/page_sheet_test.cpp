@@ -154,6 +154,8 @@ TEST_F(PageSheetTest, OkGivesThePageEveryTabsChanges) {
     HWND caption = ShowTab(sheet, 4);
     SetDlgItemTextA(caption, IDC_CAP_LEFT_TEXT, "Spring\r\nrain");
     SetDlgItemTextA(caption, IDC_PAGE_MARGIN, "12");
+  });
+  driver.Then("Page", [](HWND sheet) {
     HWND events = ShowTab(sheet, 2);
     EXPECT_EQ(Entries(events, IDC_DAYS_LIST), (std::vector<std::string>{"Birthdays", "General"}));
     EXPECT_EQ(ItemText(events, IDC_DAYS_LIST), "Birthdays");
