@@ -1,7 +1,9 @@
 // The main window in the test's own process, driven as a user drives it:
 // its title, menu, toolbar strip, page view and file dialogs.
 #include <windows.h>
+#include <commctrl.h>
 #include <commdlg.h>
+#include <prsht.h>
 #include <shellapi.h>
 #include <shlobj.h>
 
@@ -22,6 +24,7 @@
 #include "config/settings.h"
 #include "dialog_driver.h"
 #include "pictures/image_files.h"
+#include "res/page_sheet_ids.h"
 #include "res/picture_dialog_ids.h"
 #include "test_support.h"
 
@@ -98,6 +101,35 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
   Command(IDM_PAGE_COVER);
   Command(IDM_NEW);
   EXPECT_FALSE(Greyed(IDM_EVENTS)) << "a new calendar opens on a month";
+}
+
+// Edit month opens the page sheet on month pages only; what OK gives back
+// is the page's, marks the calendar changed and becomes the defaults.
+TEST_F(MainWindowTest, EditMonthPutsTheSheetsDesignIntoThePageAndTheDefaults) {
+  bool opened = false;
+  DialogDriver driver;
+  driver.Then("Page", [&](HWND sheet) {
+    opened = true;
+    PropSheet_SetCurSel(sheet, nullptr, 4);
+    SetDlgItemTextA(PropSheet_GetCurrentPageHwnd(sheet), IDC_PAGE_MARGIN, "17");
+    Press(sheet, IDOK);
+  });
+  Command(IDM_PAGE_YEAR);
+  Command(IDM_EDIT_MONTH);
+  EXPECT_FALSE(opened) << "the year page has no page sheet";
+  Command(314);
+  Command(IDM_EDIT_PAGE_BUTTON);  // the toolbar's button posts Edit month
+  Pump(20000, [&] { return driver.Finished(); });
+  EXPECT_TRUE(opened);
+  MonthPage may;
+  CalendarHeader header;
+  ASSERT_TRUE(GetMonthPage(App.document, 4, &may) && GetHeader(App.document, &header));
+  EXPECT_EQ(may.PageMargin, 17);
+  EXPECT_EQ(may.LastPropertyPage, 4);
+  EXPECT_EQ(header.Changed, 1);
+  EXPECT_EQ(Settings.PageMargin, 17u) << "the next new page starts from this design";
+  // The sheet's working copy keeps its blocks after OK.
+  AllowBlocksLeftBehind((may.Picture ? 1 : 0) + (may.Events ? 1 : 0));
 }
 
 TEST_F(MainWindowTest, TheStripFollowsTheWindowAndThePageFitsItsView) {
