@@ -54,3 +54,13 @@ add_dependencies(quernal_win32_tests THEME_Standard)
 add_executable(stand_in_paint ${CMAKE_CURRENT_LIST_DIR}/stand_in_paint.cpp)
 target_link_options(stand_in_paint PRIVATE -static)
 add_dependencies(quernal_win32_tests stand_in_paint)
+
+# A photograph for the tests that select or drop one, made by ImageMagick:
+# a plain meadow green that survives JPEG's compression recognisably.
+find_program(QUERNAL_CONVERT convert REQUIRED)
+set(meadow ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/Meadow.jpg)
+add_custom_command(OUTPUT ${meadow}
+  COMMAND ${QUERNAL_CONVERT} -size 640x480 "xc:#3C9646" -quality 92 ${meadow}
+  VERBATIM)
+add_custom_target(quernal_test_photograph DEPENDS ${meadow})
+add_dependencies(quernal_win32_tests quernal_test_photograph)

@@ -1,0 +1,158 @@
+// A month page designed in the real program: the page sheet's font,
+// placement, padding, caption, colour and photograph, saved, reopened and
+// shown, and the next new calendar starting from that design.
+#include <windows.h>
+#include <commctrl.h>
+#include <prsht.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "calendar/records.h"
+#include "e2e_support.h"
+
+namespace {
+
+constexpr COLORREF kCardinal = RGB(178, 28, 40);  // entry 34 of the colour table shipped
+constexpr COLORREF kMeadow = RGB(60, 150, 70);    // the photograph beside the tests
+
+std::string BesideTests(const char* name) {
+  char path[MAX_PATH];
+  const DWORD n = GetModuleFileNameA(nullptr, path, sizeof path);
+  const std::string p(path, n);
+  return p.substr(0, p.find_last_of('\\') + 1) + name;
+}
+
+HWND ShowTab(HWND sheet, int index) {
+  SendMessageA(sheet, PSM_SETCURSEL, index, 0);
+  return reinterpret_cast<HWND>(SendMessageA(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
+}
+
+// Month page `month` of a calendar file, walking the records before it.
+bool ReadMonthPage(const std::string& path, int month, MonthPage* page) {
+  const std::string file = ReadAll(path);
+  CalendarHeader header;
+  if (file.size() < sizeof header) return false;
+  std::memcpy(&header, file.data(), sizeof header);
+  size_t at = header.RecordSize;
+  for (int i = 0; i <= month; ++i) {
+    if (at + sizeof *page > file.size()) return false;
+    std::memcpy(page, file.data() + at, sizeof *page);
+    at += page->RecordSize;
+  }
+  return true;
+}
+
+// How many pixels of the window's client area are within a few steps of `colour`.
+int PixelsLike(HWND window, COLORREF colour) {
+  RECT r;
+  GetClientRect(window, &r);
+  POINT origin{0, 0};
+  ClientToScreen(window, &origin);
+  int count = 0;
+  for (DWORD p : ScreenPixels(origin.x, origin.y, r.right, r.bottom)) {
+    const int red = (p >> 16) & 255, green = (p >> 8) & 255, blue = p & 255;
+    if (std::abs(red - GetRValue(colour)) < 12 && std::abs(green - GetGValue(colour)) < 12 &&
+        std::abs(blue - GetBValue(colour)) < 12)
+      ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
+TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
+  WriteSettings("");
+  const std::string designed = TempFolder() + "Designed.CLN", next = TempFolder() + "Next.CLN";
+  DeleteFileA(designed.c_str());
+  DeleteFileA(next.c_str());
+  {
+    Quernal quernal;
+    ASSERT_NE(quernal.MainWindow(), nullptr);
+    quernal.Do(WM_COMMAND, 310 + 4);  // May
+    EXPECT_EQ(PixelsLike(quernal.window(), kCardinal), 0);
+    quernal.Command(250);
+    HWND sheet = quernal.Wait("Page");
+    ASSERT_NE(sheet, nullptr);
+    HWND heading = ShowTab(sheet, 0);
+    Press(heading, 115);
+    HWND font = quernal.Wait("Font");
+    ASSERT_NE(font, nullptr);
+    SetDlgItemTextA(font, 101, "60");
+    Press(font, IDOK);
+    WaitGone(font);
+    SetCheck(heading, 117, false);
+    SetCheck(heading, 118, false);
+    SetCheck(heading, 119, true);
+    SetDlgItemTextA(heading, 135, "20");
+
+    HWND caption = ShowTab(sheet, 4);
+    SetDlgItemTextA(caption, 140, "Walks by the river");
+    Press(caption, 128);
+    HWND colour = quernal.Wait("Color");
+    ASSERT_NE(colour, nullptr);
+    HWND list = GetDlgItem(colour, 108);
+    SendMessageA(list, LB_SETCURSEL, 34, 0);
+    for (WORD click : {LBN_SELCHANGE, LBN_DBLCLK})
+      PostMessageA(colour, WM_COMMAND, MAKEWPARAM(108, click), reinterpret_cast<LPARAM>(list));
+    WaitGone(colour);
+
+    HWND picture = ShowTab(sheet, 3);
+    Press(picture, 138);
+    HWND open = quernal.Wait("Open");
+    ASSERT_NE(open, nullptr);
+    SaveShot("page-sheet-open", open);
+    ChooseFile(open, BesideTests("Meadow.jpg"));
+    WaitGone(open);
+    SaveShot("page-sheet-picture", sheet);
+    Press(sheet, IDOK);
+    WaitGone(sheet);
+
+    quernal.Command(104);
+    HWND saveAs = quernal.Wait("Save As");
+    ASSERT_NE(saveAs, nullptr);
+    ChooseFile(saveAs, designed);
+    quernal.TitleStartingWith("Quernal [ Designed.CLN");
+    ASSERT_TRUE(quernal.Close());
+  }
+
+  MonthPage may;
+  ASSERT_TRUE(ReadMonthPage(designed, 4, &may));
+  EXPECT_EQ(may.HeadFontSize, 60);
+  EXPECT_EQ(may.HeadPlacement, 2);
+  EXPECT_EQ(may.HeadInteriorPadding, 20);
+  EXPECT_STREQ(may.LeftCaption, "Walks by the river");
+  EXPECT_EQ(may.PageBackgroundColour, kCardinal);
+  EXPECT_GT(may.PictureDataSize, 640u * 480u * 3u) << "the photograph travels in the file";
+  {
+    // Reopened, May shows the design: the cardinal page and the photograph.
+    Quernal quernal(designed);
+    ASSERT_NE(quernal.MainWindow(), nullptr);
+    SaveShot("designed-may", quernal.window());
+    EXPECT_GT(PixelsLike(quernal.window(), kCardinal), 2000);
+    EXPECT_GT(PixelsLike(quernal.window(), kMeadow), 2000);
+    ASSERT_TRUE(quernal.Close());
+  }
+  {
+    // File > New takes the design from the settings written on exit (the
+    // calendar the program starts with is built before they are read).
+    Quernal quernal;
+    ASSERT_NE(quernal.MainWindow(), nullptr);
+    quernal.Do(WM_COMMAND, 101);
+    quernal.Command(104);
+    HWND saveAs = quernal.Wait("Save As");
+    ASSERT_NE(saveAs, nullptr);
+    ChooseFile(saveAs, next);
+    quernal.TitleStartingWith("Quernal [ Next.CLN");
+    ASSERT_TRUE(quernal.Close());
+  }
+  MonthPage january;
+  ASSERT_TRUE(ReadMonthPage(next, 0, &january));
+  EXPECT_EQ(january.HeadFontSize, 60);
+  EXPECT_EQ(january.HeadPlacement, 2);
+  EXPECT_EQ(january.HeadInteriorPadding, 20);
+  EXPECT_EQ(january.PageBackgroundColour, kCardinal);
+}
