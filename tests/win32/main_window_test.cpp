@@ -297,4 +297,12 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
   EXPECT_EQ(may.Picture, 0u);
   GlobalBlockFree(art);
+
+  // A photograph dropped from the file manager.
+  Drop(window(), ProgramFolder() + "Meadow.jpg");
+  ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
+  ASSERT_NE(may.Picture, 0u);
+  BlockLock lock(may.Picture);
+  EXPECT_EQ(lock.as<BitmapInfoHeader>()->biWidth, 640);
+  EXPECT_EQ(lock.as<BitmapInfoHeader>()->biBitCount, 24);
 }
