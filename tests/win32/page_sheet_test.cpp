@@ -191,8 +191,9 @@ TEST_F(PageSheetTest, OkGivesThePageEveryTabsChanges) {
 }
 
 // Cancel after a picture was painted and every state rule was tried: the
-// page is left byte for byte as it was.
-TEST_F(PageSheetTest, CancelLeavesThePageAsItWas) {
+// page is left byte for byte as it was. Painted again and OK, it keeps the
+// painted picture.
+TEST_F(PageSheetTest, CancelLeavesThePageAsItWasAndPaintingKeepsOnOk) {
   if (page_.Picture) GlobalBlockFree(page_.Picture);
   page_.Picture = MakePatternDib(40, 30, 24, 5);
   page_.LastPropertyPage = 3;
@@ -245,7 +246,16 @@ TEST_F(PageSheetTest, CancelLeavesThePageAsItWas) {
   EXPECT_EQ(std::memcmp(&page_, &before, sizeof page_), 0);
   EXPECT_EQ(std::memcmp(BlockLock(page_.Picture).bytes(), pixels.data(), pixels.size()), 0);
   EXPECT_EQ(GlobalBlockLiveCount(), live) << "the working copy and the painted picture are freed";
+
+  // Painted and kept: the picture comes back as the paint program left it.
+  driver.Then("Page", [](HWND sheet) { Press(Tab(sheet), IDC_PICTURE_PAINT); });
+  driver.Then("Page", [](HWND sheet) { Press(sheet, IDOK); });
+  ASSERT_TRUE(EditPageProperties(nullptr, &page_));
+  EXPECT_TRUE(driver.Finished());
+  EXPECT_EQ(DibBits(BlockLock(page_.Picture).bytes())[0], 0x56);
+  EXPECT_EQ(std::memcmp(DibBits(BlockLock(page_.Picture).bytes()) + 3, DibBits(const_cast<uint8_t*>(pixels.data())) + 3, 40 * 3 - 3), 0);
   ASSERT_TRUE(PutMonthPage(document_, 3, &page_));
+  AllowBlocksLeftBehind(2);  // the working copy's picture and event list stay allocated after OK
 }
 
 // A page from a damaged file: a tab number out of range opens the first
