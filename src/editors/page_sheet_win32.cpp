@@ -98,8 +98,8 @@ void FillEventLists(HWND tab, const MonthPage& page) {
 
 // The list chosen becomes the page's, loaded afresh (none when it cannot be).
 void ReadEventList(HWND tab, MonthPage* page) {
-  char name[MAX_PATH + 1] = "";
-  GetDlgItemTextA(tab, IDC_DAYS_LIST, name, MAX_PATH);
+  char name[261] = "";  // 260 characters at most
+  GetDlgItemTextA(tab, IDC_DAYS_LIST, name, sizeof name);
   CopyText(page->DaysName, sizeof page->DaysName, name);
   if (page->Events) GlobalBlockFree(page->Events);
   page->Events = LoadEventList(page->DaysName);

@@ -7,13 +7,6 @@
 
 namespace {
 
-// Quernal.exe beside this test program.
-std::string ProgramPath() {
-  char path[MAX_PATH];
-  DWORD n = GetModuleFileNameA(nullptr, path, sizeof path);
-  std::string p(path, n);
-  return p.substr(0, p.find_last_of('\\') + 1) + "Quernal.exe";
-}
 
 struct WindowSearch {
   DWORD pid;
@@ -162,13 +155,13 @@ void SaveShot(const char* name, HWND window) {
 }
 
 Quernal::Quernal(const std::string& arguments) {
-  std::string command = "\"" + ProgramPath() + "\"" + (arguments.empty() ? "" : " " + arguments);
+  std::string command = "\"" + BesideTests("Quernal.exe") + "\"" + (arguments.empty() ? "" : " " + arguments);
   STARTUPINFOA si{};
   si.cb = sizeof si;
   // Started in its own folder, as its shortcut starts it: the first calendar
   // is made before the settings name the program's folder, so its events
   // list is found there.
-  const std::string program = ProgramPath();
+  const std::string program = BesideTests("Quernal.exe");
   const std::string folder = program.substr(0, program.find_last_of('\\') + 1);
   started_ = CreateProcessA(nullptr, &command[0], nullptr, nullptr, FALSE, 0, nullptr, folder.c_str(), &si, &pi_);
 }
@@ -244,3 +237,18 @@ bool Quernal::Close() {
 }
 
 bool Quernal::Ended() const { return WaitForSingleObject(pi_.hProcess, 30000) == WAIT_OBJECT_0; }
+
+std::string BesideTests(const std::string& name) {
+  char path[MAX_PATH];
+  const DWORD n = GetModuleFileNameA(nullptr, path, sizeof path);
+  const std::string p(path, n);
+  return p.substr(0, p.find_last_of('\\') + 1) + name;
+}
+
+std::string Quernal::SaveAs(const std::string& path) const {
+  Command(104);
+  HWND dialog = Wait("Save As");
+  if (!dialog) return "";
+  ChooseFile(dialog, path);
+  return TitleStartingWith("Quernal [ " + path.substr(path.find_last_of('\\') + 1));
+}

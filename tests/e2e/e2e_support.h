@@ -7,6 +7,9 @@
 #include <vector>
 
 std::string Environment(const char* name);
+// A file beside this test program (where the build puts Quernal.exe and the
+// files the tests use).
+std::string BesideTests(const std::string& name);
 // A Unix path as a Windows program sees it, on Wine's drive Z:.
 std::string WindowsPath(std::string path);
 // The configuration folder, made as an installer would make it.
@@ -74,6 +77,9 @@ class Quernal {
   bool Settle() const;
   // The calendar changes: this month's design is copied onto the others.
   void ChangeCalendar() const;
+  // File, Save as under `path` (a Windows path): the title once it names
+  // the file, or empty when no dialog came.
+  std::string SaveAs(const std::string& path) const;
   // Closes the window as the user does and waits for the program to end.
   bool Close();
   bool Ended() const;

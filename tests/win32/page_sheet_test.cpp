@@ -260,14 +260,38 @@ TEST_F(PageSheetTest, CancelLeavesThePageAsItWasAndPaintingKeepsOnOk) {
 
 // A page from a damaged file: a tab number out of range opens the first
 // tab, and a picture handle that is no block cannot be copied (message 106).
+// On the way, F1 on a tab asks for the manual (with no browser to be had,
+// the program says where the manual is).
 TEST_F(PageSheetTest, ADamagedPageOpensOnTheFirstTabOrNotAtAll) {
   page_.LastPropertyPage = 77;
+  HKEY browsers;
+  ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, "Software\\Wine\\WineBrowser", 0, nullptr, 0, KEY_SET_VALUE, nullptr,
+                            &browsers, nullptr),
+            ERROR_SUCCESS);
+  RegSetValueExA(browsers, "Browsers", 0, REG_SZ, reinterpret_cast<const BYTE*>("quernal-none"), 13);
+  std::string manual;
   DialogDriver driver;
   driver.Then("Page", [](HWND sheet) {
     EXPECT_EQ(TabCtrl_GetCurSel(PropSheet_GetTabControl(sheet)), 0);
-    Press(sheet, IDCANCEL);
+    // A message that carries a pointer cannot be posted: the help request
+    // is sent from a timer of its own, outside this step.
+    static HWND tab;
+    tab = Tab(sheet);
+    SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR timer, DWORD) {
+      KillTimer(nullptr, timer);
+      HELPINFO help{sizeof help, HELPINFO_WINDOW, IDC_HEAD_FONT, GetDlgItem(tab, IDC_HEAD_FONT), 0, {0, 0}};
+      SendMessageA(tab, WM_HELP, 0, reinterpret_cast<LPARAM>(&help));
+    });
   });
+  driver.Then("Message", [&](HWND box) {
+    manual = MessageText(box);
+    Press(box, IDOK);
+  });
+  driver.Then("Page", [](HWND sheet) { Press(sheet, IDCANCEL); });
   EXPECT_FALSE(EditPageProperties(nullptr, &page_));
+  RegDeleteValueA(browsers, "Browsers");
+  RegCloseKey(browsers);
+  EXPECT_EQ(manual.rfind("The manual could not be shown", 0), 0u) << manual;
   const BlockHandle picture = page_.Picture;
   page_.Picture = 0xDEAD;
   std::string said;
