@@ -23,6 +23,7 @@
 #include "config/settings.h"
 #include "config/settings_file.h"
 #include "editors/page_sheet_win32.h"
+#include "editors/year_sheet_win32.h"
 #include "pictures/page_picture_win32.h"
 #include "print/print_job_win32.h"
 #include "print/printer_win32.h"
@@ -240,6 +241,18 @@ void EditMonth(HWND window) {
   InvalidateRect(window, nullptr, TRUE);
 }
 
+// Edit year: the year sheet over the calendar's header. What OK gives back
+// goes into the document and becomes the design of later new calendars.
+void EditYear(HWND window) {
+  CalendarHeader header;
+  if (!GetHeader(App.document, &header)) return (void)ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
+  if (!EditYearProperties(window, &header)) return;
+  header.Changed = 1;
+  if (!PutHeader(App.document, &header)) ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
+  StoreHeaderAsDefaults(&header);
+  InvalidateRect(window, nullptr, TRUE);
+}
+
 // The title keeps the page it was named with: it changes with the
 // document's name, not with the page shown.
 void ShowPage(HWND window, int page) {
@@ -378,6 +391,7 @@ void Command(HWND window, int id) {
     case IDM_EDIT_YEAR_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_YEAR, 0);
     case IDM_EDIT_PAGE_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_MONTH, 0);
     case IDM_EDIT_MONTH: return EditMonth(window);
+    case IDM_EDIT_YEAR: return EditYear(window);
     case IDM_REPLICATE:
       // Only a month page has a design to copy onto the other months.
       if (CurrentPage() < 12 && ReplicateMonth(window, App.document)) InvalidateRect(window, nullptr, TRUE);

@@ -53,10 +53,12 @@ const ControlBinding kCaption[] = {
     {IDC_PAGE_MARGIN, ControlKind::Number, FIELD(PageMargin)},
 };
 
-const FontButtonBinding kHeadFont{IDC_HEAD_FONT, IDC_HEAD_SAMPLE, FONT(Head)};
-const FontButtonBinding kDateFont{IDC_DATE_FONT, IDC_DATE_SAMPLE, FONT(Date)};
-const FontButtonBinding kDaysFont{IDC_DAYS_FONT, IDC_DAYS_SAMPLE, FONT(Days)};
-const FontButtonBinding kCapFont{IDC_CAP_FONT, IDC_CAP_SAMPLE, FONT(Cap)};
+const FontButtonBinding kHeadFont[] = {{IDC_HEAD_FONT, IDC_HEAD_SAMPLE, FONT(Head)}};
+const FontButtonBinding kDateFont[] = {{IDC_DATE_FONT, IDC_DATE_SAMPLE, FONT(Date)}};
+const FontButtonBinding kDaysFont[] = {{IDC_DAYS_FONT, IDC_DAYS_SAMPLE, FONT(Days)}};
+const FontButtonBinding kCapFont[] = {{IDC_CAP_FONT, IDC_CAP_SAMPLE, FONT(Cap)}};
+// The placement is the picture tab's fourth control.
+const PictureBinding kPictureBlock{offsetof(MonthPage, Picture), 3, false, IDC_PICTURE_PAINT};
 
 const ColourButtonBinding kHeadColours[] = {{IDC_HEAD_COLOUR, offsetof(MonthPage, HeadFontColour)},
                                             {IDC_HEAD_FRAME, offsetof(MonthPage, HeadFrameColour)},
@@ -69,16 +71,16 @@ const ColourButtonBinding kPictureColours[] = {{IDC_PICTURE_FRAME, offsetof(Mont
 const ColourButtonBinding kCapColours[] = {{IDC_CAP_COLOUR, offsetof(MonthPage, CapFontColour)},
                                            {IDC_PAGE_BACKGROUND, offsetof(MonthPage, PageBackgroundColour)}};
 
-#define COUNT(a) sizeof(a) / sizeof(a[0])
-
 }  // namespace
 
-const PageTab kPageTabs[kPageTabCount] = {
-    {"PagePropertyOne", "Heading", kHeading, COUNT(kHeading), &kHeadFont, kHeadColours, COUNT(kHeadColours),
-     IDC_HEAD_LEFT_GLYPH, IDC_HEAD_LEFT},
-    {"PagePropertyTwo", "Dates", kDates, COUNT(kDates), &kDateFont, kDateColours, COUNT(kDateColours)},
-    {"PagePropertyThree", "Events", kEvents, COUNT(kEvents), &kDaysFont, kDaysColours, COUNT(kDaysColours)},
-    {"PagePropertyFour", "Picture", kPicture, COUNT(kPicture), nullptr, kPictureColours, COUNT(kPictureColours)},
-    {"PagePropertyFive", "Caption/Background", kCaption, COUNT(kCaption), &kCapFont, kCapColours,
-     COUNT(kCapColours), IDC_CAP_LEFT_GLYPH, IDC_CAP_LEFT},
+const SheetTab kPageTabs[kPageTabCount] = {
+    {"PagePropertyOne", "Heading", kHeading, QUERNAL_COUNT(kHeading), kHeadFont, 1, kHeadColours,
+     QUERNAL_COUNT(kHeadColours), IDC_HEAD_LEFT_GLYPH, IDC_HEAD_LEFT},
+    {"PagePropertyTwo", "Dates", kDates, QUERNAL_COUNT(kDates), kDateFont, 1, kDateColours, QUERNAL_COUNT(kDateColours)},
+    {"PagePropertyThree", "Events", kEvents, QUERNAL_COUNT(kEvents), kDaysFont, 1, kDaysColours,
+     QUERNAL_COUNT(kDaysColours)},
+    {"PagePropertyFour", "Picture", kPicture, QUERNAL_COUNT(kPicture), nullptr, 0, kPictureColours,
+     QUERNAL_COUNT(kPictureColours), 0, 0, &kPictureBlock},
+    {"PagePropertyFive", "Caption/Background", kCaption, QUERNAL_COUNT(kCaption), kCapFont, 1, kCapColours,
+     QUERNAL_COUNT(kCapColours), IDC_CAP_LEFT_GLYPH, IDC_CAP_LEFT},
 };

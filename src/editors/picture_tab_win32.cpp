@@ -10,12 +10,10 @@
 #include "config/settings.h"
 #include "editors/control_binding.h"
 #include "editors/dialog_controls_win32.h"
-#include "editors/page_tabs.h"
 #include "pictures/page_picture_win32.h"
 #include "pictures/paint_round_trip_win32.h"
 #include "pictures/picture_open_dialog_win32.h"
 #include "render/primitives_win32.h"
-#include "res/page_sheet_ids.h"
 #include "res/string_ids.h"
 
 namespace {
@@ -28,67 +26,68 @@ void EnableNumber(HWND tab, int id, bool on) {
 }
 bool Checked(HWND tab, int id) { return IsDlgButtonChecked(tab, id) == BST_CHECKED; }
 
-const ControlBinding& PlacementBinding() {
-  const PageTab& tab = kPageTabs[kPictureTab];
-  return *std::find_if(tab.controls, tab.controls + tab.controlCount,
-                       [](const ControlBinding& b) { return b.kind == ControlKind::Radio; });
+BlockHandle* PictureOf(void* record, const SheetTab& sheet) {
+  return reinterpret_cast<BlockHandle*>(static_cast<char*>(record) + sheet.picture->picture);
 }
 
-// "Select...": the picture-open dialog in the folder used last; the page's
-// picture is freed before the new one loads, so a failed load leaves none.
-void SelectPicture(HWND tab, MonthPage* page) {
+// "Select...": the picture-open dialog in the folder used last (the user's
+// pictures until a folder has been used); the picture is freed before the
+// new one loads, so a failed load leaves none.
+void SelectPicture(HWND tab, void* record, const SheetTab& sheet) {
   char pictures[MAX_PATH] = "";
   if (FAILED(SHGetFolderPathA(nullptr, CSIDL_MYPICTURES, nullptr, SHGFP_TYPE_CURRENT, pictures))) pictures[0] = 0;
   char path[MAX_PATH];
-  // Until a folder has been used, the user's pictures.
-  CopyText(path, sizeof path, DialogStartFolder(Settings.OpenPath, Settings.ApplicationPath, pictures[0] ? JoinPath(pictures, "") : "").c_str());
+  CopyText(path, sizeof path,
+           DialogStartFolder(Settings.OpenPath, Settings.ApplicationPath, pictures[0] ? JoinPath(pictures, "") : "")
+               .c_str());
   if (!OpenPictureFile(tab, path)) return;
   CopyText(Settings.OpenPath, sizeof Settings.OpenPath, FolderOfFile(path).c_str());
-  if (page->Picture) GlobalBlockFree(page->Picture);
-  page->Picture = 0;
-  page->Picture = LoadPagePicture(tab, path);
-  ApplyPictureState(tab, *page);
+  BlockHandle* picture = PictureOf(record, sheet);
+  if (*picture) GlobalBlockFree(*picture);
+  *picture = 0;
+  *picture = LoadPagePicture(tab, path);
+  if (sheet.picture->showChosen) CheckDlgButton(tab, kPictureShow, *picture ? BST_CHECKED : BST_UNCHECKED);
+  ApplyPictureState(tab, record, sheet);
 }
 
 // "Paint": the picture through the paint program; the sheet takes no input
 // until the program ends.
-void PaintPicture(HWND tab, MonthPage* page) {
-  if (!page->Picture) return;
+void PaintPicture(HWND tab, void* record, const SheetTab& sheet) {
+  BlockHandle* picture = PictureOf(record, sheet);
+  if (!*picture) return;
   if (GetFileAttributesA(Settings.PaintbrushPath) == INVALID_FILE_ATTRIBUTES)
     return (void)ShowMessage(tab, IDS_NO_PAINT_PROGRAM);
-  HWND sheet = GetParent(tab) ? GetParent(tab) : tab;
-  const BlockHandle edited = PaintRoundTrip(sheet, Settings.PaintbrushPath, page->Picture, Settings.MaximizePaint != 0);
+  HWND sheetWindow = GetParent(tab) ? GetParent(tab) : tab;
+  const BlockHandle edited = PaintRoundTrip(sheetWindow, Settings.PaintbrushPath, *picture, Settings.MaximizePaint != 0);
   if (!edited) return (void)ShowMessage(tab, IDS_MEMORY_FAILED);
-  GlobalBlockFree(page->Picture);
-  page->Picture = edited;
-  InvalidateRect(GetDlgItem(tab, IDC_PICTURE_SAMPLE), nullptr, TRUE);
+  GlobalBlockFree(*picture);
+  *picture = edited;
+  InvalidateRect(GetDlgItem(tab, kPictureSample), nullptr, TRUE);
 }
 
 }  // namespace
 
-void ApplyPictureState(HWND tab, const MonthPage& page) {
+void ApplyPictureState(HWND tab, const void* record, const SheetTab& sheet) {
   Win32DialogControls controls(tab);
-  CheckStoredRadio(PlacementBinding(), &page, controls);
-  const bool picture = page.Picture != 0;
-  Enable(tab, IDC_PICTURE_SHOW, picture);
-  if (picture && Checked(tab, IDC_PICTURE_SHOW)) {
-    for (int id : {IDC_PICTURE_SAMPLE, IDC_PICTURE_SHADOW, IDC_PICTURE_SHOW_FRAME, IDC_PICTURE_PAINT})
-      Enable(tab, id, true);
+  CheckStoredRadio(sheet.controls[sheet.picture->placement], record, controls);
+  const bool picture = *PictureOf(const_cast<void*>(record), sheet) != 0;
+  Enable(tab, kPictureShow, picture);
+  if (picture && Checked(tab, kPictureShow)) {
+    for (int id : {kPictureSample, kPictureShadow, kPictureShowFrame, sheet.picture->paint}) Enable(tab, id, true);
     // Without a drop shadow, the external padding keeps whatever state it had.
-    const bool shadow = Checked(tab, IDC_PICTURE_SHADOW);
-    EnableNumber(tab, IDC_PICTURE_SHADOW_OFFSET, shadow);
-    EnableNumber(tab, IDC_PICTURE_SOFTNESS, shadow);
-    if (shadow) EnableNumber(tab, IDC_PICTURE_EXTERIOR, true);
-    Enable(tab, IDC_PICTURE_FRAME, Checked(tab, IDC_PICTURE_SHOW_FRAME));
+    const bool shadow = Checked(tab, kPictureShadow);
+    EnableNumber(tab, kPictureShadowOffset, shadow);
+    EnableNumber(tab, kPictureSoftness, shadow);
+    if (shadow) EnableNumber(tab, kPictureExterior, true);
+    Enable(tab, kPictureFrame, Checked(tab, kPictureShowFrame));
   } else {
     // Softness, the gutter and the placement keep their state.
-    for (int id : {IDC_PICTURE_SHADOW, IDC_PICTURE_SHOW_FRAME, IDC_PICTURE_SAMPLE, IDC_PICTURE_PAINT,
-                   IDC_PICTURE_FRAME})
+    for (int id : {kPictureShadow, kPictureShowFrame, kPictureSample, sheet.picture->paint, kPictureFrame})
       Enable(tab, id, false);
-    EnableNumber(tab, IDC_PICTURE_SHADOW_OFFSET, false);
-    EnableNumber(tab, IDC_PICTURE_EXTERIOR, false);
+    EnableNumber(tab, kPictureShadowOffset, false);
+    EnableNumber(tab, kPictureExterior, false);
   }
-  InvalidateRect(GetDlgItem(tab, IDC_PICTURE_SAMPLE), nullptr, TRUE);
+  InvalidateRect(GetDlgItem(tab, kPictureSample), nullptr, TRUE);
 }
 
 void DrawPicturePreview(const DRAWITEMSTRUCT* item, BlockHandle picture) {
@@ -128,13 +127,8 @@ void DrawPicturePreview(const DRAWITEMSTRUCT* item, BlockHandle picture) {
   FrameRect(dc, &frame, GetSysColorBrush(COLOR_BTNSHADOW));
 }
 
-bool PictureTabCommand(HWND tab, int command, MonthPage* page) {
-  switch (command) {
-    case IDC_PICTURE_SHOW:
-    case IDC_PICTURE_SHOW_FRAME:
-    case IDC_PICTURE_SHADOW: ApplyPictureState(tab, *page); return true;
-    case IDC_PICTURE_SELECT: SelectPicture(tab, page); return true;
-    case IDC_PICTURE_PAINT: PaintPicture(tab, page); return true;
-  }
+bool PictureTabCommand(HWND tab, int command, void* record, const SheetTab& sheet) {
+  if (command == kPictureSelect) return SelectPicture(tab, record, sheet), true;
+  if (command == sheet.picture->paint) return PaintPicture(tab, record, sheet), true;
   return false;
 }

@@ -1,17 +1,24 @@
-// The page sheet's Picture tab: which of its controls a picture makes
-// usable, "Select...", "Paint" and the preview of the picture.
+// The picture of a page or cover tab: which of its controls a picture
+// makes usable, "Select...", "Paint" and the preview.
 #pragma once
 #include <windows.h>
 
-#include "calendar/records.h"
+#include "base/global_block.h"
+#include "editors/sheet_tab.h"
+
+// The numbers every picture tab gives its picture's controls.
+constexpr int kPictureShow = 137, kPictureSelect = 138, kPictureSample = 139, kPictureFrame = 141,
+              kPictureShowFrame = 142, kPictureShadow = 148, kPictureShadowOffset = 149, kPictureExterior = 150,
+              kPictureSoftness = 167;
+
+inline bool IsPictureCheckBox(int id) { return id == kPictureShow || id == kPictureShowFrame || id == kPictureShadow; }
 
 // Checks the stored placement again (without clearing the others), enables
-// "Show picture" only for a page with a picture, and the picture's own
+// "Show picture" only when there is a picture, and the picture's own
 // controls only while it is shown; repaints the preview.
-void ApplyPictureState(HWND tab, const MonthPage& page);
+void ApplyPictureState(HWND tab, const void* record, const SheetTab& sheet);
 // WM_DRAWITEM of the preview: the picture as large as fits, centred, framed
 // in the button-shadow colour; nothing while disabled or without a picture.
 void DrawPicturePreview(const DRAWITEMSTRUCT* item, BlockHandle picture);
-// The tab's own commands (clicks on the three check boxes, "Select...",
-// "Paint"); true when `command` was one of them.
-bool PictureTabCommand(HWND tab, int command, MonthPage* page);
+// "Select..." and "Paint"; true when `command` was one of them.
+bool PictureTabCommand(HWND tab, int command, void* record, const SheetTab& sheet);

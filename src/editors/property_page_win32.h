@@ -13,6 +13,7 @@
 #include "editors/control_binding.h"
 
 struct PageContext;
+struct SheetTab;
 
 struct TabBinding {
   const ControlBinding* table;
@@ -29,7 +30,12 @@ struct PageContext {
   int index;           // this tab's place in the sheet
   int32_t* lastPage;   // where showing the tab writes `index` (may be null)
   int32_t* edited;     // what OK sets to 1 (may be null)
-  HFONT sample = nullptr;  // the tab's font sample, deleted with the tab
+  // The page and year sheets' tabs: what the tab shows beyond its table,
+  // the tab's own rule applied whenever its state is reset, and the fonts
+  // of its samples (deleted with the tab).
+  const SheetTab* sheet = nullptr;
+  void (*refresh)(HWND tab, PageContext* context) = nullptr;
+  HFONT samples[2] = {nullptr, nullptr};
 };
 
 // The dialog procedure of every bound tab; the PROPSHEETPAGE's lParam is

@@ -11,7 +11,7 @@ namespace {
 
 // Every control a tab's table names, and the up-downs of its numbers with
 // the texts their templates hold.
-FakeControls TabControls(const PageTab& tab) {
+FakeControls TabControls(const SheetTab& tab) {
   std::set<int> ids;
   std::map<int, std::string> ranges;
   for (size_t i = 0; i < tab.controlCount; ++i) {
@@ -34,7 +34,7 @@ TEST_F(QuernalTest, EveryTabGivesBackThePageItShowed) {
   ASSERT_TRUE(GetMonthPage(doc, 3, &page));
   std::strcpy(page.LeftCaption, "Spring\r\ncomes");
   page.PicturePlacement = 10;
-  for (const PageTab& tab : kPageTabs) {
+  for (const SheetTab& tab : kPageTabs) {
     FakeControls controls = TabControls(tab);
     LoadControls(tab.controls, tab.controlCount, &page, controls);
     MonthPage back = page;
@@ -45,7 +45,7 @@ TEST_F(QuernalTest, EveryTabGivesBackThePageItShowed) {
   // A centred picture stored as 1 shows as centre and comes back as 147; a
   // typed number beyond its arrows is kept; a caption keeps 2,048 characters.
   page.PicturePlacement = 1;
-  const PageTab& picture = kPageTabs[3];
+  const SheetTab& picture = kPageTabs[3];
   FakeControls controls = TabControls(picture);
   LoadControls(picture.controls, picture.controlCount, &page, controls);
   EXPECT_TRUE(controls.Checked(147));
@@ -53,7 +53,7 @@ TEST_F(QuernalTest, EveryTabGivesBackThePageItShowed) {
   ReadControls(picture.controls, picture.controlCount, &page, controls);
   EXPECT_EQ(page.PicturePlacement, 147);
   EXPECT_EQ(page.Gutter, 99);
-  const PageTab& caption = kPageTabs[4];
+  const SheetTab& caption = kPageTabs[4];
   controls = TabControls(caption);
   controls.SetText(140, std::string(3000, 'x'));
   ReadControls(caption.controls, caption.controlCount, &page, controls);

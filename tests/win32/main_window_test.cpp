@@ -25,6 +25,7 @@
 #include "dialog_driver.h"
 #include "pictures/image_files.h"
 #include "res/page_sheet_ids.h"
+#include "res/year_sheet_ids.h"
 #include "res/picture_dialog_ids.h"
 #include "test_support.h"
 
@@ -103,9 +104,10 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
   EXPECT_FALSE(Greyed(IDM_EVENTS)) << "a new calendar opens on a month";
 }
 
-// Edit month opens the page sheet on month pages only; what OK gives back
-// is the page's, marks the calendar changed and becomes the defaults.
-TEST_F(MainWindowTest, EditMonthPutsTheSheetsDesignIntoThePageAndTheDefaults) {
+// Edit month opens the page sheet on month pages only, Edit year the year
+// sheet on any page; what OK gives back goes into the calendar, marks it
+// changed and becomes the defaults.
+TEST_F(MainWindowTest, EditMonthAndYearPutTheSheetsDesignIntoTheCalendarAndTheDefaults) {
   bool opened = false;
   DialogDriver driver;
   driver.Then("Page", [&](HWND sheet) {
@@ -130,6 +132,22 @@ TEST_F(MainWindowTest, EditMonthPutsTheSheetsDesignIntoThePageAndTheDefaults) {
   EXPECT_EQ(Settings.PageMargin, 17u) << "the next new page starts from this design";
   // The sheet's working copy keeps its blocks after OK.
   AllowBlocksLeftBehind((may.Picture ? 1 : 0) + (may.Events ? 1 : 0));
+
+  // Edit year from the toolbar's button, on any page.
+  header.Changed = 0;
+  ASSERT_TRUE(PutHeader(App.document, &header));
+  driver.Then("Year", [](HWND sheet) {
+    PropSheet_SetCurSel(sheet, nullptr, 0);
+    SetDlgItemTextA(PropSheet_GetCurrentPageHwnd(sheet), IDC_YAG_MARGIN, "9");
+    Press(sheet, IDOK);
+  });
+  Command(IDM_PAGE_COVER);
+  Command(IDM_EDIT_YEAR_BUTTON);
+  Pump(20000, [&] { return driver.Finished(); });
+  ASSERT_TRUE(GetHeader(App.document, &header));
+  EXPECT_EQ(header.YagPageMargin, 9);
+  EXPECT_EQ(header.Changed, 1);
+  EXPECT_EQ(Settings.YagPageMargin, 9u) << "the next new calendar starts from this design";
 }
 
 TEST_F(MainWindowTest, TheStripFollowsTheWindowAndThePageFitsItsView) {

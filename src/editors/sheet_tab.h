@@ -1,0 +1,53 @@
+// A tab of the page or year sheet as data: the controls its table binds,
+// its font buttons with their samples, its colour buttons, its placement
+// glyphs and its picture. The Win32 side gives every tab the same
+// behaviour from this description.
+#pragma once
+#include <cstddef>
+#include <cstdint>
+
+#include "editors/control_binding.h"
+
+constexpr size_t kNoField = SIZE_MAX;
+
+// A font button, its sample static and the fields it edits (offsets into
+// the record; `size` may be kNoField), with the size range of the font box
+// (0..0: no size at all).
+struct FontButtonBinding {
+  int button, sample;
+  size_t face, weight, italic, size;
+  int minimum = 4, maximum = 100;
+};
+// A colour button and its COLORREF field.
+struct ColourButtonBinding {
+  int button;
+  size_t colour;
+};
+// A tab's picture: its block field, the radio group of its placement (an
+// index into the tab's controls), whether a picture chosen with
+// "Select..." ticks "Show picture" (and a failed one clears it), and its
+// "Paint" button. The other picture controls have the same numbers on
+// every tab that has a picture.
+struct PictureBinding {
+  size_t picture;
+  size_t placement;
+  bool showChosen;
+  int paint;
+};
+
+struct SheetTab {
+  const char* templateName;  // "PagePropertyOne" ...
+  const char* caption;       // the tab's caption in the sheet
+  const ControlBinding* controls;
+  size_t controlCount;
+  const FontButtonBinding* fonts;
+  size_t fontCount;
+  const ColourButtonBinding* colours;
+  size_t colourCount;
+  // The placement glyphs: the first glyph's button and the radio button it
+  // stands beside (the next glyph beside the next radio); 0 for none.
+  int firstGlyph = 0, firstGlyphRadio = 0;
+  const PictureBinding* picture = nullptr;
+};
+
+#define QUERNAL_COUNT(a) (sizeof(a) / sizeof((a)[0]))
