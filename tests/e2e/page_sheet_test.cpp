@@ -24,13 +24,39 @@ HWND ShowTab(HWND sheet, int index) {
   return reinterpret_cast<HWND>(SendMessageA(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
 }
 
+// Presses a colour button and double-clicks entry `index` of the table.
+void PickColour(const Quernal& quernal, HWND tab, int button, int index) {
+  Press(tab, button);
+  HWND colour = quernal.Wait("Color");
+  ASSERT_NE(colour, nullptr);
+  HWND list = GetDlgItem(colour, 108);
+  SendMessageA(list, LB_SETCURSEL, index, 0);
+  for (WORD click : {LBN_SELCHANGE, LBN_DBLCLK})
+    PostMessageA(colour, WM_COMMAND, MAKEWPARAM(108, click), reinterpret_cast<LPARAM>(list));
+  WaitGone(colour);
+}
+
+// Chooses a file in the picture-open dialog that `button` opens.
+void ChoosePicture(const Quernal& quernal, HWND tab, int button, const std::string& path) {
+  Press(tab, button);
+  HWND open = quernal.Wait("Open");
+  ASSERT_NE(open, nullptr);
+  ChooseFile(open, path);
+  WaitGone(open);
+}
+
+CalendarHeader ReadHeader(const std::string& path) {
+  CalendarHeader header{};
+  const std::string file = ReadAll(path);
+  if (file.size() >= sizeof header) std::memcpy(&header, file.data(), sizeof header);
+  return header;
+}
+
 // Month page `month` of a calendar file, walking the records before it.
 bool ReadMonthPage(const std::string& path, int month, MonthPage* page) {
   const std::string file = ReadAll(path);
-  CalendarHeader header;
-  if (file.size() < sizeof header) return false;
-  std::memcpy(&header, file.data(), sizeof header);
-  size_t at = header.RecordSize;
+  size_t at = ReadHeader(path).RecordSize;
+  if (at == 0) return false;
   for (int i = 0; i <= month; ++i) {
     if (at + sizeof *page > file.size()) return false;
     std::memcpy(page, file.data() + at, sizeof *page);
@@ -53,6 +79,17 @@ int PixelsLike(HWND window, COLORREF colour) {
       ++count;
   }
   return count;
+}
+
+// The page paints after the window appears: it has a few seconds to show
+// at least 2,000 pixels of each colour.
+bool Shows(HWND window, std::initializer_list<COLORREF> colours) {
+  for (int tries = 0; tries < 50; ++tries, Sleep(100)) {
+    bool all = true;
+    for (COLORREF c : colours) all = all && PixelsLike(window, c) >= 2000;
+    if (all) return true;
+  }
+  return false;
 }
 
 }  // namespace
@@ -84,22 +121,8 @@ TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
 
     HWND caption = ShowTab(sheet, 4);
     SetDlgItemTextA(caption, 140, "Walks by the river");
-    Press(caption, 128);
-    HWND colour = quernal.Wait("Color");
-    ASSERT_NE(colour, nullptr);
-    HWND list = GetDlgItem(colour, 108);
-    SendMessageA(list, LB_SETCURSEL, 34, 0);
-    for (WORD click : {LBN_SELCHANGE, LBN_DBLCLK})
-      PostMessageA(colour, WM_COMMAND, MAKEWPARAM(108, click), reinterpret_cast<LPARAM>(list));
-    WaitGone(colour);
-
-    HWND picture = ShowTab(sheet, 3);
-    Press(picture, 138);
-    HWND open = quernal.Wait("Open");
-    ASSERT_NE(open, nullptr);
-    SaveShot("page-sheet-open", open);
-    ChooseFile(open, BesideTests("Meadow.jpg"));
-    WaitGone(open);
+    PickColour(quernal, caption, 128, 34);
+    ChoosePicture(quernal, ShowTab(sheet, 3), 138, BesideTests("Meadow.jpg"));
     SaveShot("page-sheet-picture", sheet);
     Press(sheet, IDOK);
     WaitGone(sheet);
@@ -120,16 +143,8 @@ TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
     // Reopened, May shows the design: the cardinal page and the photograph.
     Quernal quernal(designed);
     ASSERT_NE(quernal.MainWindow(), nullptr);
-    // The page paints after the window appears: give it a few seconds.
-    int cardinal = 0, meadow = 0;
-    for (int tries = 0; tries < 50 && (cardinal < 2000 || meadow < 2000); ++tries) {
-      Sleep(100);
-      cardinal = PixelsLike(quernal.window(), kCardinal);
-      meadow = PixelsLike(quernal.window(), kMeadow);
-    }
+    EXPECT_TRUE(Shows(quernal.window(), {kCardinal, kMeadow}));
     SaveShot("designed-may", quernal.window());
-    EXPECT_GE(cardinal, 2000);
-    EXPECT_GE(meadow, 2000);
     ASSERT_TRUE(quernal.Close());
   }
   {
@@ -147,4 +162,43 @@ TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
   EXPECT_EQ(january.HeadPlacement, 2);
   EXPECT_EQ(january.HeadInteriorPadding, 20);
   EXPECT_EQ(january.PageBackgroundColour, kCardinal);
+}
+
+TEST(YearSheet, TheYearAndTheCoverDesignedSavedAndReopened) {
+  WriteSettings("");
+  const std::string designed = TempFolder() + "Cover.CLN";
+  DeleteFileA(designed.c_str());
+  {
+    Quernal quernal;
+    ASSERT_NE(quernal.MainWindow(), nullptr);
+    quernal.Command(324);
+    HWND sheet = quernal.Wait("Year");
+    ASSERT_NE(sheet, nullptr);
+    HWND year = ShowTab(sheet, 0);
+    SetCheck(year, 101, false);
+    SetDlgItemTextA(year, 103, "2030");
+    PickColour(quernal, year, 106, 34);  // the year page's paper
+    HWND cover = ShowTab(sheet, 1);
+    ChoosePicture(quernal, cover, 138, BesideTests("Meadow.jpg"));
+    SetDlgItemTextA(cover, 153, "Family 2030");
+    SaveShot("year-sheet-cover", sheet);
+    Press(sheet, IDOK);
+    WaitGone(sheet);
+    EXPECT_NE(quernal.SaveAs(designed), "");
+    ASSERT_TRUE(quernal.Close());
+  }
+  const CalendarHeader header = ReadHeader(designed);
+  EXPECT_EQ(header.Year, 2030);
+  EXPECT_EQ(header.UseCurrentYear, 0);
+  EXPECT_EQ(header.YagPageColour, kCardinal);
+  EXPECT_STREQ(header.CoverTitle, "Family 2030");
+  EXPECT_GT(header.CoverPictureDataSize, 640u * 480u * 3u);
+  Quernal quernal(designed);
+  ASSERT_NE(quernal.MainWindow(), nullptr);
+  quernal.Do(WM_COMMAND, 323);
+  EXPECT_TRUE(Shows(quernal.window(), {kMeadow})) << "the cover's photograph";
+  quernal.Do(WM_COMMAND, 322);
+  EXPECT_TRUE(Shows(quernal.window(), {kCardinal})) << "the year page's paper";
+  SaveShot("designed-year", quernal.window());
+  ASSERT_TRUE(quernal.Close());
 }
