@@ -51,6 +51,14 @@ std::vector<std::string> TabCaptions(HWND sheet) {
   return captions;
 }
 
+// F1 on the tab `g_helpTab`, as the system turns it into a help request.
+HWND g_helpTab;
+void CALLBACK AskForHelp(HWND, UINT, UINT_PTR timer, DWORD) {
+  KillTimer(nullptr, timer);
+  HELPINFO help{sizeof help, HELPINFO_WINDOW, IDC_HEAD_FONT, GetDlgItem(g_helpTab, IDC_HEAD_FONT), 0, {0, 0}};
+  SendMessageA(g_helpTab, WM_HELP, 0, reinterpret_cast<LPARAM>(&help));
+}
+
 class PageSheetTest : public QuernalTest {
  protected:
   void SetUp() override {
@@ -275,13 +283,8 @@ TEST_F(PageSheetTest, ADamagedPageOpensOnTheFirstTabOrNotAtAll) {
     EXPECT_EQ(TabCtrl_GetCurSel(PropSheet_GetTabControl(sheet)), 0);
     // A message that carries a pointer cannot be posted: the help request
     // is sent from a timer of its own, outside this step.
-    static HWND tab;
-    tab = Tab(sheet);
-    SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR timer, DWORD) {
-      KillTimer(nullptr, timer);
-      HELPINFO help{sizeof help, HELPINFO_WINDOW, IDC_HEAD_FONT, GetDlgItem(tab, IDC_HEAD_FONT), 0, {0, 0}};
-      SendMessageA(tab, WM_HELP, 0, reinterpret_cast<LPARAM>(&help));
-    });
+    g_helpTab = Tab(sheet);
+    SetTimer(nullptr, 0, 10, AskForHelp);
   });
   driver.Then("Message", [&](HWND box) {
     manual = MessageText(box);
