@@ -253,6 +253,16 @@ void EditYear(HWND window) {
   InvalidateRect(window, nullptr, TRUE);
 }
 
+// A window dragged near an edge of the screen's work area lands on it.
+void SnapToWorkArea(RECT* dragged) {
+  MONITORINFO monitor{sizeof monitor};
+  if (!GetMonitorInfoA(MonitorFromRect(dragged, MONITOR_DEFAULTTONEAREST), &monitor)) return;
+  const RECT& w = monitor.rcWork;
+  const Rect snapped = SnappedToEdges({dragged->left, dragged->top, dragged->right, dragged->bottom},
+                                      {w.left, w.top, w.right, w.bottom}, ScaledForScreen(12));
+  *dragged = {snapped.left, snapped.top, snapped.right, snapped.bottom};
+}
+
 // The title keeps the page it was named with: it changes with the
 // document's name, not with the page shown.
 void ShowPage(HWND window, int page) {
@@ -537,6 +547,7 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
       return 0;
     }
     case WM_SIZE: LayOutChildren(window); return 0;
+    case WM_MOVING: SnapToWorkArea(reinterpret_cast<RECT*>(lParam)); return TRUE;
     case WM_PAINT: Paint(window); return 0;
     case WM_COMMAND: Command(window, LOWORD(wParam)); return 0;
     case WM_VSCROLL: Scroll(window, SB_VERT, LOWORD(wParam)); return 0;

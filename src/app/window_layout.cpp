@@ -43,3 +43,22 @@ bool CommandActsOnPage(int command, int page) {
   const bool monthOnly = command == IDM_EDIT_MONTH || command == IDM_REPLICATE || command == IDM_EVENTS;
   return !monthOnly || (page >= 0 && page < 12);
 }
+
+namespace {
+
+// How far one side of the window moves to meet its side of the work area,
+// 0 when it is too far away.
+int32_t Pull(int32_t side, int32_t edge, int32_t distance) {
+  const int32_t gap = edge - side;
+  return gap >= -distance && gap <= distance ? gap : 0;
+}
+
+}  // namespace
+
+Rect SnappedToEdges(const Rect& window, const Rect& work, int32_t distance) {
+  int32_t dx = Pull(window.left, work.left, distance);
+  if (dx == 0) dx = Pull(window.right, work.right, distance);
+  int32_t dy = Pull(window.top, work.top, distance);
+  if (dy == 0) dy = Pull(window.bottom, work.bottom, distance);
+  return Offset(window, dx, dy);
+}

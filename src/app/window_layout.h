@@ -23,6 +23,10 @@ bool RestoredPosition(const StoredEdges& edges, int32_t screenWidth, int32_t scr
 // and bottom not beyond the screen.
 StoredEdges EdgesToStore(const Rect& r, int32_t screenWidth, int32_t screenHeight);
 
+// A window dragged to within `distance` pixels of an edge of the work area
+// is moved onto it, keeping its size: left before right, top before bottom.
+Rect SnappedToEdges(const Rect& window, const Rect& work, int32_t distance);
+
 // The page at a zoom of `percent` (the page itself: PageRectForClient).
 Rect ZoomedPage(const Rect& page, int32_t percent);
 

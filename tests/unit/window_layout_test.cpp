@@ -57,3 +57,18 @@ TEST(WindowLayout, FileDialogsStartInTheFolderLastUsedOrTheDocuments) {
             "C:\\Program Files\\Quernal\\Old\\");
   EXPECT_EQ(DialogStartFolder("D:\\Cal\\", program, documents), "D:\\Cal\\");
 }
+
+TEST(WindowLayout, AWindowDraggedNearAnEdgeOfTheWorkAreaLandsOnIt) {
+  const Rect work{0, 0, 1280, 1000};
+  const struct {
+    Rect dragged, landed;
+  } moves[] = {
+      {{9, 300, 609, 760}, {0, 300, 600, 760}},          // near the left edge
+      {{-12, 300, 588, 760}, {0, 300, 600, 760}},        // just past it
+      {{13, 300, 613, 760}, {13, 300, 613, 760}},        // too far
+      {{675, 535, 1275, 995}, {680, 540, 1280, 1000}},   // the bottom right corner
+      {{5, 5, 1278, 997}, {0, 0, 1273, 992}},            // left and top before right and bottom
+      {{400, -20, 1000, 440}, {400, -20, 1000, 440}},    // far above the top stays
+  };
+  for (const auto& m : moves) EXPECT_EQ(SnappedToEdges(m.dragged, work, 12), m.landed) << m.dragged.left;
+}

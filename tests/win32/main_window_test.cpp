@@ -165,6 +165,13 @@ TEST_F(MainWindowTest, TheStripFollowsTheWindowAndThePageFitsItsView) {
     EXPECT_EQ(info.nMax - 8, view * 95 / 100) << "window " << size.cx << " x " << size.cy;
     EXPECT_LE(info.nMax - 8, static_cast<int>(info.nPage));
   }
+  // Dragged near the work area's left edge, the window lands on it.
+  RECT work;
+  SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+  RECT dragged{work.left + 5, work.top + 200, work.left + 605, work.top + 660};
+  SendMessageA(window(), WM_MOVING, WMSZ_LEFT, reinterpret_cast<LPARAM>(&dragged));
+  EXPECT_EQ(dragged.left, work.left);
+  EXPECT_EQ(dragged.right, work.left + 600);
 }
 
 // Save as starts in the documents folder, not in the program's; the next
