@@ -494,7 +494,18 @@ bool RegisterMainWindowClasses(HINSTANCE instance) {
   return RegisterClassA(&main) != 0 && RegisterToolbarClass(instance, App.barBrush);
 }
 
+// Asked before the manual opens while WarnShowManual is on; its check box,
+// cleared, stops the asking.
+bool AskBeforeManual(HWND owner) {
+  if (!Settings.WarnShowManual) return true;
+  INT_PTR pressed = IDCANCEL;
+  if (!WarningWithCheckBox(owner, "ShowManualBox", MAKEINTRESOURCEA(32514), "", true, &pressed))  // IDI_QUESTION
+    Settings.WarnShowManual = 0;
+  return pressed == IDOK;
+}
+
 HWND CreateMainWindow() {
+  SetManualQuestion(AskBeforeManual);
   App.mainWindow = CreateWindowA(kMainWindowClass, "Quernal", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
                                  App.defaultWidth, App.defaultHeight, nullptr, nullptr, App.instance, nullptr);
   if (!App.mainWindow) return nullptr;

@@ -44,7 +44,12 @@ void SayWhy(HWND owner, UINT id, const std::string& file) {
 
 }  // namespace
 
+bool (*g_askFirst)(HWND owner) = nullptr;
+
+void SetManualQuestion(bool (*ask)(HWND owner)) { g_askFirst = ask; }
+
 bool OpenManual(HWND owner, const char* anchor) {
+  if (g_askFirst && !g_askFirst(owner)) return false;
   const std::string folder = ProgramFolder();
   const std::string file = folder + kManualFile;
   if (GetFileAttributesA(file.c_str()) == INVALID_FILE_ATTRIBUTES) return SayWhy(owner, IDS_MANUAL_MISSING, file), false;

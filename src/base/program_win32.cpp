@@ -40,7 +40,7 @@ INT_PTR CALLBACK WarningProc(HWND box, UINT message, WPARAM wParam, LPARAM lPara
       if (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL) {
         reinterpret_cast<Warning*>(GetWindowLongPtrA(box, DWLP_USER))->checked =
             IsDlgButtonChecked(box, 103) == BST_CHECKED;
-        EndDialog(box, IDOK);
+        EndDialog(box, LOWORD(wParam));
         return TRUE;
       }
       break;
@@ -50,9 +50,12 @@ INT_PTR CALLBACK WarningProc(HWND box, UINT message, WPARAM wParam, LPARAM lPara
 
 }  // namespace
 
-bool WarningWithCheckBox(HWND owner, const char* name, LPCSTR icon, const std::string& text, bool checked) {
+bool WarningWithCheckBox(HWND owner, const char* name, LPCSTR icon, const std::string& text, bool checked,
+                         INT_PTR* pressed) {
   Warning warning{icon, &text, checked};
-  DialogBoxParamA(GetModuleHandleA(nullptr), name, owner, WarningProc, reinterpret_cast<LPARAM>(&warning));
+  const INT_PTR button =
+      DialogBoxParamA(GetModuleHandleA(nullptr), name, owner, WarningProc, reinterpret_cast<LPARAM>(&warning));
+  if (pressed) *pressed = button;
   return warning.checked;
 }
 

@@ -18,6 +18,7 @@
 #include "app/theme_win32.h"
 #include "app/tooltip_win32.h"
 #include "base/dib.h"
+#include "base/manual_win32.h"
 #include "base/program_win32.h"
 #include "base/text.h"
 #include "calendar/calendar_model.h"
@@ -67,6 +68,7 @@ class MainWindowTest : public QuernalTest {
   }
   void TearDown() override {
     DestroyWindow(App.mainWindow);
+    SetManualQuestion(nullptr);  // the other tests open the manual without asking
     // The window's end quits the program's loop: not this test program's.
     MSG quit;
     while (PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) {
@@ -102,6 +104,17 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
   Command(IDM_PAGE_COVER);
   Command(IDM_NEW);
   EXPECT_FALSE(Greyed(IDM_EVENTS)) << "a new calendar opens on a month";
+
+  // The manual asks first; cancelled with its check box cleared, nothing
+  // opens and it asks no more.
+  DialogDriver driver;
+  driver.Then("Manual", [](HWND box) {
+    SetCheck(box, IDC_DRIVER_DONT_SHOW, false);
+    Press(box, IDCANCEL);
+  });
+  Command(IDM_MANUAL);
+  EXPECT_TRUE(driver.Finished());
+  EXPECT_EQ(Settings.WarnShowManual, 0u);
 }
 
 // Edit month opens the page sheet on month pages only, Edit year the year
