@@ -46,3 +46,7 @@
 
 // The About box (AboutBox).
 #define IDC_ABOUT_ICON 101
+
+// The System information box (SystemInformationBox).
+#define IDC_SYSTEM_TEXT 101
+#define IDC_SYSTEM_COPY 102

@@ -11,6 +11,7 @@
 #include "app/clipboard_viewer_win32.h"
 #include "app/picture_clipboard_win32.h"
 #include "app/recent_files_win32.h"
+#include "app/system_info_win32.h"
 #include "res/main_ids.h"
 #include "app/toolbar_win32.h"
 #include "app/window_layout.h"
@@ -255,7 +256,8 @@ void EditYear(HWND window) {
 
 // A window dragged near an edge of the screen's work area lands on it.
 void SnapToWorkArea(RECT* dragged) {
-  MONITORINFO monitor{sizeof monitor};
+  MONITORINFO monitor{};
+  monitor.cbSize = sizeof monitor;
   if (!GetMonitorInfoA(MonitorFromRect(dragged, MONITOR_DEFAULTTONEAREST), &monitor)) return;
   const RECT& w = monitor.rcWork;
   const Rect snapped = SnappedToEdges({dragged->left, dragged->top, dragged->right, dragged->bottom},
@@ -398,6 +400,7 @@ void Command(HWND window, int id) {
     case IDM_MANUAL:
     case IDM_HELP: OpenManual(window, "DOCUMENTATION"); return;
     case IDM_ABOUT: ShowAboutBox(window); return;
+    case IDM_SYSTEM_INFORMATION: ShowSystemInformation(window); return;
     case IDM_EDIT_YEAR_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_YEAR, 0);
     case IDM_EDIT_PAGE_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_MONTH, 0);
     case IDM_EDIT_MONTH: return EditMonth(window);

@@ -115,6 +115,24 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
   Command(IDM_MANUAL);
   EXPECT_TRUE(driver.Finished());
   EXPECT_EQ(Settings.WarnShowManual, 0u);
+
+  // System information names what a helper asks for, ready to copy.
+  std::string facts;
+  driver.Then("System Information", [&](HWND box) {
+    facts = ItemText(box, IDC_SYSTEM_TEXT);
+    Press(box, IDC_SYSTEM_COPY);
+    Press(box, IDOK);
+  });
+  Command(IDM_SYSTEM_INFORMATION);
+  EXPECT_TRUE(driver.Finished());
+  for (const std::string& line : {std::string("Version: 1.0, built "), std::string("Windows: "),
+                                   "Program folder: " + ProgramFolder(), std::string("Theme: THEME_Standard.dll")})
+    EXPECT_NE(facts.find(line), std::string::npos) << line << " in\n" << facts;
+  ASSERT_TRUE(OpenClipboard(window()));
+  const HANDLE copied = GetClipboardData(CF_TEXT);
+  EXPECT_EQ(copied ? std::string(static_cast<const char*>(GlobalLock(copied))) : "", facts);
+  if (copied) GlobalUnlock(copied);
+  CloseClipboard();
 }
 
 // Edit month opens the page sheet on month pages only, Edit year the year
