@@ -24,6 +24,7 @@
 #include "config/settings.h"
 #include "config/settings_file.h"
 #include "editors/page_sheet_win32.h"
+#include "editors/setup_sheet_win32.h"
 #include "editors/year_sheet_win32.h"
 #include "pictures/page_picture_win32.h"
 #include "print/print_job_win32.h"
@@ -405,6 +406,10 @@ void Command(HWND window, int id) {
     case IDM_EDIT_PAGE_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_MONTH, 0);
     case IDM_EDIT_MONTH: return EditMonth(window);
     case IDM_EDIT_YEAR: return EditYear(window);
+    case IDM_SETUP:
+      // New names and the first day of the week show on the open calendar at once.
+      if (EditSetup(window)) InvalidateRect(window, nullptr, TRUE);
+      return;
     case IDM_REPLICATE:
       // Only a month page has a design to copy onto the other months.
       if (CurrentPage() < 12 && ReplicateMonth(window, App.document)) InvalidateRect(window, nullptr, TRUE);

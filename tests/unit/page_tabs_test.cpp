@@ -1,9 +1,12 @@
 // The page property sheet's five tabs as data, on a real month page.
+#include <algorithm>
 #include <cstring>
 #include <set>
 
 #include "calendar/calendar_model.h"
 #include "editors/page_tabs.h"
+#include "editors/setup_bindings.h"
+#include "config/settings.h"
 #include "fake_controls.h"
 #include "test_support.h"
 
@@ -59,4 +62,37 @@ TEST_F(QuernalTest, EveryTabGivesBackThePageItShowed) {
   ReadControls(caption.controls, caption.controlCount, &page, controls);
   EXPECT_EQ(std::strlen(page.LeftCaption), 2048u);
   FreeCalendar(doc);
+}
+
+// The setup sheet's controls from the settings rows: check boxes, names of
+// 260 characters, and the compression clamped to its arrows' 1..9; the
+// palette warning's box binds nothing, so ticking it changes nothing.
+TEST_F(QuernalTest, SetupControlsComeFromTheSettingsRows) {
+  const std::vector<ControlBinding> setup = SetupBindings();
+  std::set<int> ids{111};
+  for (const ControlBinding& b : setup) ids.insert({b.id, b.id + kUpDownOffset});
+  EXPECT_EQ(std::count_if(setup.begin(), setup.end(), [](const ControlBinding& b) { return b.id == 111; }), 0);
+  FakeControls controls(ids);
+  controls.text_[10107] = "1,9,6";
+  LoadControls(setup.data(), setup.size(), &Settings, controls);
+  EXPECT_TRUE(controls.Checked(108)) << "WarnShowManual";
+  EXPECT_EQ(controls.Text(112), "January");
+  EXPECT_EQ(controls.limit_[130], 260);
+  EXPECT_EQ(controls.range_[10107], std::make_pair(1, 9));
+  const struct {
+    const char* typed;
+    uint32_t stored;
+  } compression[] = {{"0", 1}, {"12", 9}, {"4", 4}};
+  for (const auto& c : compression) {
+    controls.text_[107] = c.typed;
+    ReadControls(setup.data(), setup.size(), &Settings, controls);
+    EXPECT_EQ(Settings.ImageCompression, c.stored) << c.typed;
+  }
+  controls.text_[112] = std::string(300, 'x');
+  controls.SetChecked(111, false);
+  controls.SetChecked(133, true);
+  ReadControls(setup.data(), setup.size(), &Settings, controls);
+  EXPECT_EQ(std::strlen(Settings.MonthJanuary), 259u) << "a name fills the setting's buffer at most";
+  EXPECT_EQ(Settings.WarnPaletteColour, 1u);
+  EXPECT_EQ(Settings.StartMonday, 1u);
 }

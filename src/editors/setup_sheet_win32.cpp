@@ -1,0 +1,85 @@
+#include "editors/setup_sheet_win32.h"
+
+#include <commctrl.h>
+#include <prsht.h>
+
+#include <vector>
+
+#include "base/manual_win32.h"
+#include "config/settings.h"
+#include "editors/dialog_controls_win32.h"
+#include "editors/editor_controls_win32.h"
+#include "editors/setup_bindings.h"
+#include "editors/theme_box_win32.h"
+#include "res/setup_sheet_ids.h"
+
+namespace {
+
+const std::vector<ControlBinding>& Bindings() {
+  static const std::vector<ControlBinding> bindings = SetupBindings();
+  return bindings;
+}
+
+// Both tabs: loaded from the settings when first shown, read back only on
+// OK; the sheet's result learns of OK through lParam of the page.
+INT_PTR CALLBACK SetupTabProc(HWND tab, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_INITDIALOG: {
+      SetWindowLongPtrA(tab, DWLP_USER, reinterpret_cast<const PROPSHEETPAGEA*>(lParam)->lParam);
+      Win32DialogControls controls(tab);
+      LoadControls(Bindings().data(), Bindings().size(), &Settings, controls);
+      return TRUE;
+    }
+    case WM_NOTIFY:
+      if (reinterpret_cast<const NMHDR*>(lParam)->code == PSN_APPLY) {
+        Win32DialogControls controls(tab);
+        ReadControls(Bindings().data(), Bindings().size(), &Settings, controls);
+        *reinterpret_cast<bool*>(GetWindowLongPtrA(tab, DWLP_USER)) = true;
+        SetWindowLongPtrA(tab, DWLP_MSGRESULT, PSNRET_NOERROR);
+        return TRUE;
+      }
+      return FALSE;
+    case WM_COMMAND:
+      if (LOWORD(wParam) == IDC_SETUP_THEME && HIWORD(wParam) == BN_CLICKED) {
+        ChooseTheme(tab, Settings.ThemeCurrent, sizeof Settings.ThemeCurrent);
+        return TRUE;
+      }
+      return FALSE;  // no option has a browse button
+    case WM_HELP: OpenManual(tab, "SETUP"); return TRUE;
+    case WM_ERASEBKGND: {
+      RECT r;
+      GetClientRect(tab, &r);
+      FillRect(reinterpret_cast<HDC>(wParam), &r, GetSysColorBrush(COLOR_BTNFACE));
+      return TRUE;
+    }
+    case WM_CTLCOLORDLG:
+    case WM_CTLCOLORSTATIC:
+    case WM_CTLCOLORBTN: return DialogColours(message, wParam);
+  }
+  return FALSE;
+}
+
+}  // namespace
+
+bool EditSetup(HWND owner) {
+  bool applied = false;
+  const char* templates[2] = {"SetupPropertyOne", "SetupPropertyTwo"};
+  PROPSHEETPAGEA tabs[2]{};
+  for (int i = 0; i < 2; ++i) {
+    tabs[i].dwSize = sizeof tabs[i];
+    tabs[i].hInstance = GetModuleHandleA(nullptr);
+    tabs[i].pszTemplate = templates[i];
+    tabs[i].pfnDlgProc = SetupTabProc;
+    tabs[i].lParam = reinterpret_cast<LPARAM>(&applied);
+  }
+  PROPSHEETHEADERA sheet{};
+  sheet.dwSize = sizeof sheet;
+  sheet.dwFlags = PSH_PROPSHEETPAGE | PSH_NOAPPLYNOW;
+  sheet.hwndParent = owner;
+  sheet.hInstance = GetModuleHandleA(nullptr);
+  sheet.pszCaption = "Setup";
+  sheet.nPages = 2;
+  sheet.ppsp = tabs;
+  PropertySheetA(&sheet);
+  return applied;
+}
