@@ -50,7 +50,7 @@ foreach(broken "Partial;1;1" "Refusing;0;0")
   target_link_options(THEME_${name} PRIVATE -static)
   add_dependencies(quernal_win32_tests THEME_${name})
 endforeach()
-add_dependencies(quernal_win32_tests THEME_Standard)
+add_dependencies(quernal_win32_tests THEME_Standard THEME_Ink)
 
 # A stand-in paint program for the paint round trip.
 add_executable(stand_in_paint ${CMAKE_CURRENT_LIST_DIR}/stand_in_paint.cpp)

@@ -103,3 +103,17 @@ TEST_F(ThemeTest, EachCommandHasItsOwnGlyphAndEachStateItsOwnFace) {
   Drawn hot(52, THEME_HOT);
   EXPECT_TRUE(hot.surface.Pixel(0, 5) == highlight || hot.surface.Pixel(1, 5) == highlight) << "raised while hot";
 }
+
+// The ink theme draws the standard toolbar without colour.
+TEST_F(ThemeTest, TheInkThemeDrawsTheStandardLookInBlackAndWhite) {
+  ASSERT_TRUE(LoadTheme("THEME_Ink.dll"));
+  for (int command = 50; command <= 56; ++command) {
+    Drawn button(command, 0);
+    for (int y = 4; y < 26; ++y)
+      for (int x = 4; x < 26; ++x) {
+        const COLORREF p = button.surface.Pixel(x, y);
+        EXPECT_TRUE(GetRValue(p) == GetGValue(p) && GetGValue(p) == GetBValue(p)) << command << " at " << x << "," << y;
+      }
+  }
+  EXPECT_FALSE(Drawn(51, 0).SameAs(Drawn(52, 0)));
+}
