@@ -13,6 +13,7 @@
 #include "app/recent_files_win32.h"
 #include "app/system_info_win32.h"
 #include "res/main_ids.h"
+#include "app/theme_win32.h"
 #include "app/toolbar_win32.h"
 #include "app/window_layout.h"
 #include "base/manual_win32.h"
@@ -255,6 +256,21 @@ void EditYear(HWND window) {
   InvalidateRect(window, nullptr, TRUE);
 }
 
+// Setup: new names and the first day of the week show on the open calendar
+// at once, and a new theme on the toolbar.
+void Setup(HWND window) {
+  const std::string theme = Settings.ThemeCurrent;
+  if (!EditSetup(window)) return;
+  if (theme != Settings.ThemeCurrent) {
+    LoadTheme(Settings.ThemeCurrent);
+    RECT client;
+    GetClientRect(window, &client);
+    FitToolbar(window, client.right);
+    LayOutChildren(window);
+  }
+  RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+
 // A window dragged near an edge of the screen's work area lands on it.
 void SnapToWorkArea(RECT* dragged) {
   MONITORINFO monitor{};
@@ -406,10 +422,7 @@ void Command(HWND window, int id) {
     case IDM_EDIT_PAGE_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_MONTH, 0);
     case IDM_EDIT_MONTH: return EditMonth(window);
     case IDM_EDIT_YEAR: return EditYear(window);
-    case IDM_SETUP:
-      // New names and the first day of the week show on the open calendar at once.
-      if (EditSetup(window)) InvalidateRect(window, nullptr, TRUE);
-      return;
+    case IDM_SETUP: return Setup(window);
     case IDM_REPLICATE:
       // Only a month page has a design to copy onto the other months.
       if (CurrentPage() < 12 && ReplicateMonth(window, App.document)) InvalidateRect(window, nullptr, TRUE);

@@ -26,6 +26,7 @@
 #include "dialog_driver.h"
 #include "pictures/image_files.h"
 #include "res/page_sheet_ids.h"
+#include "res/setup_sheet_ids.h"
 #include "res/year_sheet_ids.h"
 #include "res/picture_dialog_ids.h"
 #include "test_support.h"
@@ -86,6 +87,8 @@ class MainWindowTest : public QuernalTest {
 
 }  // namespace
 
+// The pages grey what cannot act on them; the title, the manual's question,
+// System information and Setup's theme.
 TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
   const std::string title = Title();
   EXPECT_EQ(title, "Quernal [ Untitled.CLN \x96 May ]");
@@ -133,6 +136,20 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
   EXPECT_EQ(copied ? std::string(static_cast<const char*>(GlobalLock(copied))) : "", facts);
   if (copied) GlobalUnlock(copied);
   CloseClipboard();
+
+  // A theme chosen in Setup shows on the toolbar at once.
+  driver.Then("Setup", [](HWND sheet) { Press(PropSheet_GetCurrentPageHwnd(sheet), IDC_SETUP_THEME); });
+  driver.Then("Choose Theme", [](HWND box) {
+    SendDlgItemMessageA(box, IDC_THEME_LIST, LB_SELECTSTRING, static_cast<WPARAM>(-1),
+                        reinterpret_cast<LPARAM>("THEME_Ink.dll"));
+    Press(box, IDOK);
+  });
+  driver.Then("Setup", [](HWND sheet) { Press(sheet, IDOK); });
+  Command(IDM_SETUP);
+  EXPECT_TRUE(driver.Finished());
+  char theme[MAX_PATH] = "";
+  GetModuleFileNameA(ThemeModule(), theme, sizeof theme);
+  EXPECT_EQ(std::string(theme), ProgramFolder() + "THEME_Ink.dll");
 }
 
 // Edit month opens the page sheet on month pages only, Edit year the year
