@@ -1,6 +1,6 @@
-// A month page designed in the real program: the page sheet's font,
-// placement, padding, caption, colour and photograph, saved, reopened and
-// shown, and the next new calendar starting from that design.
+// The sheets in the real program: a month page and the year with its cover
+// designed, saved, reopened and shown, the next new calendar starting from
+// the design, and Setup's options written on exit.
 #include <windows.h>
 #include <commctrl.h>
 #include <prsht.h>
@@ -201,4 +201,25 @@ TEST(YearSheet, TheYearAndTheCoverDesignedSavedAndReopened) {
   EXPECT_TRUE(Shows(quernal.window(), {kCardinal})) << "the year page's paper";
   SaveShot("designed-year", quernal.window());
   ASSERT_TRUE(quernal.Close());
+}
+
+// Setup's changes are the settings the program writes on exit, the image
+// compression kept within 1..9.
+TEST(SetupSheet, OptionsAndNamesAreWrittenOnExit) {
+  WriteSettings("");
+  Quernal quernal;
+  ASSERT_NE(quernal.MainWindow(), nullptr);
+  quernal.Command(55);
+  HWND sheet = quernal.Wait("Setup");
+  ASSERT_NE(sheet, nullptr);
+  SetDlgItemTextA(ShowTab(sheet, 0), 107, "0");
+  SetCheck(ShowTab(sheet, 0), 133, true);
+  SetDlgItemTextA(ShowTab(sheet, 1), 112, "Janvier");
+  SaveShot("setup-titles", sheet);
+  Press(sheet, IDOK);
+  WaitGone(sheet);
+  ASSERT_TRUE(quernal.Close());
+  const std::string ini = ReadAll(ConfigFolder() + "QUERNL.INI");
+  for (const char* line : {"ImageCompression = 1\r\n", "StartMonday = 1\r\n", "MonthJanuary = Janvier\r\n"})
+    EXPECT_NE(ini.find(line), std::string::npos) << line;
 }
