@@ -13,6 +13,14 @@ INT_PTR DialogColours(UINT message, WPARAM dc) {
   return reinterpret_cast<INT_PTR>(GetSysColorBrush(COLOR_BTNFACE));
 }
 
+INT_PTR TabFace(HWND tab, UINT message, WPARAM wParam) {
+  if (message != WM_ERASEBKGND) return DialogColours(message, wParam);
+  RECT r;
+  GetClientRect(tab, &r);
+  FillRect(reinterpret_cast<HDC>(wParam), &r, GetSysColorBrush(COLOR_BTNFACE));
+  return TRUE;
+}
+
 void SetFontSample(HWND dialog, int id, const char* face, int weight, int italic, HFONT* held) {
   if (*held) DeleteObject(*held);
   *held = CreateFontA(24, 0, 0, 0, weight, italic ? TRUE : FALSE, 0, 0, DEFAULT_CHARSET, 0, 0, 0, 0, face);

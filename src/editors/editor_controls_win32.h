@@ -11,6 +11,10 @@ constexpr int kAlignmentGlyphs = 6300;
 // chooser: one face colour for the dialog and its statics and buttons, and
 // the system's button text on it; 0 (not handled) for any other message.
 INT_PTR DialogColours(UINT message, WPARAM dc);
+// The same for a property sheet's tab, whose background is erased in that
+// face colour too (not the theme's tab texture, which the statics would not
+// match); 0 for any other message.
+INT_PTR TabFace(HWND tab, UINT message, WPARAM wParam);
 
 // The sample static `id` shows `face` in that face at 24 pixels with the
 // weight and italic given; the font it had before (in `held`) is deleted.

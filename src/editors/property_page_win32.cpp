@@ -42,16 +42,10 @@ INT_PTR CALLBACK BoundPageProc(HWND page, UINT message, WPARAM wParam, LPARAM lP
   switch (message) {
     case WM_NOTIFY: return Notified(page, c, *reinterpret_cast<const NMHDR*>(lParam)) ? TRUE : FALSE;
     case WM_HELP: OpenManual(page, c->tab->helpTopic); return TRUE;
-    case WM_ERASEBKGND: {
-      // The face colour the statics ask for, not the theme's tab texture.
-      RECT r;
-      GetClientRect(page, &r);
-      FillRect(reinterpret_cast<HDC>(wParam), &r, GetSysColorBrush(COLOR_BTNFACE));
-      return TRUE;
-    }
+    case WM_ERASEBKGND:
     case WM_CTLCOLORDLG:
     case WM_CTLCOLORSTATIC:
-    case WM_CTLCOLORBTN: return DialogColours(message, wParam);
+    case WM_CTLCOLORBTN: return TabFace(page, message, wParam);
     case WM_DESTROY: {
       Win32DialogControls controls(page);
       ReadControls(c->tab->table, c->tab->count, c->record, controls);

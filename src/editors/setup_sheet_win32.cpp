@@ -46,15 +46,10 @@ INT_PTR CALLBACK SetupTabProc(HWND tab, UINT message, WPARAM wParam, LPARAM lPar
       }
       return FALSE;  // no option has a browse button
     case WM_HELP: OpenManual(tab, "SETUP"); return TRUE;
-    case WM_ERASEBKGND: {
-      RECT r;
-      GetClientRect(tab, &r);
-      FillRect(reinterpret_cast<HDC>(wParam), &r, GetSysColorBrush(COLOR_BTNFACE));
-      return TRUE;
-    }
+    case WM_ERASEBKGND:
     case WM_CTLCOLORDLG:
     case WM_CTLCOLORSTATIC:
-    case WM_CTLCOLORBTN: return DialogColours(message, wParam);
+    case WM_CTLCOLORBTN: return TabFace(tab, message, wParam);
   }
   return FALSE;
 }

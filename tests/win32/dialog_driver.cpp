@@ -1,5 +1,9 @@
 #include "dialog_driver.h"
 
+#include <commctrl.h>
+#include <dlgs.h>
+#include <prsht.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -113,4 +117,15 @@ std::vector<std::string> Entries(HWND dialog, int id) {
     entries.push_back(text);
   }
   return entries;
+}
+
+HWND CurrentTab(HWND sheet) { return reinterpret_cast<HWND>(SendMessageA(sheet, PSM_GETCURRENTPAGEHWND, 0, 0)); }
+bool Checked(HWND dialog, int id) { return IsDlgButtonChecked(dialog, id) == BST_CHECKED; }
+bool Enabled(HWND dialog, int id) { return IsWindowEnabled(GetDlgItem(dialog, id)) != FALSE; }
+
+void ChoosePictureFile(DialogDriver* driver, const std::string& path) {
+  driver->Then("Open", [path](HWND dialog) {
+    SetDlgItemTextA(dialog, cmb13, path.c_str());
+    Press(dialog, IDOK);
+  });
 }

@@ -55,3 +55,10 @@ std::string TextOf(HWND window);
 std::string ItemText(HWND dialog, int id);
 // The text of a message box (its static text control).
 std::string MessageText(HWND box);
+
+// A property sheet's tab in front, and a control's state on it.
+HWND CurrentTab(HWND sheet);
+bool Checked(HWND dialog, int id);
+bool Enabled(HWND dialog, int id);
+// The next step: the picture-open dialog chooses `path`.
+void ChoosePictureFile(DialogDriver* driver, const std::string& path);

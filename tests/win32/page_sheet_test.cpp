@@ -27,14 +27,11 @@
 
 namespace {
 
-HWND Tab(HWND sheet) { return PropSheet_GetCurrentPageHwnd(sheet); }
 // Brings tab `index` to the front and returns it.
 HWND ShowTab(HWND sheet, int index) {
   PropSheet_SetCurSel(sheet, nullptr, index);
-  return Tab(sheet);
+  return CurrentTab(sheet);
 }
-bool Checked(HWND tab, int id) { return IsDlgButtonChecked(tab, id) == BST_CHECKED; }
-bool Enabled(HWND tab, int id) { return IsWindowEnabled(GetDlgItem(tab, id)) != FALSE; }
 
 std::vector<std::string> TabCaptions(HWND sheet) {
   HWND tabs = PropSheet_GetTabControl(sheet);
@@ -120,7 +117,7 @@ TEST_F(PageSheetTest, OkGivesThePageEveryTabsChanges) {
   });
   const std::string face = page_.HeadFontName;
   driver.Then("Page", [face](HWND sheet) {
-    HWND heading = Tab(sheet);
+    HWND heading = CurrentTab(sheet);
     // The box's OK puts the check boxes back and checks the stored
     // placement again beside the one clicked.
     EXPECT_FALSE(Checked(heading, IDC_HEAD_SHADOW));
@@ -147,16 +144,13 @@ TEST_F(PageSheetTest, OkGivesThePageEveryTabsChanges) {
     EXPECT_TRUE(Enabled(picture, IDC_PICTURE_SOFTNESS));
     Press(picture, IDC_PICTURE_SELECT);
   });
-  driver.Then("Open", [&](HWND dialog) {
-    SetDlgItemTextA(dialog, cmb13, lineFile.c_str());
-    Press(dialog, IDOK);
-  });
+  ChoosePictureFile(&driver, lineFile);
   driver.Then("Message", [&](HWND box) {
     warning = TextOf(GetDlgItem(box, 102));
     Press(box, IDOK);
   });
   driver.Then("Page", [](HWND sheet) {
-    HWND picture = Tab(sheet);
+    HWND picture = CurrentTab(sheet);
     for (int id : {IDC_PICTURE_SHOW, IDC_PICTURE_SAMPLE, IDC_PICTURE_PAINT, IDC_PICTURE_SHADOW})
       EXPECT_TRUE(Enabled(picture, id)) << id;
     HWND caption = ShowTab(sheet, 4);
@@ -216,7 +210,7 @@ TEST_F(PageSheetTest, CancelLeavesThePageAsItWasAndPaintingKeepsOnOk) {
   std::string noPainter;
   DialogDriver driver;
   driver.Then("Page", [](HWND sheet) {
-    HWND picture = Tab(sheet);
+    HWND picture = CurrentTab(sheet);
     EXPECT_FALSE(Enabled(picture, IDC_PICTURE_SHADOW_OFFSET));
     EXPECT_FALSE(Enabled(picture, IDC_PICTURE_SOFTNESS));
     EXPECT_FALSE(Enabled(picture, IDC_PICTURE_FRAME));
@@ -224,13 +218,13 @@ TEST_F(PageSheetTest, CancelLeavesThePageAsItWasAndPaintingKeepsOnOk) {
     SetCheck(picture, IDC_PICTURE_SHOW_FRAME, true);
   });
   driver.Then("Page", [](HWND sheet) {
-    HWND picture = Tab(sheet);
+    HWND picture = CurrentTab(sheet);
     for (int id : {IDC_PICTURE_SHADOW_OFFSET, IDC_PICTURE_SOFTNESS, IDC_PICTURE_EXTERIOR, IDC_PICTURE_FRAME})
       EXPECT_TRUE(Enabled(picture, id)) << id;
     SetCheck(picture, IDC_PICTURE_SHOW, false);
   });
   driver.Then("Page", [](HWND sheet) {
-    HWND picture = Tab(sheet);
+    HWND picture = CurrentTab(sheet);
     for (int id : {IDC_PICTURE_SHADOW_OFFSET, IDC_PICTURE_EXTERIOR, IDC_PICTURE_FRAME, IDC_PICTURE_SAMPLE})
       EXPECT_FALSE(Enabled(picture, id)) << id;
     EXPECT_TRUE(Enabled(picture, IDC_PICTURE_SOFTNESS)) << "softness keeps its state";
@@ -242,7 +236,7 @@ TEST_F(PageSheetTest, CancelLeavesThePageAsItWasAndPaintingKeepsOnOk) {
     CopyText(Settings.PaintbrushPath, sizeof Settings.PaintbrushPath, (ProgramFolder() + "stand_in_paint.exe").c_str());
     Press(box, IDOK);
   });
-  driver.Then("Page", [](HWND sheet) { Press(Tab(sheet), IDC_PICTURE_PAINT); });
+  driver.Then("Page", [](HWND sheet) { Press(CurrentTab(sheet), IDC_PICTURE_PAINT); });
   driver.Then("Page", [](HWND sheet) {
     SetDlgItemTextA(ShowTab(sheet, 0), IDC_HEAD_INTERIOR, "33");
     Press(sheet, IDCANCEL);
@@ -256,7 +250,7 @@ TEST_F(PageSheetTest, CancelLeavesThePageAsItWasAndPaintingKeepsOnOk) {
   EXPECT_EQ(GlobalBlockLiveCount(), live) << "the working copy and the painted picture are freed";
 
   // Painted and kept: the picture comes back as the paint program left it.
-  driver.Then("Page", [](HWND sheet) { Press(Tab(sheet), IDC_PICTURE_PAINT); });
+  driver.Then("Page", [](HWND sheet) { Press(CurrentTab(sheet), IDC_PICTURE_PAINT); });
   driver.Then("Page", [](HWND sheet) { Press(sheet, IDOK); });
   ASSERT_TRUE(EditPageProperties(nullptr, &page_));
   EXPECT_TRUE(driver.Finished());
@@ -283,7 +277,7 @@ TEST_F(PageSheetTest, ADamagedPageOpensOnTheFirstTabOrNotAtAll) {
     EXPECT_EQ(TabCtrl_GetCurSel(PropSheet_GetTabControl(sheet)), 0);
     // A message that carries a pointer cannot be posted: the help request
     // is sent from a timer of its own, outside this step.
-    g_helpTab = Tab(sheet);
+    g_helpTab = CurrentTab(sheet);
     SetTimer(nullptr, 0, 10, AskForHelp);
   });
   driver.Then("Message", [&](HWND box) {

@@ -36,7 +36,7 @@ class ReplicateDialogTest : public QuernalTest {
 };
 
 int Box(int month) { return IDC_REPLICATE_JANUARY + month; }
-bool Checked(HWND dialog, int month) { return SendDlgItemMessageA(dialog, Box(month), BM_GETCHECK, 0, 0) == BST_CHECKED; }
+bool MonthTicked(HWND dialog, int month) { return Checked(dialog, Box(month)); }
 bool OkEnabled(HWND dialog) { return IsWindowEnabled(GetDlgItem(dialog, IDOK)) != FALSE; }
 }  // namespace
 
@@ -54,13 +54,13 @@ TEST_F(ReplicateDialogTest, OkFollowsTheTickedMonthsAndTheCurrentMonthIsNeverTic
     Press(dialog, IDC_REPLICATE_ALL);
   });
   driver.Then("Replicate", [](HWND dialog) {
-    for (int month = 0; month < 12; ++month) EXPECT_EQ(Checked(dialog, month), month != kMarch) << month;
+    for (int month = 0; month < 12; ++month) EXPECT_EQ(MonthTicked(dialog, month), month != kMarch) << month;
     EXPECT_TRUE(OkEnabled(dialog));
     EXPECT_EQ(GetFocus(), GetDlgItem(dialog, IDOK));
     Press(dialog, IDC_REPLICATE_NONE);
   });
   driver.Then("Replicate", [](HWND dialog) {
-    for (int month = 0; month < 12; ++month) EXPECT_FALSE(Checked(dialog, month)) << month;
+    for (int month = 0; month < 12; ++month) EXPECT_FALSE(MonthTicked(dialog, month)) << month;
     EXPECT_FALSE(OkEnabled(dialog));
     SetCheck(dialog, Box(3), true);
   });

@@ -23,9 +23,6 @@
 
 namespace {
 
-HWND Tab(HWND sheet) { return PropSheet_GetCurrentPageHwnd(sheet); }
-bool Checked(HWND tab, int id) { return IsDlgButtonChecked(tab, id) == BST_CHECKED; }
-bool Enabled(HWND tab, int id) { return IsWindowEnabled(GetDlgItem(tab, id)) != FALSE; }
 
 class YearSheetTest : public QuernalTest {
  protected:
@@ -38,13 +35,6 @@ class YearSheetTest : public QuernalTest {
     PutHeader(document_, &header_);
     FreeCalendar(document_);
     QuernalTest::TearDown();
-  }
-  // Chooses `path` in the picture-open dialog once it is up.
-  void ChoosePicture(DialogDriver* driver, const std::string& path) {
-    driver->Then("Open", [path](HWND dialog) {
-      SetDlgItemTextA(dialog, cmb13, path.c_str());
-      Press(dialog, IDOK);
-    });
   }
   CalendarDocument document_ = 0;
   CalendarHeader header_;
@@ -60,24 +50,24 @@ TEST_F(YearSheetTest, OkGivesTheHeaderTheYearItsPageAndItsCover) {
   header_.CoverPictureShowPicture = 0;
   DialogDriver driver;
   driver.Then("Year", [](HWND sheet) {
-    HWND cover = Tab(sheet);
+    HWND cover = CurrentTab(sheet);
     EXPECT_EQ(TabCtrl_GetCurSel(PropSheet_GetTabControl(sheet)), 1) << "the tab shown last";
     EXPECT_FALSE(Enabled(cover, IDC_COVER_SHOW)) << "no picture yet";
     EXPECT_TRUE(Checked(cover, IDC_COVER_CENTRE));
     Press(cover, IDC_COVER_SELECT);
   });
-  ChoosePicture(&driver, ProgramFolder() + "Meadow.jpg");
+  ChoosePictureFile(&driver, ProgramFolder() + "Meadow.jpg");
   driver.Then("Year", [](HWND sheet) {
-    HWND cover = Tab(sheet);
+    HWND cover = CurrentTab(sheet);
     EXPECT_TRUE(Checked(cover, IDC_COVER_SHOW)) << "a picture chosen is shown";
     EXPECT_TRUE(Enabled(cover, IDC_COVER_SAMPLE) && Enabled(cover, IDC_COVER_PAINT));
     SetDlgItemTextA(cover, IDC_COVER_TITLE, "Our year");
     Press(cover, IDC_COVER_TITLE_RIGHT_GLYPH);  // the glyph chooses its placement
   });
   driver.Then("Year", [](HWND sheet) {
-    EXPECT_TRUE(Checked(Tab(sheet), IDC_COVER_TITLE_RIGHT));
+    EXPECT_TRUE(Checked(CurrentTab(sheet), IDC_COVER_TITLE_RIGHT));
     PropSheet_SetCurSel(sheet, nullptr, 0);
-    HWND year = Tab(sheet);
+    HWND year = CurrentTab(sheet);
     EXPECT_EQ(SendDlgItemMessageA(year, 10000 + IDC_YEAR_NUMBER, UDM_GETRANGE, 0, 0), MAKELONG(2583, 1583));
     EXPECT_EQ(ItemText(year, IDC_YEAR_NUMBER), "2027");
     EXPECT_EQ(ItemText(year, IDC_YEAR_ERA), "C.E.");
@@ -85,7 +75,7 @@ TEST_F(YearSheetTest, OkGivesTheHeaderTheYearItsPageAndItsCover) {
     SetCheck(year, IDC_YEAR_CURRENT, true);
   });
   driver.Then("Year", [](HWND sheet) {
-    HWND year = Tab(sheet);
+    HWND year = CurrentTab(sheet);
     for (int id : {IDC_YEAR_NUMBER, 10000 + IDC_YEAR_NUMBER, IDC_YEAR_ERA}) EXPECT_FALSE(Enabled(year, id)) << id;
     SetCheck(year, IDC_YAG_SHADOW, true);
     Press(year, IDC_YAG_DATE_FONT);
@@ -95,7 +85,7 @@ TEST_F(YearSheetTest, OkGivesTheHeaderTheYearItsPageAndItsCover) {
     Press(box, IDOK);
   });
   driver.Then("Year", [](HWND sheet) {
-    EXPECT_FALSE(Checked(Tab(sheet), IDC_YAG_SHADOW)) << "the font box puts the drop shadow back";
+    EXPECT_FALSE(Checked(CurrentTab(sheet), IDC_YAG_SHADOW)) << "the font box puts the drop shadow back";
     Press(sheet, IDOK);
   });
   ASSERT_TRUE(EditYearProperties(nullptr, &header_));
@@ -127,17 +117,17 @@ TEST_F(YearSheetTest, CancelLeavesTheHeaderAndItsCoverAsTheyWere) {
   std::string said;
   DialogDriver driver;
   driver.Then("Year", [](HWND sheet) {
-    EXPECT_TRUE(Checked(Tab(sheet), IDC_COVER_SHOW));
-    Press(Tab(sheet), IDC_COVER_SELECT);
+    EXPECT_TRUE(Checked(CurrentTab(sheet), IDC_COVER_SHOW));
+    Press(CurrentTab(sheet), IDC_COVER_SELECT);
   });
-  ChoosePicture(&driver, broken);
+  ChoosePictureFile(&driver, broken);
   driver.Then("Message", [&](HWND box) {
     said = MessageText(box);
     Press(box, IDOK);
   });
   driver.Then("Year", [](HWND sheet) {
-    EXPECT_FALSE(Checked(Tab(sheet), IDC_COVER_SHOW));
-    EXPECT_FALSE(Enabled(Tab(sheet), IDC_COVER_SHOW));
+    EXPECT_FALSE(Checked(CurrentTab(sheet), IDC_COVER_SHOW));
+    EXPECT_FALSE(Enabled(CurrentTab(sheet), IDC_COVER_SHOW));
     Press(sheet, IDCANCEL);
   });
   const uint32_t live = GlobalBlockLiveCount();
