@@ -20,7 +20,7 @@ fi
 program_dir="$WINEPREFIX/drive_c/Program Files/Quernal"
 mkdir -p "$program_dir/html" "$WINEPREFIX/drive_c/users/$(id -un)/AppData/Roaming/Tarnwick"
 cp "$bin/Quernal.exe" "$bin/General.CDF" "$bin/QUERNL.CCL" "$program_dir/"
-cp "$bin"/THEME_*.dll "$program_dir/" 2>/dev/null || true
+cp "$bin/THEME_Standard.dll" "$bin/THEME_Ink.dll" "$program_dir/"
 cp "$bin/html/manual.htm" "$program_dir/html/"
 program='C:\Program Files\Quernal\Quernal.exe'
 
