@@ -2,7 +2,7 @@
 # Installs what is missing, builds Quernal.exe and starts it under Wine.
 # The program is installed into a Wine prefix of its own (build/run-prefix)
 # as an installer would: its folder under Program Files with the events list,
-# the colour table, the theme and the manual, and the (empty) configuration
+# the colour table, the themes and the manual, and the (empty) configuration
 # folder that QUERNL.INI is written to. With no display it runs on a virtual
 # one, with a private PDF printer, and keeps a screenshot of the main window.
 set -euo pipefail
