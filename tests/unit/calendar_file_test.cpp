@@ -66,7 +66,15 @@ class CalendarFileTest : public QuernalTest {
       PutMonthPage(doc, m, &p);
     }
     return doc;
+  }  // The bytes of a calendar saved with pictures on `months`.
+  std::string SavedWith(std::initializer_list<int> months) {
+    CalendarDocument doc = WithPictures(months);
+    const int saved = Save(doc, path_);
+    FreeCalendar(doc);
+    EXPECT_EQ(saved, 1);
+    return ReadFile(path_);
   }
+
   int Save(CalendarDocument doc, const std::string& path) {
     SilentProgress progress;
     return SaveCalendar(&progress, path.c_str(), doc);
@@ -229,10 +237,7 @@ TEST_F(CalendarFileTest, HiddenPicturesAreNotSaved) {
 }
 
 TEST_F(CalendarFileTest, TheReaderSeeksToTheEndEachRecordStates) {
-  CalendarDocument doc = WithPictures({});
-  ASSERT_EQ(Save(doc, path_), 1);
-  FreeCalendar(doc);
-  std::string bytes = ReadFile(path_);
+  std::string bytes = SavedWith({});
   // Thirty bytes of something unknown after March's record, which says so.
   size_t march = U32At(bytes, 4) + 2 * kMonthPageSize;
   PutU32(&bytes, march + 4, kMonthPageSize + 30);
@@ -248,10 +253,7 @@ TEST_F(CalendarFileTest, TheReaderSeeksToTheEndEachRecordStates) {
 }
 
 TEST_F(CalendarFileTest, ATruncatedPictureStreamAsksAndYesKeepsTheRest) {
-  CalendarDocument doc = WithPictures({0, 11});
-  ASSERT_EQ(Save(doc, path_), 1);
-  FreeCalendar(doc);
-  std::string bytes = ReadFile(path_);
+  std::string bytes = SavedWith({0, 11});
   WriteFile(path_, bytes.substr(0, bytes.size() - 40));  // ends inside December's picture
 
   int questions = 0;
@@ -271,10 +273,7 @@ TEST_F(CalendarFileTest, ATruncatedPictureStreamAsksAndYesKeepsTheRest) {
 }
 
 TEST_F(CalendarFileTest, DamagedStreamsAndHostileSizesAreDamagedRecords) {
-  CalendarDocument doc = WithPictures({1});
-  ASSERT_EQ(Save(doc, path_), 1);
-  FreeCalendar(doc);
-  const std::string good = ReadFile(path_);
+  const std::string good = SavedWith({1});
   const size_t feb = U32At(good, 4) + kMonthPageSize;
   const uint32_t febLength = U32At(good, feb + 4);
 
@@ -332,10 +331,7 @@ TEST_F(CalendarFileTest, DamagedStreamsAndHostileSizesAreDamagedRecords) {
 }
 
 TEST_F(CalendarFileTest, UnreadableFilesGiveNoCalendarAndLeakNothing) {
-  CalendarDocument doc = WithPictures({});
-  ASSERT_EQ(Save(doc, path_), 1);
-  FreeCalendar(doc);
-  const std::string good = ReadFile(path_);
+  const std::string good = SavedWith({});
   EXPECT_EQ(Load(dir_.File("absent.CLN")), 0u);
   std::string bytes = good;
   bytes[0] = 'X';
