@@ -12,8 +12,8 @@
 // the font box and after a click on a picture's check boxes the radios are
 // checked again from the record (without clearing the others), the check
 // boxes that the record sets or clears are reset, the samples rebuilt and
-// the state applied again: clicks since the tab opened are lost, as users
-// of the program have always seen.
+// the state applied again: clicks since the tab opened are lost, on
+// purpose.
 bool SheetTabMessage(HWND tab, UINT message, WPARAM wParam, LPARAM lParam, PageContext* context);
 // A modal sheet of tabs described as data.
 struct SheetSpec {
