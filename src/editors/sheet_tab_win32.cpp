@@ -123,16 +123,16 @@ bool SheetTabMessage(HWND tab, UINT message, WPARAM wParam, LPARAM lParam, PageC
   return false;
 }
 
-void RunSheet(const SheetSpec& spec, void* record, int32_t* lastPage, int32_t* edited) {
+void RunSheet(const SheetPlan& plan, void* record, int32_t* lastPage, int32_t* edited) {
   constexpr int kMostTabs = 5;
   TabBinding bindings[kMostTabs];
   PageContext contexts[kMostTabs];
   PROPSHEETPAGEA tabs[kMostTabs]{};
-  const int count = spec.count < kMostTabs ? spec.count : kMostTabs;
+  const int count = plan.count < kMostTabs ? plan.count : kMostTabs;
   for (int i = 0; i < count; ++i) {
-    const SheetTab& t = spec.tabs[i];
-    bindings[i] = {t.controls, t.controlCount, spec.helpTopic, spec.quirks};
-    contexts[i] = {&bindings[i], record, i, lastPage, edited, &t, spec.refresh};
+    const SheetTab& t = plan.tabs[i];
+    bindings[i] = {t.controls, t.controlCount, plan.helpTopic, plan.quirks};
+    contexts[i] = {&bindings[i], record, i, lastPage, edited, &t, plan.refresh};
     tabs[i].dwSize = sizeof tabs[i];
     tabs[i].dwFlags = PSP_USETITLE;
     tabs[i].hInstance = GetModuleHandleA(nullptr);
@@ -144,9 +144,9 @@ void RunSheet(const SheetSpec& spec, void* record, int32_t* lastPage, int32_t* e
   PROPSHEETHEADERA sheet{};
   sheet.dwSize = sizeof sheet;
   sheet.dwFlags = PSH_PROPSHEETPAGE | PSH_NOAPPLYNOW;
-  sheet.hwndParent = spec.owner;
+  sheet.hwndParent = plan.owner;
   sheet.hInstance = GetModuleHandleA(nullptr);
-  sheet.pszCaption = spec.caption;
+  sheet.pszCaption = plan.caption;
   sheet.nPages = static_cast<UINT>(count);
   // A damaged file may hold any number here.
   sheet.nStartPage = *lastPage >= 0 && *lastPage < count ? static_cast<UINT>(*lastPage) : 0;

@@ -16,7 +16,7 @@
 // purpose.
 bool SheetTabMessage(HWND tab, UINT message, WPARAM wParam, LPARAM lParam, PageContext* context);
 // A modal sheet of tabs described as data.
-struct SheetSpec {
+struct SheetPlan {
   HWND owner;
   const char* caption;
   const SheetTab* tabs;
@@ -28,6 +28,6 @@ struct SheetSpec {
 // Runs the sheet over `record` without an Apply button, opening on the tab
 // `*lastPage` names (the first when it names none): showing a tab writes
 // its index there, OK sets `*edited`.
-void RunSheet(const SheetSpec& spec, void* record, int32_t* lastPage, int32_t* edited);
+void RunSheet(const SheetPlan& plan, void* record, int32_t* lastPage, int32_t* edited);
 // That reset, for a tab's own triggers.
 void ResetSheetTab(HWND tab, PageContext* context);

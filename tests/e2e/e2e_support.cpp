@@ -68,6 +68,12 @@ std::string TempFolder() {
   return folder;
 }
 
+std::string FreshFile(const std::string& name) {
+  const std::string path = TempFolder() + name;
+  DeleteFileA(path.c_str());
+  return path;
+}
+
 bool Exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 HWND FindProcessWindow(DWORD pid, const std::string& text, bool byClass) {

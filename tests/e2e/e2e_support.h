@@ -19,6 +19,8 @@ std::string ReadAll(const std::string& path);
 void WriteSettings(const std::string& lines = "");
 // A folder of this test's own for calendar files.
 std::string TempFolder();
+// The path of `name` in that folder, with no file there yet.
+std::string FreshFile(const std::string& name);
 bool Exists(const std::string& path);
 
 // A visible top-level window of process `pid` with this title (or class).

@@ -109,8 +109,7 @@ TEST(MainWindow, ZoomScalesThePageAndResetsTheScrollBars) {
 
 TEST(MainWindow, SaveOnAnUntitledCalendarAsksForAName) {
   WriteSettings("");
-  const std::string path = TempFolder() + "Saved.CLN";
-  DeleteFileA(path.c_str());
+  const std::string path = FreshFile("Saved.CLN");
   Quernal quernal;
   ASSERT_NE(quernal.MainWindow(), nullptr);
   const std::string title = quernal.Title();
@@ -138,8 +137,7 @@ TEST(MainWindow, SaveOnAnUntitledCalendarAsksForAName) {
 
 TEST(MainWindow, OpensTheCommandLineExactlyAsItStands) {
   WriteSettings("");
-  const std::string path = TempFolder() + "Opened.CLN";
-  DeleteFileA(path.c_str());
+  const std::string path = FreshFile("Opened.CLN");
   {
     Quernal quernal;
     ASSERT_NE(quernal.MainWindow(), nullptr);
@@ -186,8 +184,7 @@ TEST(MainWindow, UnsavedChangesAnsweredNoAreLost) {
 
 TEST(MainWindow, UnsavedChangesAnsweredYesAreSavedOnExit) {
   WriteSettings("");
-  const std::string path = TempFolder() + "Kept.CLN";
-  DeleteFileA(path.c_str());
+  const std::string path = FreshFile("Kept.CLN");
   Quernal quernal;
   ASSERT_NE(quernal.MainWindow(), nullptr);
   quernal.ChangeCalendar();

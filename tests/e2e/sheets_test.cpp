@@ -81,6 +81,14 @@ int PixelsLike(HWND window, COLORREF colour) {
   return count;
 }
 
+// What the month story chose in the sheet.
+void ExpectTheDesign(const MonthPage& page) {
+  EXPECT_EQ(page.HeadFontSize, 60);
+  EXPECT_EQ(page.HeadPlacement, 2);
+  EXPECT_EQ(page.HeadInteriorPadding, 20);
+  EXPECT_EQ(page.PageBackgroundColour, kCardinal);
+}
+
 // The page paints after the window appears: it has a few seconds to show
 // at least 2,000 pixels of each colour.
 bool Shows(HWND window, std::initializer_list<COLORREF> colours) {
@@ -96,9 +104,7 @@ bool Shows(HWND window, std::initializer_list<COLORREF> colours) {
 
 TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
   WriteSettings("");
-  const std::string designed = TempFolder() + "Designed.CLN", next = TempFolder() + "Next.CLN";
-  DeleteFileA(designed.c_str());
-  DeleteFileA(next.c_str());
+  const std::string designed = FreshFile("Designed.CLN"), next = FreshFile("Next.CLN");
   {
     Quernal quernal;
     ASSERT_NE(quernal.MainWindow(), nullptr);
@@ -133,11 +139,8 @@ TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
 
   MonthPage may;
   ASSERT_TRUE(ReadMonthPage(designed, 4, &may));
-  EXPECT_EQ(may.HeadFontSize, 60);
-  EXPECT_EQ(may.HeadPlacement, 2);
-  EXPECT_EQ(may.HeadInteriorPadding, 20);
+  ExpectTheDesign(may);
   EXPECT_STREQ(may.LeftCaption, "Walks by the river");
-  EXPECT_EQ(may.PageBackgroundColour, kCardinal);
   EXPECT_GT(may.PictureDataSize, 640u * 480u * 3u) << "the photograph travels in the file";
   {
     // Reopened, May shows the design: the cardinal page and the photograph.
@@ -158,16 +161,12 @@ TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
   }
   MonthPage january;
   ASSERT_TRUE(ReadMonthPage(next, 0, &january));
-  EXPECT_EQ(january.HeadFontSize, 60);
-  EXPECT_EQ(january.HeadPlacement, 2);
-  EXPECT_EQ(january.HeadInteriorPadding, 20);
-  EXPECT_EQ(january.PageBackgroundColour, kCardinal);
+  ExpectTheDesign(january);
 }
 
 TEST(YearSheet, TheYearAndTheCoverDesignedSavedAndReopened) {
   WriteSettings("");
-  const std::string designed = TempFolder() + "Cover.CLN";
-  DeleteFileA(designed.c_str());
+  const std::string designed = FreshFile("Cover.CLN");
   {
     Quernal quernal;
     ASSERT_NE(quernal.MainWindow(), nullptr);

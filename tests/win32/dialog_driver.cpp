@@ -129,3 +129,11 @@ void ChoosePictureFile(DialogDriver* driver, const std::string& path) {
     Press(dialog, IDOK);
   });
 }
+
+void TypeOnTabAndOk(DialogDriver* driver, const std::string& title, int tab, int id, const std::string& text) {
+  driver->Then(title, [tab, id, text](HWND sheet) {
+    SendMessageA(sheet, PSM_SETCURSEL, tab, 0);
+    SetDlgItemTextA(CurrentTab(sheet), id, text.c_str());
+    Press(sheet, IDOK);
+  });
+}

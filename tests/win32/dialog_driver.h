@@ -62,3 +62,6 @@ bool Checked(HWND dialog, int id);
 bool Enabled(HWND dialog, int id);
 // The next step: the picture-open dialog chooses `path`.
 void ChoosePictureFile(DialogDriver* driver, const std::string& path);
+// The next step: on the sheet titled `title`, `text` typed into control
+// `id` of tab `tab`, then OK.
+void TypeOnTabAndOk(DialogDriver* driver, const std::string& title, int tab, int id, const std::string& text);

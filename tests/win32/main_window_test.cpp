@@ -156,21 +156,15 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
 // sheet on any page; what OK gives back goes into the calendar, marks it
 // changed and becomes the defaults.
 TEST_F(MainWindowTest, EditMonthAndYearPutTheSheetsDesignIntoTheCalendarAndTheDefaults) {
-  bool opened = false;
   DialogDriver driver;
-  driver.Then("Page", [&](HWND sheet) {
-    opened = true;
-    PropSheet_SetCurSel(sheet, nullptr, 4);
-    SetDlgItemTextA(PropSheet_GetCurrentPageHwnd(sheet), IDC_PAGE_MARGIN, "17");
-    Press(sheet, IDOK);
-  });
+  TypeOnTabAndOk(&driver, "Page", 4, IDC_PAGE_MARGIN, "17");
   Command(IDM_PAGE_YEAR);
   Command(IDM_EDIT_MONTH);
-  EXPECT_FALSE(opened) << "the year page has no page sheet";
+  EXPECT_FALSE(driver.Finished()) << "the year page has no page sheet";
   Command(314);
   Command(IDM_EDIT_PAGE_BUTTON);  // the toolbar's button posts Edit month
   Pump(20000, [&] { return driver.Finished(); });
-  EXPECT_TRUE(opened);
+  EXPECT_TRUE(driver.Finished());
   MonthPage may;
   CalendarHeader header;
   ASSERT_TRUE(GetMonthPage(App.document, 4, &may) && GetHeader(App.document, &header));
@@ -184,11 +178,7 @@ TEST_F(MainWindowTest, EditMonthAndYearPutTheSheetsDesignIntoTheCalendarAndTheDe
   // Edit year from the toolbar's button, on any page.
   header.Changed = 0;
   ASSERT_TRUE(PutHeader(App.document, &header));
-  driver.Then("Year", [](HWND sheet) {
-    PropSheet_SetCurSel(sheet, nullptr, 0);
-    SetDlgItemTextA(PropSheet_GetCurrentPageHwnd(sheet), IDC_YAG_MARGIN, "9");
-    Press(sheet, IDOK);
-  });
+  TypeOnTabAndOk(&driver, "Year", 0, IDC_YAG_MARGIN, "9");
   Command(IDM_PAGE_COVER);
   Command(IDM_EDIT_YEAR_BUTTON);
   Pump(20000, [&] { return driver.Finished(); });
