@@ -5,5 +5,5 @@
 #include "editors/sheet_tab.h"
 
 constexpr int kPageTabCount = 5;
-constexpr int kEventsTab = 2, kPictureTab = 3;
+constexpr int kEventsTab = 2;
 extern const SheetTab kPageTabs[kPageTabCount];

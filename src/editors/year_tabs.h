@@ -4,5 +4,5 @@
 #include "editors/sheet_tab.h"
 
 constexpr int kYearTabCount = 2;
-constexpr int kYearTab = 0, kCoverTab = 1;
+constexpr int kYearTab = 0;
 extern const SheetTab kYearTabs[kYearTabCount];
