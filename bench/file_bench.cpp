@@ -7,7 +7,6 @@
 #include <zlib.h>
 
 #include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -15,6 +14,7 @@
 #include <vector>
 
 #include "base/dib.h"
+#include "bench/photo_calendar.h"
 #include "calendar/calendar_file.h"
 #include "config/settings.h"
 
@@ -23,32 +23,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 double Seconds(Clock::time_point since) { return std::chrono::duration<double>(Clock::now() - since).count(); }
-
-// Smooth colour gradients with a little fine noise, like a photograph.
-BlockHandle PhotoLikePicture(int width, int height, uint32_t seed) {
-  BlockHandle dib = DibCreate(width, height, 24);
-  BlockLock lock(dib);
-  uint8_t* bits = DibBits(lock.bytes());
-  size_t stride = DibRowStride(width, 24);
-  uint32_t noise = seed * 2654435761u + 1;
-  double phase = seed * 0.7;
-  for (int y = 0; y < height; ++y) {
-    uint8_t* row = bits + y * stride;
-    double fy = static_cast<double>(y) / height;
-    for (int x = 0; x < width; ++x) {
-      double fx = static_cast<double>(x) / width;
-      noise = noise * 1664525u + 1013904223u;
-      int n = static_cast<int>((noise >> 29) & 3) - 1;
-      double base[3] = {120 + 90 * std::sin(3.0 * fx + phase) * fy, 110 + 80 * std::cos(2.0 * fy + phase + fx),
-                        100 + 70 * std::sin(4.0 * fx * fy + phase)};
-      for (int c = 0; c < 3; ++c) {
-        int v = static_cast<int>(base[c]) + n;
-        row[x * 3 + c] = static_cast<uint8_t>(v < 0 ? 0 : v > 255 ? 255 : v);
-      }
-    }
-  }
-  return dib;
-}
 
 long PeakMemoryMiB() {
   struct rusage usage;
@@ -77,14 +51,16 @@ int main(int argc, char** argv) {
   Settings.ImageCompression = static_cast<uint32_t>(level);
   std::snprintf(Settings.ApplicationPath, sizeof Settings.ApplicationPath, "%s", dir.c_str());
 
-  CalendarDocument doc = CreateCalendar(2026, 0);
+  CalendarDocument doc = PhotoCalendar(2026, width, height, pictures, false);
+  if (!doc) {
+    std::fprintf(stderr, "out of memory\n");
+    return 1;
+  }
   double pictureBytes = 0;
   for (int m = 0; m < pictures; ++m) {
     MonthPage page;
     GetMonthPage(doc, m, &page);
-    page.Picture = PhotoLikePicture(width, height, static_cast<uint32_t>(m + 1));
     pictureBytes += GlobalBlockSize(page.Picture);
-    PutMonthPage(doc, m, &page);
   }
   double mb = pictureBytes / 1e6;
   std::string path = dir + "/quernal-file-bench-" + std::to_string(getpid()) + ".CLN";
