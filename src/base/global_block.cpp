@@ -19,6 +19,7 @@ struct Slot {
   uint32_t capacity = 0;  // grows geometrically, so growing a block bit by bit stays linear
   uint32_t locks = 0;
   uint32_t generation = 1;
+  uint64_t serial = 0;  // new at every allocation and reallocation
   bool live = false;
 };
 
@@ -31,6 +32,7 @@ std::vector<uint32_t>& FreeSlots() {
   return free_slots;
 }
 uint32_t g_live = 0;
+uint64_t g_serial = 0;
 
 Slot* Find(BlockHandle h) {
   if (h == 0) return nullptr;
@@ -62,6 +64,7 @@ BlockHandle GlobalBlockAlloc(uint32_t size) {
   s.size = size;
   s.capacity = size ? size : 1;
   s.locks = 0;
+  s.serial = ++g_serial;
   s.live = true;
   ++g_live;
   return ((s.generation & 0xFFF) << kIndexBits) | (index + 1);
@@ -103,6 +106,7 @@ bool GlobalBlockReAlloc(BlockHandle block, uint32_t size) {
   }
   if (size > s->size) std::memset(s->data + s->size, 0, size - s->size);
   s->size = size;
+  s->serial = ++g_serial;
   return true;
 }
 
@@ -128,6 +132,11 @@ BlockHandle DuplicateBlock(BlockHandle block) {
   BlockLock from(block), to(copy);
   std::memcpy(to.bytes(), from.bytes(), size);
   return copy;
+}
+
+uint64_t GlobalBlockSerial(BlockHandle block) {
+  Slot* s = Find(block);
+  return s ? s->serial : 0;
 }
 
 uint32_t GlobalBlockLiveCount() { return g_live; }

@@ -26,6 +26,12 @@ bool GlobalBlockFree(BlockHandle block);
 // (size below 1), not live, or memory runs out.
 BlockHandle DuplicateBlock(BlockHandle block);
 
+// A number no other allocation or reallocation of this process gets, 0 for
+// a handle that is not a live block: whatever is kept about a block's bytes
+// (a scaled copy of a picture) is known to be stale when it changes, even
+// when a freed block's handle comes back.
+uint64_t GlobalBlockSerial(BlockHandle block);
+
 // How many blocks are alive and how many locks are held, for leak checks.
 uint32_t GlobalBlockLiveCount();
 uint32_t GlobalBlockLockCount(BlockHandle block);

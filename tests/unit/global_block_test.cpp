@@ -31,10 +31,17 @@ TEST(GlobalBlock, NewBlocksAreZeroAndKeepTheirBytesWhenResized) {
 
 TEST(GlobalBlock, StaleAndUnknownHandlesAreRefused) {
   BlockHandle h = GlobalBlockAlloc(8);
+  const uint64_t serial = GlobalBlockSerial(h);
   ASSERT_TRUE(GlobalBlockFree(h));
-  // The slot is reused, but the old handle must not reach the new block.
+  EXPECT_EQ(GlobalBlockSerial(h), 0u);
+  // The slot is reused, but the old handle must not reach the new block,
+  // and nothing kept about the old block may pass for the new one.
   BlockHandle again = GlobalBlockAlloc(8);
   EXPECT_NE(again, h);
+  EXPECT_GT(GlobalBlockSerial(again), serial);
+  const uint64_t before = GlobalBlockSerial(again);
+  ASSERT_TRUE(GlobalBlockReAlloc(again, 8));
+  EXPECT_GT(GlobalBlockSerial(again), before);
   EXPECT_EQ(GlobalBlockLock(h), nullptr);
   EXPECT_EQ(GlobalBlockSize(h), 0u);
   EXPECT_FALSE(GlobalBlockFree(h));
