@@ -3,14 +3,26 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
+#include <map>
+#include <memory>
 #include <string>
+#include <thread>
+#include <vector>
+
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
 
 #include "base/dib.h"
 #include "base/replace_file.h"
 #include "base/text.h"
 #include "calendar/calendar_dates.h"
 #include "calendar/event_list.h"
+#include "calendar/picture_streams.h"
 #include "config/settings.h"
 
 namespace {
@@ -23,6 +35,10 @@ constexpr uint32_t kInputChunk = 1 << 16;
 // claims more than this many bytes per compressed byte is damaged, and the
 // block need not be allocated to find out.
 constexpr uint64_t kMaxInflateRatio = 1032;
+// The header record and its cover picture, then the twelve months.
+constexpr int kRecords = 13;
+
+StreamCounts g_lastSave;
 
 bool Tell(std::FILE* f, uint64_t* position) {
 #ifdef _WIN32
@@ -43,149 +59,92 @@ bool Seek(std::FILE* f, uint64_t position, int whence = SEEK_SET) {
 #endif
 }
 
+bool Truncate(std::FILE* f, uint64_t size) {
+  if (std::fflush(f) != 0) return false;
+#ifdef _WIN32
+  return _chsize_s(_fileno(f), static_cast<long long>(size)) == 0;
+#else
+  return ftruncate(fileno(f), static_cast<off_t>(size)) == 0;
+#endif
+}
+
 bool WriteAll(std::FILE* f, const void* data, size_t size) { return std::fwrite(data, 1, size, f) == size; }
 bool ReadAll(std::FILE* f, void* data, size_t size) { return std::fread(data, 1, size, f) == size; }
+bool ReadAt(std::FILE* f, uint64_t at, void* data, size_t size) { return Seek(f, at) && ReadAll(f, data, size); }
 
 std::string Caption(const char* verb, const char* path) { return std::string(verb) + " " + FileNamePart(path); }
 
-void SetPictureDataSize(CalendarHeader* header, uint32_t size) { header->CoverPictureDataSize = size; }
-void SetPictureDataSize(MonthPage* page, uint32_t size) { page->PictureDataSize = size; }
+unsigned Cores() { return std::max(1u, std::thread::hardware_concurrency()); }
 
-// Writes `record` at its start, then (when a picture follows) compresses the
-// picture behind it and rewrites the record with its full length.
-template <class Record>
-bool WriteRecordWithPicture(std::FILE* f, Record* record, BlockHandle picture, int level) {
-  uint64_t start;
-  if (!Tell(f, &start) || !WriteAll(f, record, sizeof *record)) return false;
-  if (!picture) return true;
-  uint32_t written = GlobalBlockSize(picture);
-  SetPictureDataSize(record, written);
-  if (!CompressBlockToFile(f, picture, &written, level)) return false;
-  record->RecordSize = static_cast<uint32_t>(sizeof *record) + written;
-  return Seek(f, start) && WriteAll(f, record, sizeof *record) && Seek(f, 0, SEEK_END);
+// Runs `work` on a thread of its own; where no thread can be had, here and now.
+template <class Work>
+void Start(std::thread* thread, Work work) {
+  try {
+    *thread = std::thread(work);
+  } catch (...) {
+    work();
+  }
+}
+void Join(std::thread* thread) {
+  if (thread->joinable()) thread->join();
 }
 
-bool WriteCalendar(std::FILE* f, CalendarDocument document, FileProgress* progress) {
-  int level = static_cast<int>(std::min<uint32_t>(std::max<uint32_t>(Settings.ImageCompression, 1), 9));
-  CalendarHeader header;
-  if (!GetHeader(document, &header)) return false;
-  // Handles mean nothing outside this process; the file keeps them as flags.
-  BlockHandle cover = header.CoverPictureShowPicture ? header.CoverPicture : 0;
-  header.CoverPicture = header.CoverPicture ? 1 : 0;
-  if (!WriteRecordWithPicture(f, &header, cover, level)) return false;
-  for (int month = 0; month < 12; ++month) {
-    MonthPage page;
-    if (!GetMonthPage(document, month, &page)) return false;
-    // A hidden picture is deliberately not saved.
-    BlockHandle picture = page.PictureShowPicture ? page.Picture : 0;
-    page.Picture = picture ? 1 : 0;
-    page.Events = 0;
-    if (!WriteRecordWithPicture(f, &page, picture, level)) return false;
-    // The bar moves only for months that carry a picture.
-    if (picture) progress->Advance(month + 1, 12);
-  }
-  return true;
+// Runs work(i) for every i below `count`, on every core.
+template <class Work>
+void OnAllCores(int count, Work work) {
+  std::atomic<int> next{0};
+  auto loop = [&] {
+    for (int i; (i = next++) < count;) work(i);
+  };
+  std::vector<std::thread> threads(std::min<unsigned>(Cores(), static_cast<unsigned>(count)));
+  for (std::thread& t : threads) Start(&t, loop);
+  for (std::thread& t : threads) Join(&t);
 }
 
-// What reading one picture stream gave.
-enum class PictureRead { kPicture, kDamaged, kOutOfMemory };
-
-// Reads one picture stream of `compressed` bytes that should inflate to a
-// usable Dib of at most `budget` bytes (what the document may still hold).
-PictureRead ReadPicture(std::FILE* f, int64_t compressed, uint32_t dataSize, uint32_t budget, BlockHandle* picture) {
-  *picture = 0;
-  if (compressed <= 0 || compressed > UINT32_MAX) return PictureRead::kDamaged;
-  uint32_t length = static_cast<uint32_t>(compressed);
-  const uint32_t limit = std::min(kMaxPictureBytes, budget);
-  bool outOfMemory = false;
-  BlockHandle block;
-  if (dataSize) {
-    if (dataSize > limit || dataSize > length * kMaxInflateRatio + 64) return PictureRead::kDamaged;
-    block = InflateBlockFromFile(f, &length, dataSize, &outOfMemory);
-  } else {
-    block = InflateBlockFromFileGrowing(f, &length, limit, &outOfMemory);
+// Deflates `size` bytes as one zlib stream at `level`, handing each piece of
+// output to put(bytes, count), which returns false to fail. Every stream of
+// the file is made by this one loop, so a stream made on a worker is the
+// same, byte for byte, as one compressed straight into the file.
+template <class Put>
+bool DeflateBytes(const uint8_t* data, uint32_t size, int level, uint32_t* written, Put put) {
+  z_stream z{};
+  if (deflateInit(&z, level) != Z_OK) return false;
+  z.next_in = const_cast<Bytef*>(data);
+  z.avail_in = size;
+  unsigned char out[kChunk];
+  uint32_t total = 0;
+  bool ok = true;
+  for (int flush = Z_NO_FLUSH; ok;) {
+    z.next_out = out;
+    z.avail_out = kChunk;
+    int result = deflate(&z, flush);
+    uint32_t produced = kChunk - z.avail_out;
+    if (result == Z_STREAM_ERROR || !put(out, produced)) ok = false;
+    total += produced;
+    if (result == Z_STREAM_END) break;
+    if (flush == Z_NO_FLUSH && z.avail_in == 0) flush = Z_FINISH;
   }
-  if (outOfMemory) return PictureRead::kOutOfMemory;
-  if (block && !DibBlockIsValid(block)) {
-    GlobalBlockFree(block);
-    block = 0;
-  }
-  *picture = block;
-  return block ? PictureRead::kPicture : PictureRead::kDamaged;
+  if (deflateEnd(&z) != Z_OK) ok = false;
+  *written = total;
+  return ok;
 }
 
-// Reads a picture for the loader: a damaged stream asks the question (Yes
-// goes on without it), running out of memory fails the load at once.
-bool LoadPicture(std::FILE* f, int64_t compressed, uint32_t dataSize, FileProgress* progress, uint32_t* budget,
-                 LoadFailure* failure, BlockHandle* picture) {
-  switch (ReadPicture(f, compressed, dataSize, *budget, picture)) {
-    case PictureRead::kPicture: *budget -= GlobalBlockSize(*picture); return true;
-    case PictureRead::kOutOfMemory: *failure = LoadFailure::kOutOfMemory; return false;
-    case PictureRead::kDamaged: break;
-  }
-  return progress->AskYesNo(kDamagedRecordQuestion);
-}
-
-// Replaces the document's month record, freeing the blocks the record held.
-bool ReplaceMonthPage(CalendarDocument document, int month, const MonthPage* page) {
-  MonthPage old;
-  if (!GetMonthPage(document, month, &old)) return false;
-  FreeMonthPage(&old);
-  return PutMonthPage(document, month, page);
-}
-
-bool ReadCalendar(std::FILE* f, CalendarDocument document, FileProgress* progress, LoadFailure* failure) {
-  CalendarHeader header;
-  if (!ReadAll(f, &header, sizeof header) || header.Magic != kHeaderMagic) return false;
-  const uint32_t headerLength = header.RecordSize;
-  uint32_t budget = kMaxDocumentPictureBytes;
-  progress->Advance(1, 12);
-  if (header.CoverPicture) {
-    BlockHandle cover;
-    if (!LoadPicture(f, static_cast<int64_t>(headerLength) - kHeaderSize, header.CoverPictureDataSize, progress,
-                     &budget, failure, &cover))
-      return false;
-    header.CoverPicture = cover;
-    header.CoverPictureShowPicture = cover ? 1 : 0;
-  }
-  header.RecordSize = kHeaderSize;
-  header.Changed = 0;
-  TerminateTexts(&header);
-  if (!PutHeader(document, &header)) {
-    if (header.CoverPicture) GlobalBlockFree(header.CoverPicture);
-    return false;
-  }
-  if (!Seek(f, headerLength)) return false;
-
-  for (int month = 0; month < 12; ++month) {
-    uint64_t start;
-    MonthPage page;
-    if (!Tell(f, &start) || !ReadAll(f, &page, sizeof page) || page.Magic != kPageMagic) return false;
-    const uint32_t recordLength = page.RecordSize;
-    TerminateTexts(&page);
-    page.Events = LoadEventList(page.DaysName);
-    if (page.Picture) {
-      BlockHandle picture;  // not the packed record's field: it may sit unaligned
-      page.Picture = 0;
-      if (!LoadPicture(f, static_cast<int64_t>(recordLength) - kMonthPageSize, page.PictureDataSize, progress,
-                       &budget, failure, &picture)) {
-        FreeMonthPage(&page);
-        return false;
-      }
-      page.Picture = picture;
-      page.PictureShowPicture = picture ? 1 : 0;
+// The first two and the last four bytes of a stream passing by in pieces.
+struct StreamEnds {
+  uint8_t head[2] = {};
+  uint8_t tail[4] = {};
+  uint64_t seen = 0;
+  void Take(const uint8_t* p, size_t n) {
+    for (size_t i = 0; seen + i < 2 && i < n; ++i) head[seen + i] = p[i];
+    if (n >= 4) {
+      std::memcpy(tail, p + n - 4, 4);
+    } else {
+      std::memmove(tail, tail + n, 4 - n);
+      std::memcpy(tail + 4 - n, p, n);
     }
-    page.RecordSize = kMonthPageSize;
-    if (!ReplaceMonthPage(document, month, &page)) {
-      FreeMonthPage(&page);
-      return false;
-    }
-    // Whatever the stream held, the next record starts where this one says it ends.
-    if (!Seek(f, start + recordLength)) return false;
-    progress->Advance(month + 1, 12);
+    seen += n;
   }
-  return true;
-}
+};
 
 // Pulls the next piece of a compressed stream of known length from a file.
 class StreamInput {
@@ -236,16 +195,587 @@ bool InflateStream(std::FILE* file, uint32_t length, uint32_t* produced, Room ro
   return ok;
 }
 
+// Inflates a stream of `length` bytes from `file` into `size` zero-filled
+// bytes at `data`, taking the output into `sum` (when given) while it is
+// still in the cache. Touches no block, so it runs on any thread.
+bool InflateInto(std::FILE* file, uint32_t length, uint8_t* data, uint32_t size, uint32_t* produced,
+                 BlockChecksum* sum) {
+  // Output goes straight into the block; once it is full, one spare byte
+  // catches a stream that would write past the stated size.
+  enum { kStart, kInBlock, kSpare } window = kStart;
+  unsigned char spare;
+  uint32_t filled = 0;
+  auto room = [&](z_stream* z) {
+    if (window == kStart) {
+      window = kInBlock;
+      z->next_out = data;
+      z->avail_out = size;
+    } else if (z->avail_out == 0) {
+      if (window == kSpare) return false;
+      window = kSpare;
+      z->next_out = &spare;
+      z->avail_out = 1;
+    }
+    return true;
+  };
+  auto took = [&](uInt count) {
+    if (window == kSpare) return count == 0;
+    filled += count;
+    if (sum) sum->Absorb(data, filled);
+    return true;
+  };
+  return InflateStream(file, length, produced, room, took);
+}
+
+// ---------------------------------------------------------------- saving
+
+void SetPictureDataSize(CalendarHeader* header, uint32_t size) { header->CoverPictureDataSize = size; }
+void SetPictureDataSize(MonthPage* page, uint32_t size) { page->PictureDataSize = size; }
+
+// One picture of the calendar being saved, and how its stream is made.
+struct SavePicture {
+  BlockHandle block = 0;
+  std::unique_ptr<BlockLock> lock;
+  const uint8_t* data = nullptr;
+  uint32_t size = 0;
+  uint64_t checksum = 0;
+  // Either the stream is copied from a file that holds it...
+  bool copy = false;
+  std::string from;
+  KnownStream known;
+  // ...or a worker compresses it into memory, in pieces so it never moves.
+  int queue = -1;  // its place among the streams to compress
+  std::thread worker;
+  std::vector<std::vector<uint8_t>> pieces;
+  bool compressed = false;
+};
+
+// Compresses a picture into memory on a worker. When memory runs short the
+// stream is left empty and the writer compresses it straight into the file.
+void CompressInMemory(SavePicture* p, int level) {
+  constexpr size_t kPiece = 1 << 20;
+  try {
+    uint32_t written;
+    p->compressed = DeflateBytes(p->data, p->size, level, &written, [p](const uint8_t* bytes, uint32_t n) {
+      while (n > 0) {
+        if (p->pieces.empty() || p->pieces.back().size() == kPiece) {
+          p->pieces.emplace_back();
+          p->pieces.back().reserve(kPiece);
+        }
+        std::vector<uint8_t>& piece = p->pieces.back();
+        uint32_t take = static_cast<uint32_t>(std::min<size_t>(n, kPiece - piece.size()));
+        piece.insert(piece.end(), bytes, bytes + take);
+        bytes += take;
+        n -= take;
+      }
+      return true;
+    });
+  } catch (...) {
+    p->compressed = false;
+  }
+  if (!p->compressed) p->pieces.clear();
+}
+
+// Writes the records in order, each picture's stream copied from the file it
+// came from when unchanged, else compressed on all cores, at most one stream
+// per core ahead of the writer.
+class Saver {
+ public:
+  Saver(std::FILE* out, int level) : out_(out), level_(level) {}
+  ~Saver() {
+    for (SavePicture& p : pictures_) Join(&p.worker);
+    for (auto& source : sources_)
+      if (source.second) std::fclose(source.second);
+  }
+  Saver(const Saver&) = delete;
+  Saver& operator=(const Saver&) = delete;
+
+  bool Write(CalendarDocument document, FileProgress* progress);
+  std::vector<KnownStream> written;  // where the streams went in the new file
+  StreamCounts counts;
+
+ private:
+  void Plan();
+  void StartNextCompression();
+  template <class Record>
+  bool WriteRecord(Record* record, SavePicture* p);
+  bool Copy(SavePicture* p, StreamEnds* ends);
+  template <class Record>
+  bool CompressIntoFile(Record* record, uint64_t start, SavePicture* p);
+  void Remember(uint64_t offset, uint32_t length, const SavePicture& p, int level, int levelField,
+                const StreamEnds& ends);
+
+  std::FILE* out_;
+  int level_;
+  SavePicture pictures_[kRecords];
+  std::vector<SavePicture*> queue_;  // to compress, in file order
+  size_t started_ = 0;
+  uint64_t end_ = 0;      // where the next record starts
+  uint64_t reached_ = 0;  // the furthest any write went
+  std::map<std::string, std::FILE*> sources_;
+  std::vector<uint8_t> copyBuffer_;
+};
+
+bool Saver::Write(CalendarDocument document, FileProgress* progress) {
+  CalendarHeader header;
+  std::vector<MonthPage> pages(12);
+  if (!GetHeader(document, &header)) return false;
+  // Handles mean nothing outside this process; the file keeps them as flags.
+  pictures_[0].block = header.CoverPictureShowPicture ? header.CoverPicture : 0;
+  header.CoverPicture = header.CoverPicture ? 1 : 0;
+  for (int month = 0; month < 12; ++month) {
+    MonthPage& page = pages[month];
+    if (!GetMonthPage(document, month, &page)) return false;
+    // A hidden picture is deliberately not saved.
+    pictures_[month + 1].block = page.PictureShowPicture ? page.Picture : 0;
+    page.Picture = pictures_[month + 1].block ? 1 : 0;
+    page.Events = 0;
+  }
+  Plan();
+  if (!WriteRecord(&header, &pictures_[0])) return false;
+  for (int month = 0; month < 12; ++month) {
+    if (!WriteRecord(&pages[month], &pictures_[month + 1])) return false;
+    // The bar moves only for months that carry a picture.
+    if (pictures_[month + 1].block) progress->Advance(month + 1, 12);
+  }
+  // A copy that failed half way may have written past what replaced it.
+  return reached_ <= end_ || Truncate(out_, end_);
+}
+
+// Locks the pictures (the block store is this thread's), takes their
+// checksums on all cores, and starts compressing those no file holds.
+void Saver::Plan() {
+  for (SavePicture& p : pictures_) {
+    if (!p.block) continue;
+    p.lock.reset(new BlockLock(p.block));
+    p.data = p.lock->bytes();
+    p.size = p.data ? GlobalBlockSize(p.block) : 0;  // a dead handle saves an empty stream, as ever
+  }
+  OnAllCores(kRecords, [this](int i) {
+    SavePicture& p = pictures_[i];
+    if (p.size) p.checksum = ChecksumOf(p.data, p.size);
+  });
+  for (SavePicture& p : pictures_) {
+    if (!p.block) continue;
+    p.copy = p.size && FindPictureStream(p.checksum, p.size, level_, &p.from, &p.known);
+    if (!p.copy) queue_.push_back(&p);
+  }
+  for (unsigned i = 0; i < Cores(); ++i) StartNextCompression();
+}
+
+void Saver::StartNextCompression() {
+  if (started_ == queue_.size()) return;
+  SavePicture* p = queue_[started_++];
+  const int level = level_;
+  Start(&p->worker, [p, level] { CompressInMemory(p, level); });
+}
+
+template <class Record>
+bool Saver::WriteRecord(Record* record, SavePicture* p) {
+  const uint64_t start = end_;
+  if (!p->block) {
+    end_ += sizeof *record;
+    return WriteAll(out_, record, sizeof *record);
+  }
+  SetPictureDataSize(record, p->size);
+  if (p->copy && p->known.length > UINT32_MAX - sizeof *record) return CompressIntoFile(record, start, p);
+  if (p->copy) {
+    record->RecordSize = static_cast<uint32_t>(sizeof *record) + p->known.length;
+    StreamEnds ends;
+    if (!WriteAll(out_, record, sizeof *record)) return false;
+    if (Copy(p, &ends)) {
+      end_ = start + sizeof *record + p->known.length;
+      ++counts.copied;
+      Remember(start + sizeof *record, p->known.length, *p, p->known.level, p->known.levelField, ends);
+      return true;
+    }
+    // The file changed under us after all: compress instead, over what was copied.
+    uint64_t at;
+    if (!Tell(out_, &at) || !Seek(out_, start)) return false;
+    reached_ = std::max(reached_, at);
+    return CompressIntoFile(record, start, p);
+  }
+  Join(&p->worker);
+  StartNextCompression();
+  if (!p->compressed) return CompressIntoFile(record, start, p);
+  uint64_t length = 0;
+  for (const auto& piece : p->pieces) length += piece.size();
+  if (length > UINT32_MAX - sizeof *record) return false;
+  record->RecordSize = static_cast<uint32_t>(sizeof *record + length);
+  if (!WriteAll(out_, record, sizeof *record)) return false;
+  StreamEnds ends;
+  for (const auto& piece : p->pieces) {
+    ends.Take(piece.data(), piece.size());
+    if (!WriteAll(out_, piece.data(), piece.size())) return false;
+  }
+  p->pieces.clear();
+  p->pieces.shrink_to_fit();
+  end_ = start + sizeof *record + length;
+  ++counts.compressed;
+  Remember(start + sizeof *record, static_cast<uint32_t>(length), *p, level_, LevelField(level_), ends);
+  return true;
+}
+
+// Copies the stream the table names; false when the source cannot give
+// exactly its bytes, beginning and ending as they did when recorded.
+bool Saver::Copy(SavePicture* p, StreamEnds* ends) {
+  auto found = sources_.find(p->from);
+  if (found == sources_.end()) found = sources_.emplace(p->from, std::fopen(p->from.c_str(), "rb")).first;
+  std::FILE* source = found->second;
+  if (!source || !Seek(source, p->known.offset)) return false;
+  copyBuffer_.resize(1 << 20);
+  for (uint32_t left = p->known.length; left > 0;) {
+    const uint32_t n = std::min<uint32_t>(left, static_cast<uint32_t>(copyBuffer_.size()));
+    if (!ReadAll(source, copyBuffer_.data(), n) || !WriteAll(out_, copyBuffer_.data(), n)) return false;
+    ends->Take(copyBuffer_.data(), n);
+    left -= n;
+  }
+  return std::memcmp(ends->head, p->known.head, 2) == 0 && std::memcmp(ends->tail, p->known.tail, 4) == 0;
+}
+
+// The way of old: the record, the stream straight into the file behind it,
+// then the record again with its full length. Needs no memory beyond 8 KiB.
+template <class Record>
+bool Saver::CompressIntoFile(Record* record, uint64_t start, SavePicture* p) {
+  if (!WriteAll(out_, record, sizeof *record)) return false;
+  StreamEnds ends;
+  uint32_t written;
+  if (!DeflateBytes(p->data, p->size, level_, &written, [&](const uint8_t* bytes, uint32_t n) {
+        ends.Take(bytes, n);
+        return WriteAll(out_, bytes, n);
+      }))
+    return false;
+  record->RecordSize = static_cast<uint32_t>(sizeof *record) + written;
+  end_ = start + sizeof *record + written;
+  if (!Seek(out_, start) || !WriteAll(out_, record, sizeof *record) || !Seek(out_, end_)) return false;
+  ++counts.compressed;
+  Remember(start + sizeof *record, written, *p, level_, LevelField(level_), ends);
+  return true;
+}
+
+void Saver::Remember(uint64_t offset, uint32_t length, const SavePicture& p, int level, int levelField,
+                     const StreamEnds& ends) {
+  if (!p.size || length < 6) return;
+  KnownStream s;
+  s.checksum = p.checksum;
+  s.size = p.size;
+  s.offset = offset;
+  s.length = length;
+  s.level = level;
+  s.levelField = levelField;
+  std::memcpy(s.head, ends.head, 2);
+  std::memcpy(s.tail, ends.tail, 4);
+  written.push_back(s);
+}
+
+// ---------------------------------------------------------------- loading
+
+// What a worker made of one picture stream.
+struct Inflated {
+  bool opened = false;  // the worker could open the file at all
+  bool ok = false;
+  uint64_t checksum = 0;
+  bool ends = false;  // head and tail read: the whole stream lies in the file
+  uint8_t head[2] = {};
+  uint8_t tail[4] = {};
+};
+
+// Replaces the document's month record, freeing the blocks the record held.
+bool ReplaceMonthPage(CalendarDocument document, int month, const MonthPage* page) {
+  MonthPage old;
+  if (!GetMonthPage(document, month, &old)) return false;
+  FreeMonthPage(&old);
+  return PutMonthPage(document, month, page);
+}
+
+// Reads the first two and last four bytes of a stream, for the table.
+bool ReadStreamEnds(std::FILE* f, uint64_t at, uint32_t length, Inflated* out) {
+  out->ends = length >= 6 && ReadAt(f, at, out->head, 2) && ReadAt(f, at + length - 4, out->tail, 4);
+  return out->ends;
+}
+
+// Inflates one stream into `size` bytes at `data` through a file handle of
+// its own, then reads the stream's ends.
+void InflateOnWorker(const char* path, uint64_t at, uint32_t length, uint8_t* data, uint32_t size, Inflated* out) {
+  std::FILE* f = std::fopen(path, "rb");
+  if (!f) return;
+  out->opened = true;
+  BlockChecksum sum;
+  uint32_t produced;
+  out->ok = Seek(f, at) && InflateInto(f, length, data, size, &produced, &sum);
+  if (out->ok) {
+    out->checksum = sum.Finish(data, size);
+    ReadStreamEnds(f, at, length, out);
+  }
+  std::fclose(f);
+}
+
+// One record of the file being loaded, from its reading to its place in the
+// document.
+struct LoadRecord {
+  int month = -1;  // -1 for the header
+  CalendarHeader header;
+  MonthPage page;
+  // Its picture stream.
+  enum class Picture { kNone, kDamaged, kInflating, kRead } picture = Picture::kNone;
+  uint64_t streamAt = 0;
+  int64_t compressed = 0;
+  uint32_t dataSize = 0;
+  BlockHandle block = 0;
+  uint8_t* data = nullptr;
+  std::thread worker;
+  Inflated result;
+};
+
+// Reads the records in order on this thread while the pictures inflate on
+// all cores, and puts each record in the document in order once its picture
+// is done: questions, the budget and the bar come exactly as if one picture
+// were read after the other.
+class Loader {
+ public:
+  Loader(std::FILE* f, const char* path, CalendarDocument document, FileProgress* progress, LoadFailure* failure)
+      : f_(f), path_(path), document_(document), progress_(progress), failure_(failure), cores_(Cores()) {}
+  ~Loader() {
+    // A load that failed leaves pictures nobody took.
+    for (int i = 0; i < kRecords; ++i) {
+      LoadRecord& r = records_[i];
+      Join(&r.worker);
+      if (r.picture == LoadRecord::Picture::kInflating) GlobalBlockUnlock(r.block);
+      if (r.block) GlobalBlockFree(r.block);
+    }
+  }
+  Loader(const Loader&) = delete;
+  Loader& operator=(const Loader&) = delete;
+
+  bool Read();
+  std::vector<KnownStream> streams;  // the pictures read, for the table
+
+ private:
+  bool StartPicture(int index);
+  bool CommitNext();
+  bool CommitBefore(int index);
+  BlockHandle TakePicture(LoadRecord* r);
+
+  std::FILE* f_;
+  const char* path_;
+  CalendarDocument document_;
+  FileProgress* progress_;
+  LoadFailure* failure_;
+  const unsigned cores_;
+  std::unique_ptr<LoadRecord[]> records_{new LoadRecord[kRecords]};  // too big for the stack
+  int read_ = 0;       // records read from the file
+  int committed_ = 0;  // records put in the document
+  unsigned inflating_ = 0;
+  uint64_t budget_ = kMaxDocumentPictureBytes;  // what the pictures put in the document leave
+  uint64_t reserved_ = 0;                       // what the pictures in flight will take if sound
+};
+
+bool Loader::Read() {
+  LoadRecord& h = records_[0];
+  if (!ReadAt(f_, 0, &h.header, sizeof h.header) || h.header.Magic != kHeaderMagic) return false;
+  progress_->Advance(1, 12);
+  uint64_t at = h.header.RecordSize;
+  if (h.header.CoverPicture) {
+    h.streamAt = kHeaderSize;
+    h.compressed = static_cast<int64_t>(h.header.RecordSize) - kHeaderSize;
+    h.dataSize = h.header.CoverPictureDataSize;
+    if (!StartPicture(0)) return false;
+  }
+  read_ = 1;
+  for (int month = 0; month < 12; ++month) {
+    LoadRecord& r = records_[month + 1];
+    r.month = month;
+    // A broken record fails the load, but only after the questions about the
+    // pictures before it, as when one record was read after the other.
+    if (!ReadAt(f_, at, &r.page, sizeof r.page) || r.page.Magic != kPageMagic) {
+      CommitBefore(read_);
+      return false;
+    }
+    if (r.page.Picture) {
+      r.streamAt = at + kMonthPageSize;
+      r.compressed = static_cast<int64_t>(r.page.RecordSize) - kMonthPageSize;
+      r.dataSize = r.page.PictureDataSize;
+      if (!StartPicture(month + 1)) return false;
+    }
+    read_ = month + 2;
+    // Whatever the stream held, the next record starts where this one says it ends.
+    at += r.page.RecordSize;
+  }
+  return CommitBefore(read_);
+}
+
+// Starts reading the picture of record `index`; what cannot be decided yet
+// (the budget, memory, a stream of unknown size) waits for the records before.
+bool Loader::StartPicture(int index) {
+  LoadRecord& r = records_[index];
+  r.picture = LoadRecord::Picture::kDamaged;
+  if (r.compressed <= 0 || r.compressed > UINT32_MAX) return true;
+  const uint32_t length = static_cast<uint32_t>(r.compressed);
+  if (r.dataSize == 0) {
+    // Only odd files leave the size out: read such a stream here, in order.
+    if (!CommitBefore(index)) return false;
+    uint32_t produced = length;
+    bool outOfMemory = false;
+    BlockHandle block = 0;
+    if (Seek(f_, r.streamAt))
+      block = InflateBlockFromFileGrowing(f_, &produced, static_cast<uint32_t>(std::min<uint64_t>(kMaxPictureBytes, budget_)),
+                                          &outOfMemory);
+    if (outOfMemory) {
+      *failure_ = LoadFailure::kOutOfMemory;
+      return false;
+    }
+    if (block) {
+      r.picture = LoadRecord::Picture::kRead;
+      r.block = block;
+      r.result.ok = true;
+      BlockLock lock(block);
+      r.result.checksum = ChecksumOf(lock.bytes(), GlobalBlockSize(block));
+      ReadStreamEnds(f_, r.streamAt, length, &r.result);
+    }
+    return true;
+  }
+  if (r.dataSize > kMaxPictureBytes || r.dataSize > length * kMaxInflateRatio + 64) return true;
+  while (inflating_ >= cores_)
+    if (!CommitNext()) return false;
+  // The pictures in flight may all turn out sound; when this one might not
+  // fit beside them, wait for them and decide exactly.
+  if (r.dataSize + reserved_ > budget_) {
+    if (!CommitBefore(index)) return false;
+    if (r.dataSize > budget_) return true;
+  }
+  BlockHandle block = GlobalBlockAlloc(r.dataSize);
+  if (!block) {
+    // Pictures in flight that turn out damaged give their memory back.
+    if (!CommitBefore(index)) return false;
+    block = GlobalBlockAlloc(r.dataSize);
+  }
+  if (!block) {
+    *failure_ = LoadFailure::kOutOfMemory;
+    return false;
+  }
+  r.block = block;
+  r.data = static_cast<uint8_t*>(GlobalBlockLock(block));
+  r.picture = LoadRecord::Picture::kInflating;
+  reserved_ += r.dataSize;
+  ++inflating_;
+  Start(&r.worker, [this, &r, length] { InflateOnWorker(path_, r.streamAt, length, r.data, r.dataSize, &r.result); });
+  return true;
+}
+
+// The record's picture once read, sound and a usable Dib, or 0.
+BlockHandle Loader::TakePicture(LoadRecord* r) {
+  if (r->picture == LoadRecord::Picture::kInflating) {
+    Join(&r->worker);
+    --inflating_;
+    reserved_ -= r->dataSize;
+    if (!r->result.opened) {
+      // No second handle on the file: read it with ours instead.
+      uint32_t produced;
+      r->result.ok = Seek(f_, r->streamAt) &&
+                     InflateInto(f_, static_cast<uint32_t>(r->compressed), r->data, r->dataSize, &produced, nullptr);
+      if (r->result.ok) {
+        r->result.checksum = ChecksumOf(r->data, r->dataSize);
+        ReadStreamEnds(f_, r->streamAt, static_cast<uint32_t>(r->compressed), &r->result);
+      }
+    }
+    GlobalBlockUnlock(r->block);
+  }
+  r->picture = LoadRecord::Picture::kNone;
+  BlockHandle block = r->block;
+  r->block = 0;
+  if (block && (!r->result.ok || !DibBlockIsValid(block))) {
+    GlobalBlockFree(block);
+    block = 0;
+  }
+  return block;
+}
+
+bool Loader::CommitNext() {
+  LoadRecord& r = records_[committed_++];
+  const bool expected = r.picture != LoadRecord::Picture::kNone;
+  const BlockHandle picture = TakePicture(&r);
+  if (picture) {
+    budget_ -= GlobalBlockSize(picture);
+    if (r.result.ends) {
+      KnownStream s;
+      s.checksum = r.result.checksum;
+      s.size = GlobalBlockSize(picture);
+      s.offset = r.streamAt;
+      s.length = static_cast<uint32_t>(r.compressed);
+      s.levelField = LevelFieldOfStream(r.result.head);
+      std::memcpy(s.head, r.result.head, 2);
+      std::memcpy(s.tail, r.result.tail, 4);
+      streams.push_back(s);
+    }
+  }
+  if (r.month < 0) {
+    CalendarHeader& header = r.header;
+    if (expected && !picture && !progress_->AskYesNo(kDamagedRecordQuestion)) return false;
+    if (expected) {
+      header.CoverPicture = picture;
+      header.CoverPictureShowPicture = picture ? 1 : 0;
+    }
+    header.RecordSize = kHeaderSize;
+    header.Changed = 0;
+    TerminateTexts(&header);
+    if (!PutHeader(document_, &header)) {
+      if (picture) GlobalBlockFree(picture);
+      return false;
+    }
+    return true;
+  }
+  MonthPage& page = r.page;
+  TerminateTexts(&page);
+  page.Events = LoadEventList(page.DaysName);
+  if (expected) {
+    page.Picture = picture;
+    page.PictureShowPicture = picture ? 1 : 0;
+    if (!picture && !progress_->AskYesNo(kDamagedRecordQuestion)) {
+      FreeMonthPage(&page);
+      return false;
+    }
+  }
+  page.RecordSize = kMonthPageSize;
+  if (!ReplaceMonthPage(document_, r.month, &page)) {
+    FreeMonthPage(&page);
+    return false;
+  }
+  progress_->Advance(r.month + 1, 12);
+  return true;
+}
+
+bool Loader::CommitBefore(int index) {
+  while (committed_ < index)
+    if (!CommitNext()) return false;
+  return true;
+}
+
 }  // namespace
+
+StreamCounts LastSaveStreamCounts() { return g_lastSave; }
 
 int SaveCalendar(FileProgress* progress, const char* path, CalendarDocument document) {
   progress->Begin(Caption("Saving", path).c_str());
+  g_lastSave = StreamCounts{};
+  const int level = static_cast<int>(std::min<uint32_t>(std::max<uint32_t>(Settings.ImageCompression, 1), 9));
+  std::vector<KnownStream> streams;
   ReplacingFile out(path, false);
   bool ok = out.file() != nullptr;
   if (ok) {
     static char buffer[1 << 16];
     std::setvbuf(out.file(), buffer, _IOFBF, sizeof buffer);
-    ok = WriteCalendar(out.file(), document, progress) && out.Commit();
+    // The files streams are copied from are closed before the new file takes
+    // its place, which may be one of them.
+    Saver saver(out.file(), level);
+    ok = saver.Write(document, progress);
+    g_lastSave = saver.counts;
+    streams = std::move(saver.written);
+  }
+  ok = ok && out.Commit();
+  if (ok) {
+    FileStamp stamp;
+    if (ReadFileStamp(path, &stamp)) RememberPictureStreams(path, stamp, std::move(streams));
+    else ForgetPictureStreams(path);
   }
   progress->End();
   return ok ? 1 : 0;
@@ -255,12 +785,22 @@ CalendarDocument LoadCalendar(FileProgress* progress, const char* path, LoadFail
   LoadFailure why = LoadFailure::kNone;
   CalendarDate today = Today();
   progress->Begin(Caption("Opening", path).c_str());
+  // The file may have changed since it was last read or written here.
+  ForgetPictureStreams(path);
+  FileStamp before, after;
+  const bool stamped = ReadFileStamp(path, &before);
   CalendarDocument document = CreateCalendar(today.year, today.month - 1);
   if (!document) why = LoadFailure::kOutOfMemory;
   std::FILE* f = document ? std::fopen(path, "rb") : nullptr;
   static char buffer[1 << 16];
   if (f) std::setvbuf(f, buffer, _IOFBF, sizeof buffer);
-  bool ok = f && ReadCalendar(f, document, progress, &why);
+  bool ok = false;
+  if (f) {
+    Loader loader(f, path, document, progress, &why);
+    ok = loader.Read();
+    if (ok && stamped && ReadFileStamp(path, &after) && after == before)
+      RememberPictureStreams(path, before, std::move(loader.streams));
+  }
   if (f) std::fclose(f);
   if (!ok && document) {
     FreeCalendar(document);
@@ -274,27 +814,10 @@ CalendarDocument LoadCalendar(FileProgress* progress, const char* path, LoadFail
 
 bool CompressBlockToFile(std::FILE* file, BlockHandle block, uint32_t* inOutSize, int level) {
   if (*inOutSize > GlobalBlockSize(block)) return false;
-  z_stream z{};
-  if (deflateInit(&z, level) != Z_OK) return false;
   BlockLock lock(block);
-  z.next_in = lock.bytes();
-  z.avail_in = *inOutSize;
-  unsigned char out[kChunk];
-  uint32_t written = 0;
-  bool ok = lock || *inOutSize == 0;
-  for (int flush = Z_NO_FLUSH; ok;) {
-    z.next_out = out;
-    z.avail_out = kChunk;
-    int result = deflate(&z, flush);
-    uint32_t produced = kChunk - z.avail_out;
-    if (result == Z_STREAM_ERROR || !WriteAll(file, out, produced)) ok = false;
-    written += produced;
-    if (result == Z_STREAM_END) break;
-    if (flush == Z_NO_FLUSH && z.avail_in == 0) flush = Z_FINISH;
-  }
-  if (deflateEnd(&z) != Z_OK) ok = false;
-  *inOutSize = written;
-  return ok;
+  if (!lock && *inOutSize > 0) return false;
+  return DeflateBytes(lock.bytes(), *inOutSize, level, inOutSize,
+                      [file](const uint8_t* bytes, uint32_t n) { return WriteAll(file, bytes, n); });
 }
 
 BlockHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t expectedSize, bool* outOfMemory) {
@@ -304,27 +827,9 @@ BlockHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t 
     if (outOfMemory) *outOfMemory = true;
     return 0;
   }
-  uint8_t* data = static_cast<uint8_t*>(GlobalBlockLock(block));
-  // Output goes straight into the block; once it is full, one spare byte
-  // catches a stream that would write past the stated size.
-  enum { kStart, kInBlock, kSpare } window = kStart;
-  unsigned char spare;
-  auto room = [&](z_stream* z) {
-    if (window == kStart) {
-      window = kInBlock;
-      z->next_out = data;
-      z->avail_out = expectedSize;
-    } else if (z->avail_out == 0) {
-      if (window == kSpare) return false;
-      window = kSpare;
-      z->next_out = &spare;
-      z->avail_out = 1;
-    }
-    return true;
-  };
-  auto took = [&](uInt produced) { return !(window == kSpare && produced > 0); };
   uint32_t produced = 0;
-  bool ok = InflateStream(file, *inOutSize, &produced, room, took);
+  bool ok = InflateInto(file, *inOutSize, static_cast<uint8_t*>(GlobalBlockLock(block)), expectedSize, &produced,
+                        nullptr);
   GlobalBlockUnlock(block);
   if (!ok) {
     GlobalBlockFree(block);

@@ -23,16 +23,28 @@ constexpr uint32_t kMaxPictureBytes = 512u << 20;
 // small file of well-made huge pictures cannot demand many gigabytes.
 constexpr uint32_t kMaxDocumentPictureBytes = 3u << 29;  // 1.5 GiB
 
-// Writes `document` to `path` at the ImageCompression level. The file is
+// Writes `document` to `path` at the ImageCompression level, compressing
+// pictures on all cores; a picture whose stream lies unchanged in a file it
+// was loaded from or saved to (at the same level) is copied from there. The file is
 // written beside the target under a name of its own and replaces it only when
 // complete and on the disk, so on failure (0) the previous file is untouched.
 int SaveCalendar(FileProgress* progress, const char* path, CalendarDocument document);
+// How the last save made its picture streams: copied from the file a
+// picture came from (unchanged since), or compressed.
+struct StreamCounts {
+  int copied = 0;
+  int compressed = 0;
+};
+StreamCounts LastSaveStreamCounts();
+
 // Why a load gave no calendar: the file could not be read (or the user said
 // No to a damaged record), or memory ran out. Running out of memory is never
 // taken for damage: the load stops without asking, so nothing is dropped.
 enum class LoadFailure { kNone, kUnreadable, kOutOfMemory };
 // Reads a calendar; 0 when the file cannot be read, with the reason in
 // `failure` when given. Event lists are loaded from the program's folder.
+// Pictures inflate on all cores; the questions and the bar come in month
+// order as if they were read one after the other.
 CalendarDocument LoadCalendar(FileProgress* progress, const char* path, LoadFailure* failure = nullptr);
 
 // Compresses the first *inOutSize bytes of `block` into `file` as one zlib
