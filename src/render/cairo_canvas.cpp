@@ -10,6 +10,7 @@
 
 #include "base/dib.h"
 #include "base/text.h"
+#include "render/primitives.h"
 
 namespace {
 
@@ -176,49 +177,127 @@ void CairoCanvas::FrameRect(const Rect& r, Colour colour) {
   FillRect({r.right - 1, r.top, r.right, r.bottom}, colour);
 }
 
-void CairoCanvas::Shape(const Rect& given, int32_t ellipseWidth, int32_t ellipseHeight) {
+namespace {
+
+// Where a Rectangle or RoundRect goes on the surface: its box (without a pen
+// a pixel smaller, as GDI fills it) and the radii of its corners.
+struct Outline {
+  double x, y, w, h, rx, ry;
+};
+
+// The outline of `given` at the origin; false when it is empty.
+bool OutlineOf(const Rect& given, int32_t ellipseWidth, int32_t ellipseHeight, bool pen, double originX,
+               double originY, Outline* o) {
   // As GDI: an inverted rectangle is drawn the right way round; the pen runs
   // inside the right and bottom edges; without a pen the shape is a pixel smaller.
   const Rect r = Normalized(given);
+  const double left = double(r.left) + originX, top = double(r.top) + originY;
+  o->x = Safe(left), o->y = Safe(top);
+  o->w = Safe(left + Width(r)) - o->x - 1, o->h = Safe(top + Height(r)) - o->y - 1;
+  if (o->w <= 0 || o->h <= 0) return false;
+  if (pen) ++o->w, ++o->h;
+  o->rx = std::min(std::abs(ellipseWidth) / 2.0, o->w / 2), o->ry = std::min(std::abs(ellipseHeight) / 2.0, o->h / 2);
+  return true;
+}
+
+// Appends the outline moved `inset` inwards on every side as a sub-path.
+void AddOutline(cairo_t* cr, const Outline& o, double inset) {
+  const double px = o.x + inset, py = o.y + inset, pw = o.w - 2 * inset, ph = o.h - 2 * inset;
+  const double rx = std::min(o.rx, pw / 2), ry = std::min(o.ry, ph / 2);
+  if (rx <= 0 || ry <= 0) {
+    cairo_rectangle(cr, px, py, pw, ph);
+    return;
+  }
+  const double corners[4][3] = {{px + pw - rx, py + ry, -M_PI / 2}, {px + pw - rx, py + ph - ry, 0},
+                                {px + rx, py + ph - ry, M_PI / 2}, {px + rx, py + ry, M_PI}};
+  cairo_new_sub_path(cr);
+  for (const auto& c : corners) {
+    cairo_save(cr);
+    cairo_translate(cr, c[0], c[1]);
+    cairo_scale(cr, rx, ry);
+    cairo_arc(cr, 0, 0, 1, c[2], c[2] + M_PI / 2);
+    cairo_restore(cr);
+  }
+  cairo_close_path(cr);
+}
+
+}  // namespace
+
+void CairoCanvas::Shape(const Rect& given, int32_t ellipseWidth, int32_t ellipseHeight) {
   const bool pen = !state_.pen.none;
-  const double left = double(r.left) + state_.originX, top = double(r.top) + state_.originY;
-  const double x = Safe(left), y = Safe(top);
-  const double w = Safe(left + Width(r)) - x - 1, h = Safe(top + Height(r)) - y - 1;
-  if (w <= 0 || h <= 0) return;
-  auto path = [&](double inset) {
-    double px = x + inset, py = y + inset, pw = w + (pen ? 1 - 2 * inset : 0), ph = h + (pen ? 1 - 2 * inset : 0);
-    double rx = std::min(std::abs(ellipseWidth) / 2.0, pw / 2), ry = std::min(std::abs(ellipseHeight) / 2.0, ph / 2);
-    cairo_new_path(cr_);
-    if (rx <= 0 || ry <= 0) {
-      cairo_rectangle(cr_, px, py, pw, ph);
-      return;
-    }
-    const double corners[4][3] = {{px + pw - rx, py + ry, -M_PI / 2}, {px + pw - rx, py + ph - ry, 0},
-                                  {px + rx, py + ph - ry, M_PI / 2}, {px + rx, py + ry, M_PI}};
-    for (const auto& c : corners) {
-      cairo_save(cr_);
-      cairo_translate(cr_, c[0], c[1]);
-      cairo_scale(cr_, rx, ry);
-      cairo_arc(cr_, 0, 0, 1, c[2], c[2] + M_PI / 2);
-      cairo_restore(cr_);
-    }
-    cairo_close_path(cr_);
-  };
+  Outline o;
+  if (!OutlineOf(given, ellipseWidth, ellipseHeight, pen, state_.originX, state_.originY, &o)) return;
   if (!state_.brush.none) {
     // Filled without antialiasing, as GDI fills: the edges stay on whole
     // pixels, and the many rings of a soft shadow fill fast.
-    path(0);
+    cairo_new_path(cr_);
+    AddOutline(cr_, o, 0);
     SetColour(state_.brush.colour);
     cairo_set_antialias(cr_, CAIRO_ANTIALIAS_NONE);
     cairo_fill(cr_);
     cairo_set_antialias(cr_, CAIRO_ANTIALIAS_DEFAULT);
   }
   if (pen) {
-    path(0.5);
+    cairo_new_path(cr_);
+    AddOutline(cr_, o, 0.5);
     SetColour(state_.pen.colour);
     cairo_set_line_width(cr_, 1);
     cairo_stroke(cr_);
   }
+}
+
+void CairoCanvas::DrawShadowRings(const ShadowRings& s) {
+  // Vector output keeps the rings themselves: a viewer smooths the edges of
+  // what it shows, and frames side by side would show seams.
+  if (!PixelsAreDevicePixels()) return Canvas::DrawShadowRings(s);
+  // Drawn ring by ring, the middle of a shadow is painted once per ring.
+  // Here each ring paints only the pixels that are in it or in the next ring
+  // but not in both (its outline and the next one's, filled by the even-odd
+  // rule), and the last ring paints all of itself. A pixel then ends in the
+  // colour of the last ring it lies in, as when each ring paints over the
+  // last, nested or not; and each pixel is painted about once.
+  state_.pen = kNullPen;
+  const int32_t ellipse = Device(s.n);
+  cairo_save(cr_);
+  cairo_set_antialias(cr_, CAIRO_ANTIALIAS_NONE);
+  cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_EVEN_ODD);
+  Outline ring, next;
+  bool have = OutlineOf(ShadowRingRect(s, s.first), ellipse, ellipse, false, state_.originX, state_.originY, &ring);
+  for (Length i = s.first; i < s.n;) {
+    const Length j = NextShadowRing(s, i);
+    const bool haveNext =
+        j < s.n && OutlineOf(ShadowRingRect(s, j), ellipse, ellipse, false, state_.originX, state_.originY, &next);
+    if (have) {
+      cairo_new_path(cr_);
+      AddOutline(cr_, ring, 0);
+      if (haveNext) AddOutline(cr_, next, 0);
+      SetColour(ShadowRingColour(s, i));
+      cairo_fill(cr_);
+    }
+    i = j, ring = next, have = haveNext;
+  }
+  cairo_restore(cr_);
+}
+
+bool CairoCanvas::VisibleBox(Rect* box) {
+  double x1, y1, x2, y2;
+  cairo_clip_extents(cr_, &x1, &y1, &x2, &y2);
+  *box = {static_cast<int32_t>(std::floor(Safe(x1))) - state_.originX,
+          static_cast<int32_t>(std::floor(Safe(y1))) - state_.originY,
+          static_cast<int32_t>(std::ceil(Safe(x2))) - state_.originX,
+          static_cast<int32_t>(std::ceil(Safe(y2))) - state_.originY};
+  return true;
+}
+
+bool CairoCanvas::PixelsAreDevicePixels() {
+  cairo_surface_t* target = cairo_get_target(cr_);
+  if (cairo_surface_get_type(target) != CAIRO_SURFACE_TYPE_IMAGE) return false;
+  cairo_matrix_t m;
+  cairo_get_matrix(cr_, &m);
+  double scaleX, scaleY;
+  cairo_surface_get_device_scale(target, &scaleX, &scaleY);
+  return m.xx == 1 && m.yy == 1 && m.xy == 0 && m.yx == 0 && m.x0 == std::floor(m.x0) && m.y0 == std::floor(m.y0) &&
+         scaleX == 1 && scaleY == 1;
 }
 
 void CairoCanvas::Rectangle(const Rect& r) { Shape(r, 0, 0); }

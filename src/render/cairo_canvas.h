@@ -38,6 +38,8 @@ class CairoCanvas : public Canvas {
   void SetOrigin(int32_t x, int32_t y) override { state_.originX = x, state_.originY = y; }
   void Clip(const Rect& r) override;
   void Unclip() override;
+  void DrawShadowRings(const ShadowRings& rings) override;
+  bool VisibleBox(Rect* box) override;
   Colour ButtonShadowColour() override { return 0xA0A0A0; }
 
  private:
@@ -51,6 +53,8 @@ class CairoCanvas : public Canvas {
   // The shape of Rectangle and RoundRect filled with the brush and outlined with the pen.
   void Shape(const Rect& r, int32_t ellipseWidth, int32_t ellipseHeight);
   void SetColour(Colour c);
+  // Whether a unit is a pixel of an image surface, without scaling.
+  bool PixelsAreDevicePixels();
   // Sets up the layout for `text` in the current font; returns its size in pixels.
   void Layout(const std::string& text, int32_t width, uint32_t format, int32_t* textW, int32_t* textH);
   double PangoSizeFor(const FontSpec& font);

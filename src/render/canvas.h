@@ -35,6 +35,19 @@ inline BrushSpec SolidBrush(Colour c) { return {false, c}; }
 constexpr PenSpec kNullPen{true, 0};
 constexpr BrushSpec kNullBrush{true, 0};
 
+// The rings of a soft shadow at the current origin: ring i of n is the
+// rounded rectangle {n/2 + i, n/2 + i, width + n - i, height + n - i} with
+// n x n corners, filled without a pen in the blend of weight i / n * 255 of
+// the shadow over the background colour, each ring over the one before.
+// Which rings are drawn, their rectangles and colours: primitives.h.
+struct ShadowRings {
+  int64_t width, height, n;
+  Colour shadow, background;
+  int64_t first;  // the rings before it cannot show: it covers them wherever drawing can reach
+  bool bounded;   // whether `visible` is known
+  Rect visible;   // where drawing can reach; rings wholly outside it are skipped
+};
+
 class Canvas {
  public:
   virtual ~Canvas() = default;
@@ -71,6 +84,16 @@ class Canvas {
   // Limits drawing to `r` (logical coordinates at the current origin) until Unclip.
   virtual void Clip(const Rect& r) = 0;
   virtual void Unclip() = 0;
+
+  // The rings with a null pen; leaves the brush unset. The default draws
+  // them one RoundRect at a time; a canvas may give the same pixels faster.
+  virtual void DrawShadowRings(const ShadowRings& rings);
+  // The part of the device drawing can reach (the clip within the device),
+  // in logical coordinates at the current origin; false when it cannot tell.
+  virtual bool VisibleBox(Rect* box) {
+    (void)box;
+    return false;
+  }
 
   // The system colour of button shadows, which frames the page on screen.
   virtual Colour ButtonShadowColour() = 0;

@@ -130,6 +130,19 @@ void OpsCanvas::RestoreState() {
   saved_.pop_back();
 }
 
-void OpsCanvas::Clip(const Rect& r) { Line("clip " + Place(r)); }
+void OpsCanvas::Clip(const Rect& r) {
+  Line("clip " + Place(r));
+  state_.clipped = true;
+  state_.clip = Offset(r, state_.originX, state_.originY);
+}
 
-void OpsCanvas::Unclip() { Line("unclip"); }
+void OpsCanvas::Unclip() {
+  Line("unclip");
+  state_.clipped = false;
+}
+
+bool OpsCanvas::VisibleBox(Rect* box) {
+  if (!state_.clipped) return false;
+  *box = Offset(state_.clip, -state_.originX, -state_.originY);
+  return true;
+}

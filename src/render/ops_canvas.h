@@ -35,6 +35,8 @@ class OpsCanvas : public Canvas {
   void SetOrigin(int32_t x, int32_t y) override { state_.originX = x, state_.originY = y; }
   void Clip(const Rect& r) override;
   void Unclip() override;
+  // The clip, when one is set: the page itself has no edge.
+  bool VisibleBox(Rect* box) override;
   Colour ButtonShadowColour() override { return 0xA0A0A0; }
 
   // The lines the fixed rule breaks `text` into for a width of `width`.
@@ -48,6 +50,8 @@ class OpsCanvas : public Canvas {
     BrushSpec brush{false, 0xFFFFFF};
     Colour textColour = 0;
     int32_t originX = 0, originY = 0;
+    bool clipped = false;
+    Rect clip{0, 0, 0, 0};  // in page coordinates; a new clip replaces the old, as SelectClipRgn
   };
   std::string Place(const Rect& r) const;
   void Line(const std::string& line) { out_ += line + "\n"; }

@@ -19,9 +19,16 @@ Colour BlendColour(Colour a, Colour b, int t);
 // Ring i has the colour of weight i / n * 255, so beyond 255 rings several in
 // a row share one colour; of those only the outermost is drawn (the others
 // lie inside it and would paint the same pixels again), which keeps even a
-// shadow of a damaged record to at most 256 rings.
+// shadow of a damaged record to at most 256 rings. Rings that cannot show
+// where the canvas can draw are skipped.
 int DrawSoftShadow(Canvas& canvas, Length left, Length top, Length right, Length bottom, Colour shadowColour,
                    Colour backgroundColour, int32_t softnessPercent);
+
+// Ring i of a soft shadow: its rectangle, its colour, and the ring drawn
+// after it (n when none is).
+Rect ShadowRingRect(const ShadowRings& s, Length i);
+Colour ShadowRingColour(const ShadowRings& s, Length i);
+Length NextShadowRing(const ShadowRings& s, Length i);
 
 // Clears the 768-byte triplet table and fills it with the Dib's colour table
 // as red, green, blue; returns the entry count (0 above 8 bits per pixel).

@@ -1,24 +1,41 @@
 // The Cairo canvas on its own pixels: shapes as GDI draws them, text laid out
 // by the DrawText bits, fonts found by their Windows names, and pictures
-// resampled smoothly.
+// resampled smoothly, soft shadows as their rings draw them.
 #include <cairo.h>
 #include <pango/pangocairo.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 #include "base/dib.h"
 #include "render/cairo_canvas.h"
+#include "render/primitives.h"
 #include "test_support.h"
 
 namespace {
 
+// The Cairo canvas drawing soft shadows one RoundRect per ring, as any canvas
+// can: what a shadow must look like. It may or may not tell where it can draw.
+class RingByRingCanvas : public CairoCanvas {
+ public:
+  RingByRingCanvas(cairo_t* cr, bool culls) : CairoCanvas(cr), culls_(culls) {}
+  void DrawShadowRings(const ShadowRings& rings) override { Canvas::DrawShadowRings(rings); }
+  bool VisibleBox(Rect* box) override { return culls_ && CairoCanvas::VisibleBox(box); }
+
+ private:
+  bool culls_;
+};
+
+enum class Rings { kCanvasOwn, kOneByOne, kOneByOneCulled };
+
 // A white image surface with a canvas over it.
 class Surface {
  public:
-  Surface(int width, int height)
+  Surface(int width, int height, Rings rings = Rings::kCanvasOwn)
       : surface_(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)), cr_(cairo_create(surface_)) {
-    canvas_ = new CairoCanvas(cr_);
+    canvas_ = rings == Rings::kCanvasOwn ? new CairoCanvas(cr_) : new RingByRingCanvas(cr_, rings == Rings::kOneByOneCulled);
     canvas_->FillRect({0, 0, width, height}, 0xFFFFFF);
   }
   ~Surface() {
@@ -32,6 +49,18 @@ class Surface {
     cairo_surface_flush(surface_);
     auto* row = cairo_image_surface_get_data(surface_) + y * cairo_image_surface_get_stride(surface_);
     return reinterpret_cast<uint32_t*>(row)[x] & 0xFFFFFF;
+  }
+  // Every pixel as 0xRRGGBB, row by row.
+  std::vector<uint32_t> Pixels() {
+    cairo_surface_flush(surface_);
+    const int width = cairo_image_surface_get_width(surface_), height = cairo_image_surface_get_height(surface_);
+    std::vector<uint32_t> pixels;
+    for (int y = 0; y < height; ++y) {
+      auto* row = reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(surface_) +
+                                              y * cairo_image_surface_get_stride(surface_));
+      for (int x = 0; x < width; ++x) pixels.push_back(row[x] & 0xFFFFFF);
+    }
+    return pixels;
   }
   // The bounding box of every pixel that is not white.
   Rect Ink() {
@@ -214,4 +243,78 @@ TEST(CairoCanvas, OnlyThePartOfAPictureOnTheSurfaceIsMadeAndItMatchesTheWhole) {
   EXPECT_EQ(big.At(20, 20), 0xFF0000u) << "the bottom left quarter is red";
   GlobalBlockFree(dib);
   GlobalBlockFree(quarters);
+}
+
+namespace {
+
+// The first pixel of a w-wide surface that is not `expected` inside `clip`
+// and white outside it, as "x,y", or "" when there is none.
+std::string FirstDifference(const std::vector<uint32_t>& expected, const std::vector<uint32_t>& got, int w,
+                            const Rect& clip) {
+  for (size_t i = 0; i < got.size(); ++i) {
+    const int x = static_cast<int>(i % w), y = static_cast<int>(i / w);
+    const bool inside = x >= clip.left && x < clip.right && y >= clip.top && y < clip.bottom;
+    if (got[i] != (inside ? expected[i] : 0xFFFFFF)) return std::to_string(x) + "," + std::to_string(y);
+  }
+  return "";
+}
+
+}  // namespace
+
+TEST(CairoCanvas, SoftShadowsHaveThePixelsOfTheirRings) {
+  const struct {
+    int width, height, softness;  // n = width * softness / 100
+    Colour shadow, background;
+    int originX, originY;
+  } cases[] = {
+      {20, 50, 5, 0x000000, 0xFFFFFF, 3, 3},          // n = 1: one ring in the background colour
+      {40, 20, 10, 0x000000, 0xFFFFFF, 0, 0},         // n = 4
+      {70, 45, 10, 0x123456, 0xABCDEF, 5, 2},         // n = 7
+      {300, 200, 5, 0x202020, 0xF0E0D0, 10, 10},      // n = 15, as on a page
+      {510, 100, 50, 0x0000FF, 0x00FF00, 0, 0},       // n = 255, every ring its own weight
+      {600, 300, 50, 0x000000, 0xFFFFFF, -40, -30},   // n = 300, a ring per weight, partly off the surface
+      {601, 80, 77, 0xFFFFFF, 0x000000, 0, 0},        // n = 462, lighter than the background
+      {100, 20, 40, 0x000000, 0xFFFFFF, 0, 0},        // corners wider than the rings are tall
+      {40, 10, 150, 0x404040, 0xFFFFFF, 0, 0},        // rings that turn inside out
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::to_string(c.width) + "x" + std::to_string(c.height) + " at " + std::to_string(c.softness));
+    const int n = c.width * c.softness / 100;
+    const int w = std::max(c.width, n) + n + 10, h = std::max(c.height, n) + n + 10;
+    Surface rings(w, h, Rings::kOneByOne), own(w, h);
+    for (Surface* s : {&rings, &own}) {
+      s->canvas().SetOrigin(c.originX, c.originY);
+      DrawSoftShadow(s->canvas(), 0, 0, c.width, c.height, c.shadow, c.background, c.softness);
+    }
+    EXPECT_EQ(FirstDifference(rings.Pixels(), own.Pixels(), w, {0, 0, w, h}), "");
+  }
+}
+
+TEST(CairoCanvas, ASoftShadowDrawnInAClipIsTheWholeShadowClipped) {
+  // Rectangles of three sizes at every place over the shadow, so that each
+  // ring's edges and rounded corners come inside and outside a clip.
+  const int width = 50, height = 30, softness = 30;  // n = 15
+  const int w = 80, h = 60, originX = 3, originY = 2;
+  Surface whole(w, h, Rings::kOneByOne);
+  whole.canvas().SetOrigin(originX, originY);
+  DrawSoftShadow(whole.canvas(), 0, 0, width, height, 0x000000, 0xFFFFFF, softness);
+  const std::vector<uint32_t> expected = whole.Pixels();
+  Surface culled(w, h, Rings::kOneByOneCulled), own(w, h);
+  const Rect sizes[] = {{0, 0, 1, 1}, {0, 0, 3, 9}, {0, 0, 12, 4}};
+  for (const Rect& size : sizes)
+    for (int y = -2; y < h; ++y)
+      for (int x = -2; x < w; ++x) {
+        const Rect clip = Offset(size, x, y);
+        for (Surface* s : {&culled, &own}) {
+          Canvas& c = s->canvas();
+          c.SetOrigin(0, 0);
+          c.FillRect({0, 0, w, h}, 0xFFFFFF);
+          c.Clip(clip);
+          c.SetOrigin(originX, originY);
+          DrawSoftShadow(c, 0, 0, width, height, 0x000000, 0xFFFFFF, softness);
+          c.Unclip();
+          ASSERT_EQ(FirstDifference(expected, s->Pixels(), w, clip), "")
+              << (s == &culled ? "one by one" : "own") << " in a clip at " << x << "," << y;
+        }
+      }
 }
