@@ -6,6 +6,7 @@
 
 #include "base/program_win32.h"
 #include "calendar/calendar_model.h"
+#include "render/screen_picture_win32.h"
 
 struct AppState {
   HINSTANCE instance = nullptr;
@@ -18,6 +19,7 @@ struct AppState {
   std::string path = "Untitled.CLN";
   int zoom = 100;
   int scrollX = 0, scrollY = 0;  // the zoomed page's offset in the window
+  ScreenPictureCache pictures;    // the page's picture as the view last showed it
 };
 
 extern AppState App;

@@ -142,7 +142,7 @@ void Paint(HWND window) {
   POINT old;
   SetViewportOrgEx(dc, at.x, at.y, &old);
   {
-    GdiCanvas canvas(dc);
+    GdiCanvas canvas(dc, &App.pictures);
     DrawCalendarPage(canvas, {0, 0, Width(page), Height(page)}, App.document, CurrentPage(), false, true, true);
   }
   SetViewportOrgEx(dc, old.x, old.y, nullptr);
@@ -302,6 +302,7 @@ void CheckUnsavedChanges(HWND window) {
 }
 
 void Adopt(HWND window, CalendarDocument document, const std::string& path) {
+  App.pictures.Drop();
   FreeCalendar(App.document);
   App.document = document;
   App.path = path;
@@ -602,6 +603,7 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
     case WM_DROPFILES: FilesDropped(window, reinterpret_cast<HDROP>(wParam)); return 0;
     case WM_CHANGECBCHAIN: ClipboardChainChanged(wParam, lParam); return 0;
     case WM_DESTROY:
+      App.pictures.Drop();
       LeaveClipboardChain(window);
       WinHelpA(window, "QUERNAL.HLP", HELP_QUIT, 0);
       PostQuitMessage(0);

@@ -5,7 +5,9 @@
 #include <cstring>
 
 #include "base/dib.h"
+#include "pictures/picture_preview.h"
 #include "render/primitives_win32.h"
+#include "render/screen_picture_win32.h"
 
 // The placement codes in the records go straight to DrawTextA.
 static_assert(kDtLeft == DT_LEFT && kDtTop == DT_TOP && kDtCenter == DT_CENTER && kDtRight == DT_RIGHT &&
@@ -24,9 +26,15 @@ bool SameFont(const FontSpec& a, const FontSpec& b) {
 }
 }  // namespace
 
-GdiCanvas::GdiCanvas(HDC dc) : dc_(dc) { GetViewportOrgEx(dc_, &baseOrigin_); }
+GdiCanvas::GdiCanvas(HDC dc, ScreenPictureCache* pictures) : dc_(dc), pictures_(pictures) {
+  GetViewportOrgEx(dc_, &baseOrigin_);
+}
 
-GdiCanvas::~GdiCanvas() { EndStage(); }
+GdiCanvas::~GdiCanvas() {
+  EndStage();
+  // A page that no longer shows the kept picture lets it go.
+  if (pictures_ && !pictureKept_) pictures_->Drop();
+}
 
 bool GdiCanvas::Pinned(HGDIOBJ object) const {
   if (object == fonts_.selected || object == pens_.selected || object == brushes_.selected) return true;
@@ -198,31 +206,47 @@ void GdiCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool
     if (part.sourceW <= 0 || part.sourceH <= 0) return;
   }
   if (printing) {
-    // Printers get the Dib itself and scale it at their own resolution. A
+    const bool whole = part.width == width && part.height == height;
+    if (whole && (dibW > width || dibH > height) && PrintReduced(dib, width, height)) return;
+    // Printers get the Dib itself and scale it up at their own resolution. A
     // bottom-up Dib counts its source rows from the bottom.
     const int sourceY = info.header.biHeight > 0 ? dibH - part.sourceTop - part.sourceH : part.sourceTop;
     StretchDIBits(dc_, part.x, part.y, part.width, part.height, part.sourceX, sourceY, part.sourceW, part.sourceH,
                   bits, bmi, DIB_RGB_COLORS, SRCCOPY);
     return;
   }
-  // The screen draws through a bitmap in the display's own format, stretched
-  // with averaging so that reduced photographs stay smooth.
-  HBITMAP bitmap = CreateDIBitmap(dc_, &info.header, CBM_INIT, bits, bmi, DIB_RGB_COLORS);
-  if (!bitmap) return;
-  HDC memory = CreateCompatibleDC(dc_);
-  if (memory) {
-    HGDIOBJ previous = SelectObject(memory, bitmap);
-    const int oldMode = SetStretchBltMode(dc_, HALFTONE);
-    POINT oldBrushOrigin{0, 0};
-    SetBrushOrgEx(dc_, 0, 0, &oldBrushOrigin);  // HALFTONE needs the brush origin reset
-    StretchBlt(dc_, part.x, part.y, part.width, part.height, memory, part.sourceX, part.sourceTop, part.sourceW,
-               part.sourceH, SRCCOPY);
-    SetStretchBltMode(dc_, oldMode);
-    SetBrushOrgEx(dc_, oldBrushOrigin.x, oldBrushOrigin.y, nullptr);
-    SelectObject(memory, previous);
-    DeleteDC(memory);
+  const bool whole = part.width == width && part.height == height;
+  if (pictures_ && whole && pictures_->Draw(dc_, dib, info, bits, width, height)) {
+    pictureKept_ = true;
+    return;
   }
-  DeleteObject(bitmap);
+  StretchToScreen(dc_, info, bits, part.x, part.y, part.width, part.height, part.sourceX, part.sourceTop,
+                  part.sourceW, part.sourceH);
+}
+
+// A picture with more pixels than its box has at the printer's resolution
+// goes to the printer averaged down to the box: a photograph's twelve million
+// pixels would fill the spool with detail no printed dot can show.
+// False when memory for the smaller copy ran out.
+bool GdiCanvas::PrintReduced(BlockHandle dib, int32_t width, int32_t height) {
+  BlockHandle reduced;
+  {
+    BlockLock lock(dib);
+    const auto* header = lock.as<const BitmapInfoHeader>();
+    reduced = DibResampled(dib, std::min(width, header->biWidth), std::min(height, std::abs(header->biHeight)));
+  }
+  bool drawn = false;
+  {
+    BlockLock lock(reduced);
+    DibInfo info;
+    if (const void* bits = ReadDib(reduced, lock, &info)) {
+      StretchDIBits(dc_, 0, 0, width, height, 0, 0, info.header.biWidth, info.header.biHeight, bits,
+                    reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS, SRCCOPY);
+      drawn = true;
+    }
+  }
+  if (reduced) GlobalBlockFree(reduced);
+  return drawn;
 }
 
 void GdiCanvas::SaveState() {

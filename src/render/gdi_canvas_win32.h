@@ -16,11 +16,15 @@
 
 #include "render/canvas.h"
 
+class ScreenPictureCache;
+
 class GdiCanvas : public Canvas {
  public:
   // Logical (0, 0) stays where the device context's viewport origin puts it,
   // so a page can be drawn anywhere on the device by setting that first.
-  explicit GdiCanvas(HDC dc);
+  // The screen's canvas draws pictures from `pictures`, the copy a window
+  // keeps, and drops it when the page drew no picture through it.
+  explicit GdiCanvas(HDC dc, ScreenPictureCache* pictures = nullptr);
   ~GdiCanvas() override;
   GdiCanvas(const GdiCanvas&) = delete;
   GdiCanvas& operator=(const GdiCanvas&) = delete;
@@ -73,9 +77,12 @@ class GdiCanvas : public Canvas {
   void Select(Kind& kind, HGDIOBJ object);
   void MakeRoom(Kind& kind);
   bool Pinned(HGDIOBJ object) const;
+  bool PrintReduced(BlockHandle dib, int32_t width, int32_t height);
   void EndKind(Kind& kind);
 
   HDC dc_;
+  ScreenPictureCache* pictures_;
+  bool pictureKept_ = false;  // a picture was drawn through pictures_
   POINT baseOrigin_{0, 0};
   Kind fonts_, pens_, brushes_;
   std::vector<Selection> saved_;

@@ -4,8 +4,10 @@
 #include <utility>
 
 #include "base/dib.h"
+#include "bench/photo_calendar.h"
 #include "gdi_test_support.h"
 #include "render/gdi_canvas_win32.h"
+#include "render/screen_picture_win32.h"
 #include "test_support.h"
 
 TEST_F(QuernalTest, GdiStagesReuseTheirObjectsAndGiveThemBack) {
@@ -88,4 +90,54 @@ TEST_F(QuernalTest, GdiPicturesAreUprightAndTakeTheWholeColourTable) {
     }
   }
   GlobalBlockFree(dib);
+}
+
+// The screen keeps a picture stretched to the size it shows it at. Drawn from
+// that copy, whole or in part, the page has exactly the pixels of the picture
+// stretched whole onto it afresh; a new picture, a new size or a page without
+// a picture lets the copy go. (Wine stretches a clipped part a little
+// differently from the whole, so that a partial repaint used to leave seams;
+// from the copy, every repaint shows the whole stretch's pixels.)
+TEST_F(QuernalTest, KeptScreenPicturesDrawTheSamePixelsAsFreshOnes) {
+  BlockHandle photo = PhotoLikePicture(1200, 900, 3), other = PhotoLikePicture(1200, 900, 4);
+  ScreenPictureCache kept;
+  struct {
+    int width, height;
+    RECT clip;  // a part of the view repainted alone; empty: all of it
+  } draws[] = {{301, 226, {}}, {301, 226, {40, 30, 90, 200}}, {1500, 1125, {}}, {1500, 1125, {700, 3, 1505, 9}}};
+  int made = 0;
+  for (const auto& d : draws) {
+    SCOPED_TRACE(d.width);
+    auto draw = [&](DibSurface& surface, ScreenPictureCache* pictures, BlockHandle dib) {
+      GdiCanvas canvas(surface.dc(), pictures);
+      canvas.SetOrigin(7, 5);
+      canvas.DrawPicture(dib, d.width, d.height, false);
+      canvas.SetOrigin(0, 0);
+    };
+    const int w = d.width + 10, h = d.height + 10;
+    DibSurface fresh(w, h, RGB(255, 255, 255)), fromCopy(w, h, RGB(255, 255, 255)), expected(w, h, RGB(255, 255, 255));
+    draw(fresh, nullptr, photo);
+    const RECT part = d.clip.right ? d.clip : RECT{0, 0, w, h};
+    BitBlt(expected.dc(), part.left, part.top, part.right - part.left, part.bottom - part.top, fresh.dc(), part.left,
+           part.top, SRCCOPY);
+    IntersectClipRect(fromCopy.dc(), part.left, part.top, part.right, part.bottom);
+    draw(fromCopy, &kept, photo);
+    EXPECT_EQ(expected.Differing(fromCopy), 0);
+    // The size changed: a new copy; the same size again: none.
+    EXPECT_EQ(kept.made(), made + (d.clip.right ? 0 : 1));
+    made = kept.made();
+  }
+  DibSurface surface(320, 240, RGB(255, 255, 255));
+  const auto drawOn = [&](BlockHandle dib) {
+    GdiCanvas canvas(surface.dc(), &kept);
+    if (dib) canvas.DrawPicture(dib, 300, 225, false);
+  };
+  drawOn(photo);
+  drawOn(other);
+  EXPECT_EQ(kept.made(), made + 2);
+  EXPECT_NE(surface.Pixel(150, 100), RGB(255, 255, 255));
+  drawOn(0);
+  EXPECT_FALSE(kept.Holds());
+  GlobalBlockFree(photo);
+  GlobalBlockFree(other);
 }

@@ -1,5 +1,7 @@
 #include "gdi_test_support.h"
 
+#include <cstring>
+
 #include "base/dib.h"
 
 namespace {
@@ -44,6 +46,16 @@ int DibSurface::Count(int left, int top, int right, int bottom, COLORREF colour)
   int n = 0;
   for (int y = top; y < bottom; ++y)
     for (int x = left; x < right; ++x) n += Pixel(x, y) == colour;
+  return n;
+}
+
+int DibSurface::Differing(const DibSurface& other) const {
+  GdiFlush();
+  if (other.width_ != width_ || other.height_ != height_) return width_ * height_;
+  int n = 0;
+  for (int y = 0; y < height_; ++y)
+    for (int x = 0; x < width_ * 3; x += 3)
+      n += std::memcmp(bits_ + y * stride_ + x, other.bits_ + y * stride_ + x, 3) != 0;
   return n;
 }
 

@@ -17,6 +17,8 @@ class DibSurface {
   COLORREF Pixel(int x, int y) const;
   // Pixels of exactly `colour` in {left, top, right, bottom}, right and bottom exclusive.
   int Count(int left, int top, int right, int bottom, COLORREF colour) const;
+  // Pixels that differ from those of a surface of the same size.
+  int Differing(const DibSurface& other) const;
 
  private:
   int width_, height_, stride_;

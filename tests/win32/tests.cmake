@@ -17,7 +17,7 @@ add_executable(quernal_win32_tests
 set_source_files_properties(${PROJECT_SOURCE_DIR}/res/Quernal.rc PROPERTIES
   INCLUDE_DIRECTORIES "${PROJECT_SOURCE_DIR};${PROJECT_SOURCE_DIR}/src;${PROJECT_SOURCE_DIR}/res"
     OBJECT_DEPENDS "${quernal_resource_parts}")
-target_link_libraries(quernal_win32_tests PRIVATE quernal_render quernal_print quernal_calendar ${gtest_main_target})
+target_link_libraries(quernal_win32_tests PRIVATE quernal_render quernal_print quernal_calendar quernal_photo_calendar ${gtest_main_target})
 target_include_directories(quernal_win32_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/../unit ${PROJECT_SOURCE_DIR}/src)
 
 # The theme loader, toolbar and start-up support: they load the real
