@@ -1,11 +1,13 @@
 // The GDI canvas on a memory device context: what a stage keeps and gives
 // back, and how Dibs reach the device.
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 #include "base/dib.h"
 #include "bench/photo_calendar.h"
 #include "gdi_test_support.h"
+#include "pictures/picture_preview.h"
 #include "render/gdi_canvas_win32.h"
 #include "render/screen_picture_win32.h"
 #include "test_support.h"
@@ -140,4 +142,20 @@ TEST_F(QuernalTest, KeptScreenPicturesDrawTheSamePixelsAsFreshOnes) {
   EXPECT_FALSE(kept.Holds());
   GlobalBlockFree(photo);
   GlobalBlockFree(other);
+}
+
+// The printer gets a picture larger than its box averaged down to the box,
+// pixel for pixel; a smaller one as it is, to be scaled up by the printer.
+TEST_F(QuernalTest, PrintedPicturesHaveNoMorePixelsThanTheirBox) {
+  BlockHandle photo = PhotoLikePicture(1200, 900, 5), small = PhotoLikePicture(30, 20, 6);
+  for (const auto& [dib, w, h] : {std::make_tuple(photo, 300, 225), std::make_tuple(small, 30, 20)}) {
+    DibSurface printed(w, h, RGB(255, 255, 255)), reference(w, h, RGB(255, 255, 255));
+    GdiCanvas(printed.dc()).DrawPicture(dib, w, h, true);
+    BlockHandle expected = dib == photo ? DibResampled(photo, w, h) : DuplicateBlock(small);
+    GdiCanvas(reference.dc()).DrawPicture(expected, w, h, true);
+    EXPECT_EQ(printed.Differing(reference), 0) << w;
+    GlobalBlockFree(expected);
+  }
+  GlobalBlockFree(photo);
+  GlobalBlockFree(small);
 }
