@@ -281,3 +281,11 @@ void GdiCanvas::Clip(const Rect& r) {
 void GdiCanvas::Unclip() { SelectClipRgn(dc_, nullptr); }
 
 Colour GdiCanvas::ButtonShadowColour() { return GetSysColor(COLOR_BTNSHADOW); }
+
+bool GdiCanvas::VisibleBox(Rect* box) {
+  RECT r;
+  const int kind = GetClipBox(dc_, &r);
+  if (kind == ERROR) return false;
+  *box = kind == NULLREGION ? Rect{0, 0, 0, 0} : Rect{r.left, r.top, r.right, r.bottom};
+  return true;
+}

@@ -50,6 +50,7 @@ class GdiCanvas : public Canvas {
   void Clip(const Rect& r) override;
   void Unclip() override;
   Colour ButtonShadowColour() override;
+  bool VisibleBox(Rect* box) override;
 
   // Objects a stage keeps per kind before it deletes the least recently used.
   static constexpr size_t kCachePerKind = 8;

@@ -9,6 +9,7 @@
 #include "gdi_test_support.h"
 #include "pictures/picture_preview.h"
 #include "render/gdi_canvas_win32.h"
+#include "render/primitives.h"
 #include "render/screen_picture_win32.h"
 #include "test_support.h"
 
@@ -158,4 +159,23 @@ TEST_F(QuernalTest, PrintedPicturesHaveNoMorePixelsThanTheirBox) {
   }
   GlobalBlockFree(photo);
   GlobalBlockFree(small);
+}
+
+// Where only part of the device is drawn, a soft shadow skips the rings that
+// cannot show there, and the part shows exactly what the whole shadow shows.
+TEST_F(QuernalTest, ASoftShadowDrawnInPartMatchesTheWholeShadow) {
+  const RECT parts[] = {{0, 0, 400, 300}, {150, 100, 200, 140}, {0, 0, 30, 300}, {370, 250, 400, 300}, {5, 5, 6, 6}};
+  const auto shadow = [](HDC dc) {
+    GdiCanvas canvas(dc);
+    DrawSoftShadow(canvas, 0, 0, 360, 260, RGB(20, 40, 60), RGB(250, 240, 230), 10);
+  };
+  DibSurface whole(400, 300, RGB(255, 255, 255));
+  shadow(whole.dc());
+  for (const RECT& r : parts) {
+    DibSurface part(400, 300, RGB(255, 255, 255)), expected(400, 300, RGB(255, 255, 255));
+    IntersectClipRect(part.dc(), r.left, r.top, r.right, r.bottom);
+    shadow(part.dc());
+    BitBlt(expected.dc(), r.left, r.top, r.right - r.left, r.bottom - r.top, whole.dc(), r.left, r.top, SRCCOPY);
+    EXPECT_EQ(part.Differing(expected), 0) << r.left << "," << r.top;
+  }
 }
