@@ -3,15 +3,18 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "base/dib.h"
+#include "bench/photo_calendar.h"
 #include "calendar/calendar_file.h"
 #include "calendar/event_list.h"
+#include "calendar/picture_streams.h"
 #include "config/settings.h"
 #include "test_support.h"
-
 
 namespace {
 
@@ -26,6 +29,7 @@ class RecordingProgress : public FileProgress {
   void End() override { log.push_back("end"); }
   bool AskYesNo(const char* question) override {
     EXPECT_STREQ(question, kDamagedRecordQuestion);
+    log.push_back("ask");
     ++questions;
     return answer_;
   }
@@ -45,9 +49,34 @@ uint32_t U32At(const std::string& bytes, size_t offset) {
 }
 void PutU32(std::string* bytes, size_t offset, uint32_t v) { std::memcpy(&(*bytes)[offset], &v, 4); }
 
+// Where each picture stream of a file lies: the cover's, then the months'
+// (empty where a record carries none).
+struct StreamSpan {
+  size_t at = 0, length = 0;
+};
+std::vector<StreamSpan> StreamSpans(const std::string& bytes) {
+  std::vector<StreamSpan> spans;
+  size_t at = U32At(bytes, 4);
+  spans.push_back({kHeaderSize, at - kHeaderSize});
+  for (int month = 0; month < 12; at += U32At(bytes, at + 4), ++month)
+    spans.push_back({at + kMonthPageSize, U32At(bytes, at + 4) - kMonthPageSize});
+  return spans;
+}
+std::vector<std::string> Streams(const std::string& bytes) {
+  std::vector<std::string> streams;
+  for (StreamSpan s : StreamSpans(bytes)) streams.push_back(bytes.substr(s.at, s.length));
+  return streams;
+}
+
 class CalendarFileTest : public QuernalTest {
  protected:
   std::string path_ = dir_.File("Family Year.CLN");
+
+  // What one test saved or opened says nothing to the next.
+  void SetUp() override {
+    QuernalTest::SetUp();
+    ForgetPictureStreams();
+  }
 
   // A calendar with a cover picture and pictures on the months given.
   CalendarDocument WithPictures(std::initializer_list<int> months) {
@@ -412,4 +441,192 @@ TEST_F(CalendarFileTest, AStreamThatInflatesBeyondTheLimitIsRefused) {
   uint32_t inOut = static_cast<uint32_t>(ReadFile(path_).size());
   EXPECT_EQ(InflateBlockFromFileGrowing(f, &inOut), 0u);
   std::fclose(f);
+}
+
+TEST_F(CalendarFileTest, EveryStreamIsWhatCompressBlockToFileWrites) {
+  // Pictures of every kind and size on all thirteen pages, so that the
+  // workers finish out of order.
+  CalendarDocument doc = CreateCalendar(2026, 0);
+  CalendarHeader h;
+  GetHeader(doc, &h);
+  h.CoverPicture = PhotoLikePicture(320, 240, 13);
+  h.CoverPictureShowPicture = 1;
+  PutHeader(doc, &h);
+  const int bits[] = {1, 4, 8, 24};
+  for (int m = 0; m < 12; ++m) {
+    MonthPage p = Page(doc, m);
+    p.Picture = m % 3 ? MakePatternDib(90 + m, 70, bits[m % 4], m) : PhotoLikePicture(400 - 30 * m, 150, m);
+    PutMonthPage(doc, m, &p);
+  }
+  const std::string reference = dir_.File("reference.bin");
+  for (int level : {1, 2, 6, 9}) {
+    SCOPED_TRACE(level);
+    Settings.ImageCompression = level;
+    ASSERT_EQ(Save(doc, path_), 1);
+    EXPECT_EQ(LastSaveStreamCounts().compressed, 13);
+    const std::vector<std::string> streams = Streams(ReadFile(path_));
+    for (int page = 0; page < 13; ++page) {
+      BlockHandle picture = page ? Page(doc, page - 1).Picture : h.CoverPicture;
+      std::FILE* f = std::fopen(reference.c_str(), "wb");
+      uint32_t size = GlobalBlockSize(picture);
+      ASSERT_TRUE(CompressBlockToFile(f, picture, &size, level));
+      std::fclose(f);
+      EXPECT_EQ(streams[page], ReadFile(reference)) << "page " << page;
+    }
+  }
+  FreeCalendar(doc);
+}
+
+namespace {
+// The page editor's way: a deep copy of May's record with a new caption and a
+// new block of the same pixels takes the record's place.
+void CaptionOnACopy(CalendarDocument doc, const std::string&) {
+  MonthPage old, page;
+  GetMonthPage(doc, 5, &old);
+  page = old;
+  page.Picture = DuplicateBlock(old.Picture);
+  std::strcpy(page.LeftCaption, "Changed");
+  GlobalBlockFree(old.Picture);
+  PutMonthPage(doc, 5, &page);
+}
+}  // namespace
+
+TEST_F(CalendarFileTest, UnchangedPicturesAreCopiedFromTheFileTheyCameFrom) {
+  namespace fs = std::filesystem;
+  struct Case {
+    const char* what;
+    int savedAt;    // the level of the first file's streams
+    bool reopened;  // the calendar saved again is the file read back, not the one that wrote it
+    void (*change)(CalendarDocument doc, const std::string& first);
+    int saveAt;
+    int copied;  // of the four pictures
+  };
+  const Case cases[] = {
+      {"a caption changed on a copy of the page", 6, true, CaptionOnACopy, 6, 4},
+      {"the same in the calendar that wrote the file", 6, false, CaptionOnACopy, 6, 4},
+      {"a level of the same header field, for a stream read", 3, true, nullptr, 4, 4},
+      {"a level of the same header field, for a stream written", 3, false, nullptr, 4, 0},
+      {"another level", 6, true, nullptr, 9, 0},
+      {"the last byte of a picture",
+       6, true, [](CalendarDocument doc, const std::string&) {
+         MonthPage p;
+         GetMonthPage(doc, 5, &p);
+         BlockLock(p.Picture).bytes()[GlobalBlockSize(p.Picture) - 1] ^= 1;
+       }, 6, 3},
+      {"the file's time",
+       6, true, [](CalendarDocument, const std::string& first) {
+         fs::last_write_time(first, fs::last_write_time(first) - std::chrono::hours(1));
+       }, 6, 0},
+      {"the file's size, its time put back",
+       6, true, [](CalendarDocument, const std::string& first) {
+         const auto time = fs::last_write_time(first);
+         std::ofstream(first, std::ios::app) << 'x';
+         fs::last_write_time(first, time);
+       }, 6, 0},
+  };
+  const std::string second = dir_.File("second.CLN");
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    ForgetPictureStreams();
+    Settings.ImageCompression = c.savedAt;
+    CalendarDocument doc = WithPictures({0, 5, 11});
+    ASSERT_EQ(Save(doc, path_), 1);
+    if (c.reopened) {
+      FreeCalendar(doc);
+      doc = Load(path_);
+      ASSERT_NE(doc, 0u);
+    }
+    if (c.change) c.change(doc, path_);
+    Settings.ImageCompression = c.saveAt;
+    ASSERT_EQ(Save(doc, second), 1);
+    EXPECT_EQ(LastSaveStreamCounts().copied, c.copied);
+    EXPECT_EQ(LastSaveStreamCounts().compressed, 4 - c.copied);
+    if (c.copied == 4) {
+      EXPECT_EQ(Streams(ReadFile(second)), Streams(ReadFile(path_)));
+    }
+    CalendarDocument back = Load(second);
+    ASSERT_NE(back, 0u);
+    CalendarHeader h, hb;
+    GetHeader(doc, &h);
+    GetHeader(back, &hb);
+    EXPECT_EQ(BlockBytes(hb.CoverPicture), BlockBytes(h.CoverPicture));
+    for (int m : {0, 5, 11}) EXPECT_EQ(BlockBytes(Page(back, m).Picture), BlockBytes(Page(doc, m).Picture)) << m;
+    FreeCalendar(back);
+    FreeCalendar(doc);
+  }
+
+  // Saving over the very file the streams are copied from.
+  const std::string before = ReadFile(second);
+  CalendarDocument doc = Load(second);
+  ASSERT_EQ(Save(doc, second), 1);
+  EXPECT_EQ(LastSaveStreamCounts().copied, 4);
+  EXPECT_EQ(ReadFile(second), before);
+  FreeCalendar(doc);
+}
+
+TEST_F(CalendarFileTest, DamagedPicturesAskInMonthOrderWhileTheOthersInflate) {
+  const std::string good = SavedWith({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11});
+  const std::vector<StreamSpan> spans = StreamSpans(good);  // by page: 0 the cover, 1.. the months
+  struct Case {
+    const char* what;
+    std::set<int> damaged;  // pages whose stream has a flipped byte, or ends the file
+    int broken;             // a month page whose record is gone or broken, or 0
+    bool cut;               // the file ends inside the damaged page's stream
+    bool answer;
+  };
+  const Case cases[] = {
+      {"two damaged pictures, Yes", {3, 10}, 0, false, true},
+      {"two damaged pictures, No", {3, 10}, 0, false, false},
+      {"a damaged cover, No", {0}, 0, false, false},
+      {"a damaged picture before a broken record", {2}, 11, false, true},
+      {"the file ends inside July's picture", {7}, 8, true, true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    std::string bytes = good;
+    for (int page : c.damaged) bytes[spans[page].at + spans[page].length / 2] ^= 0x55;
+    if (c.broken && !c.cut) bytes[spans[c.broken].at - kMonthPageSize] = 'p';
+    if (c.cut) bytes.resize(spans[*c.damaged.begin()].at + 100);
+    WriteFile(path_, bytes);
+    // As when the pictures were read one after the other.
+    std::vector<std::string> expected = {"begin Opening Family Year.CLN", "bar 1/12"};
+    bool loads = true;
+    for (int page = 0; page < 13 && loads; ++page) {
+      if (c.broken && page == c.broken) loads = false;
+      else if (c.damaged.count(page)) expected.push_back("ask"), loads = c.answer;
+      if (loads && page > 0) expected.push_back("bar " + std::to_string(page) + "/12");
+    }
+    expected.push_back("end");
+
+    RecordingProgress progress(c.answer);
+    CalendarDocument back = LoadCalendar(&progress, path_.c_str());
+    EXPECT_EQ(progress.log, expected);
+    ASSERT_EQ(back != 0, loads);
+    for (int m = 0; back && m < 12; ++m) EXPECT_EQ(Page(back, m).Picture == 0, c.damaged.count(m + 1) > 0) << m;
+    if (back) FreeCalendar(back);
+  }
+}
+
+TEST(BlockChecksumTest, AnyChangedByteOrLengthGivesAnotherSum) {
+  std::vector<uint8_t> bytes(1003);
+  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i * 7);
+  const uint64_t sum = ChecksumOf(bytes.data(), bytes.size());
+  // Taken in as the block fills, in pieces of any length, the sum is the same.
+  BlockChecksum pieces;
+  for (size_t upTo = 0; upTo < bytes.size(); upTo += 37) pieces.Absorb(bytes.data(), upTo);
+  EXPECT_EQ(pieces.Finish(bytes.data(), bytes.size()), sum);
+
+  std::set<uint64_t> seen = {sum};
+  // Single bytes at the ends of words, lanes and the tail past the last whole
+  // 32 bytes; and the top bits of two words of one lane, which multiplying
+  // alone would let cancel out.
+  const std::vector<std::vector<size_t>> changes = {{0}, {7}, {8}, {31}, {32}, {500}, {999}, {1002}, {7, 39}};
+  for (const auto& change : changes) {
+    for (size_t at : change) bytes[at] ^= 0x80;
+    EXPECT_TRUE(seen.insert(ChecksumOf(bytes.data(), bytes.size())).second) << change[0];
+    for (size_t at : change) bytes[at] ^= 0x80;
+  }
+  // Zero bytes count too.
+  const std::vector<uint8_t> zeros(64);
+  for (size_t n = 0; n <= zeros.size(); ++n) EXPECT_TRUE(seen.insert(ChecksumOf(zeros.data(), n)).second) << n;
 }
