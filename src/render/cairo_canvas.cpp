@@ -96,45 +96,154 @@ cairo_surface_t* DibToSurface(const uint8_t* dib) {
   return surface;
 }
 
+// Columns [from, to) of row y of the Dib as blue, green and red bytes: a
+// 24-bit row in place, any other converted through `pixels` into `bytes`.
+const uint8_t* RowBytes(const uint8_t* dib, int y, int from, int to, std::vector<uint32_t>& pixels,
+                        std::vector<uint8_t>& bytes) {
+  const BitmapInfoHeader& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
+  if (h.biBitCount == 24) {
+    const int height = std::abs(h.biHeight);
+    return dib + DibBitsOffset(h) + (h.biHeight > 0 ? height - 1 - y : y) * DibRowStride(h.biWidth, 24) +
+           size_t(from) * 3;
+  }
+  DibRowToPixels(dib, y, pixels.data());
+  for (int x = from; x < to; ++x) {
+    uint8_t* b = &bytes[size_t(x - from) * 3];
+    b[0] = pixels[x] & 255, b[1] = pixels[x] >> 8 & 255, b[2] = pixels[x] >> 16 & 255;
+  }
+  return bytes.data();
+}
+
+// Dividing by n where n is the number of pixels a sum of bytes adds up:
+// through a multiplication when n <= 2^16, which is exact there because the
+// dividend stays below 256 n, so that 2^40 >= 256 n^2 absorbs the rounding of
+// the reciprocal.
+constexpr uint64_t kMostDividedByMultiplying = 1 << 16;
+uint64_t Reciprocal(uint64_t n) { return ((uint64_t(1) << 40) + n - 1) / n; }
+// sum / n rounded to the nearest (0 for no pixels); sum is at most 255 n.
+uint32_t Mean(uint64_t sum, uint64_t n) {
+  if (n == 0) return 0;
+  const uint64_t x = sum + n / 2;
+  return static_cast<uint32_t>(n <= kMostDividedByMultiplying ? x * Reciprocal(n) >> 40 : x / n);
+}
+
+// Source rows added up byte by byte in 16 bits: at most this many rows fit.
+constexpr int kRowsPerSum = 65535 / 255;
+
+// sum[i] = row[i] (first) or sum[i] += row[i], in blocks of 16 that the
+// compiler turns into vector instructions.
+void AddRow(const uint8_t* __restrict row, uint16_t* __restrict sum, size_t n, bool first) {
+  size_t i = 0;
+  if (first) {
+    for (; i + 16 <= n; i += 16)
+      for (int k = 0; k < 16; ++k) sum[i + k] = row[i + k];
+    for (; i < n; ++i) sum[i] = row[i];
+    return;
+  }
+  for (; i + 16 <= n; i += 16)
+    for (int k = 0; k < 16; ++k) sum[i + k] = static_cast<uint16_t>(sum[i + k] + row[i + k]);
+  for (; i < n; ++i) sum[i] = static_cast<uint16_t>(sum[i] + row[i]);
+}
+
+// How the column sums of an output row become its pixels: the reciprocals
+// and halves of the pixel counts of its means, `fewest` columns or one more.
+struct Means {
+  uint64_t reciprocal[2], half[2];
+  uint32_t alpha;
+};
+
+// An output row's pixels from its column sums, where every mean takes at most
+// 2^16 pixels; without a branch that depends on the column, and for the
+// commonest counts with a loop the compiler unrolls (kFewest 0: any count).
+template <int kFewest>
+void AverageColumns(const uint16_t* sum, const int* first, int columns, int fewest, const Means& m, uint32_t* pixel) {
+  const int count = kFewest ? kFewest : fewest;
+  for (int c = 0; c < columns; ++c) {
+    uint32_t b = 0, g = 0, r = 0;
+    for (int i = 0; i < count; ++i, sum += 3) b += sum[0], g += sum[1], r += sum[2];
+    const int extra = first[c + 1] - first[c] - count;  // 0 or 1
+    b += extra * sum[0], g += extra * sum[1], r += extra * sum[2];
+    sum += 3 * extra;
+    const uint64_t reciprocal = m.reciprocal[extra], half = m.half[extra];
+    pixel[c] = m.alpha | uint32_t((r + half) * reciprocal >> 40) << 16 | uint32_t((g + half) * reciprocal >> 40) << 8 |
+               uint32_t((b + half) * reciprocal >> 40);
+  }
+}
+
 // The part `part` (in output pixels) of the Dib shrunk to width x height, by
 // averaging every source pixel into the output pixel it falls in: a
-// photograph shrunk to a page keeps its detail smooth, in one pass over the
-// source rows that part needs.
-cairo_surface_t* ShrinkDib(const uint8_t* dib, int width, int height, const Rect& part) {
+// photograph shrunk to a page keeps its detail smooth. Source pixel (x, y)
+// falls in output column x * width / sourceW and row y * height / sourceH
+// (whole numbers), so an output pixel averages a block of whole source pixels.
+// Each output row first adds up its source rows column by column, then the
+// columns of each output pixel; every source pixel is read once.
+// The pixels go to `image` (rows `stride` bytes apart) with `alpha` in their
+// top byte.
+void ShrinkDib(const uint8_t* dib, int width, int height, const Rect& part, uint8_t* image, int stride,
+               uint32_t alpha) {
   const BitmapInfoHeader& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
   const int sourceW = h.biWidth, sourceH = std::abs(h.biHeight);
   const int partW = Width(part), partH = Height(part);
-  cairo_surface_t* surface = NewImage(partW, partH);
-  if (!surface) return nullptr;
-  cairo_surface_flush(surface);
-  std::vector<int> columnOf(sourceW);  // the part's column, or -1 outside it
-  std::vector<uint32_t> count(partW, 0);
-  for (int x = 0; x < sourceW; ++x) {
-    const int column = static_cast<int>(int64_t(x) * width / sourceW) - part.left;
-    columnOf[x] = column >= 0 && column < partW ? column : -1;
-    if (columnOf[x] >= 0) ++count[column];
-  }
-  std::vector<uint32_t> row(sourceW), sums(size_t(partW) * 3);
-  int y = static_cast<int>(int64_t(part.top) * sourceH / height);
+  if (partW <= 0 || partH <= 0 || width > sourceW || height > sourceH) return;  // shrinking only
+  // Output column part.left + c takes the source columns [first[c], first[c + 1]):
+  // `fewest` of them or one more.
+  std::vector<int> first(size_t(partW) + 1);
+  for (int c = 0; c <= partW; ++c)
+    first[c] = static_cast<int>((int64_t(part.left + c) * sourceW + width - 1) / width);
+  const int from = first[0], to = first[partW];
+  int fewest = INT32_MAX;
+  for (int c = 0; c < partW; ++c) fewest = std::min(fewest, first[c + 1] - first[c]);
+  // The column sums, and a pixel of zeros past them for the column loop to read.
+  std::vector<uint16_t> sums(size_t(to - from + 1) * 3);
+  const size_t summed = sums.size() - 3;
+  std::vector<uint64_t> totals(size_t(partW) * 3);
+  std::vector<uint32_t> pixels(h.biBitCount == 24 ? 0 : sourceW);
+  std::vector<uint8_t> bytes(h.biBitCount == 24 ? 0 : summed);
   for (int out = part.top; out < part.bottom; ++out) {
-    std::fill(sums.begin(), sums.end(), 0);
-    const int end = static_cast<int>(int64_t(out + 1) * sourceH / height);
-    const int rows = end - y;
-    for (; y < end; ++y) {
-      DibRowToPixels(dib, y, row.data());
-      for (int x = 0; x < sourceW; ++x) {
-        if (columnOf[x] < 0) continue;
-        uint32_t* s = &sums[size_t(columnOf[x]) * 3];
-        s[0] += row[x] >> 16 & 255, s[1] += row[x] >> 8 & 255, s[2] += row[x] & 255;
+    const int top = static_cast<int>(int64_t(out) * sourceH / height);
+    const int bottom = static_cast<int>(int64_t(out + 1) * sourceH / height);
+    const uint64_t rows = uint64_t(bottom - top);
+    const uint64_t fewer = uint64_t(fewest) * rows, more = fewer + rows;  // the pixels a mean takes
+    uint32_t* pixel = reinterpret_cast<uint32_t*>(image + size_t(out - part.top) * stride);
+    // Rows in groups that 16 bits can add up, then the columns of each output pixel.
+    for (int y = top; y < bottom;) {
+      const int start = y, end = std::min(bottom, y + kRowsPerSum);
+      for (; y < end; ++y) AddRow(RowBytes(dib, y, from, to, pixels, bytes), sums.data(), summed, y == start);
+      const uint16_t* sum = sums.data();
+      uint64_t* total = totals.data();
+      if (end == bottom && start == top && more <= kMostDividedByMultiplying) {
+        // The usual case, one group and small means: straight to the pixels.
+        const Means means{Reciprocal(fewer), Reciprocal(more), fewer / 2, more / 2, alpha};
+        if (fewest == 2) AverageColumns<2>(sum, first.data(), partW, fewest, means, pixel);
+        else if (fewest == 1) AverageColumns<1>(sum, first.data(), partW, fewest, means, pixel);
+        else AverageColumns<0>(sum, first.data(), partW, fewest, means, pixel);
+        break;
+      }
+      for (int c = 0; c < partW; ++c, total += 3) {
+        uint64_t b = 0, g = 0, r = 0;
+        for (const uint16_t* end = sums.data() + size_t(first[c + 1] - from) * 3; sum < end; sum += 3)
+          b += sum[0], g += sum[1], r += sum[2];
+        if (start == top) total[0] = b, total[1] = g, total[2] = r;
+        else total[0] += b, total[1] += g, total[2] += r;
+      }
+      if (y < bottom) continue;
+      total = totals.data();
+      for (int c = 0; c < partW; ++c, total += 3) {
+        const uint64_t n = first[c + 1] - first[c] == fewest ? fewer : more;
+        pixel[c] = alpha | Mean(total[2], n) << 16 | Mean(total[1], n) << 8 | Mean(total[0], n);
       }
     }
-    uint32_t* pixel = reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(surface) +
-                                                  (out - part.top) * cairo_image_surface_get_stride(surface));
-    for (int x = 0; x < partW; ++x) {
-      const uint32_t n = count[x] * rows, *s = &sums[size_t(x) * 3];
-      pixel[x] = n ? (s[0] + n / 2) / n << 16 | (s[1] + n / 2) / n << 8 | (s[2] + n / 2) / n : 0;
-    }
+    if (top == bottom) std::fill(pixel, pixel + partW, alpha);  // no rows to average: black
   }
+}
+
+// The same as a new image of the part's size.
+cairo_surface_t* ShrinkDib(const uint8_t* dib, int width, int height, const Rect& part) {
+  cairo_surface_t* surface = NewImage(Width(part), Height(part));
+  if (!surface) return nullptr;
+  cairo_surface_flush(surface);
+  ShrinkDib(dib, width, height, part, cairo_image_surface_get_data(surface), cairo_image_surface_get_stride(surface),
+            0);
   cairo_surface_mark_dirty(surface);
   return surface;
 }
@@ -249,7 +358,7 @@ void CairoCanvas::Shape(const Rect& given, int32_t ellipseWidth, int32_t ellipse
 void CairoCanvas::DrawShadowRings(const ShadowRings& s) {
   // Vector output keeps the rings themselves: a viewer smooths the edges of
   // what it shows, and frames side by side would show seams.
-  if (!PixelsAreDevicePixels()) return Canvas::DrawShadowRings(s);
+  if (!PixelsAreDevicePixels(nullptr, nullptr)) return Canvas::DrawShadowRings(s);
   // Drawn ring by ring, the middle of a shadow is painted once per ring.
   // Here each ring paints only the pixels that are in it or in the next ring
   // but not in both (its outline and the next one's, filled by the even-odd
@@ -289,15 +398,49 @@ bool CairoCanvas::VisibleBox(Rect* box) {
   return true;
 }
 
-bool CairoCanvas::PixelsAreDevicePixels() {
+bool CairoCanvas::PixelsAreDevicePixels(int* shiftX, int* shiftY) {
   cairo_surface_t* target = cairo_get_target(cr_);
   if (cairo_surface_get_type(target) != CAIRO_SURFACE_TYPE_IMAGE) return false;
   cairo_matrix_t m;
   cairo_get_matrix(cr_, &m);
-  double scaleX, scaleY;
+  double scaleX, scaleY, offsetX, offsetY;
   cairo_surface_get_device_scale(target, &scaleX, &scaleY);
-  return m.xx == 1 && m.yy == 1 && m.xy == 0 && m.yx == 0 && m.x0 == std::floor(m.x0) && m.y0 == std::floor(m.y0) &&
-         scaleX == 1 && scaleY == 1;
+  cairo_surface_get_device_offset(target, &offsetX, &offsetY);
+  const double x = m.x0 + offsetX, y = m.y0 + offsetY;
+  if (m.xx != 1 || m.yy != 1 || m.xy != 0 || m.yx != 0 || scaleX != 1 || scaleY != 1 || x != std::floor(x) ||
+      y != std::floor(y) || std::abs(x) > kCairoLimit || std::abs(y) > kCairoLimit)
+    return false;
+  if (shiftX) *shiftX = static_cast<int>(x), *shiftY = static_cast<int>(y);
+  return true;
+}
+
+bool CairoCanvas::ShrinkOntoTarget(const uint8_t* dib, int width, int height, const Rect& part) {
+  // Only where the result is the same as painting the shrunk part: an image
+  // of opaque pixels whose units are its pixels, and a clip that is one
+  // rectangle holding the part.
+  int shiftX, shiftY;
+  if (!PixelsAreDevicePixels(&shiftX, &shiftY)) return false;
+  cairo_surface_t* target = cairo_get_target(cr_);
+  const cairo_format_t format = cairo_image_surface_get_format(target);
+  if (format != CAIRO_FORMAT_RGB24 && format != CAIRO_FORMAT_ARGB32) return false;
+  const Rect on = Offset(part, state_.originX, state_.originY);  // in user units
+  cairo_rectangle_list_t* clip = cairo_copy_clip_rectangle_list(cr_);
+  bool open = clip->status == CAIRO_STATUS_SUCCESS && clip->num_rectangles == 1;
+  if (open) {
+    const cairo_rectangle_t& r = clip->rectangles[0];
+    open = r.x <= on.left && r.y <= on.top && r.x + r.width >= on.right && r.y + r.height >= on.bottom;
+  }
+  cairo_rectangle_list_destroy(clip);
+  const Rect device = Offset(on, shiftX, shiftY);
+  if (!open || device.left < 0 || device.top < 0 || device.right > cairo_image_surface_get_width(target) ||
+      device.bottom > cairo_image_surface_get_height(target))
+    return false;
+  cairo_surface_flush(target);
+  const int stride = cairo_image_surface_get_stride(target);
+  uint8_t* corner = cairo_image_surface_get_data(target) + size_t(device.top) * stride + size_t(device.left) * 4;
+  ShrinkDib(dib, width, height, part, corner, stride, 0xFF000000);
+  cairo_surface_mark_dirty_rectangle(target, device.left, device.top, Width(device), Height(device));
+  return true;
 }
 
 void CairoCanvas::Rectangle(const Rect& r) { Shape(r, 0, 0); }
@@ -402,6 +545,7 @@ void CairoCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bo
   // carries the picture at the page's resolution.
   cairo_surface_t* scaled = nullptr;
   if (width <= h.biWidth && height <= std::abs(h.biHeight)) {
+    if (ShrinkOntoTarget(lock.bytes(), width, height, part)) return;
     scaled = ShrinkDib(lock.bytes(), width, height, part);
   } else if (cairo_surface_t* source = DibToSurface(lock.bytes())) {
     // Enlarging: interpolated by Cairo.
