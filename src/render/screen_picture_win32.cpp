@@ -1,5 +1,7 @@
 #include "render/screen_picture_win32.h"
 
+#include <cstdlib>
+
 #include "render/primitives_win32.h"
 
 namespace {
@@ -8,6 +10,18 @@ namespace {
 HBITMAP DeviceBitmap(HDC dc, const DibInfo& info, const void* bits) {
   return CreateDIBitmap(dc, &info.header, CBM_INIT, bits, reinterpret_cast<const BITMAPINFO*>(&info),
                         DIB_RGB_COLORS);
+}
+
+// The kept copy: on a true-colour display 24 bits a pixel, a quarter less
+// than the display's own format holds, and every colour the stretch makes;
+// on displays of fewer colours, their own format, as the stretch onto them
+// reduces the colours.
+HBITMAP CopyBitmap(HDC dc, int32_t width, int32_t height) {
+  if (GetDeviceCaps(dc, BITSPIXEL) * GetDeviceCaps(dc, PLANES) < 24) return CreateCompatibleBitmap(dc, width, height);
+  BITMAPINFO info{};
+  info.bmiHeader = {sizeof info.bmiHeader, width, height, 1, 24, BI_RGB};
+  void* bits = nullptr;
+  return CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
 }
 
 }  // namespace
@@ -38,11 +52,14 @@ bool ScreenPictureCache::Draw(HDC dc, BlockHandle dib, const DibInfo& info, cons
     Drop();
     HDC memory = CreateCompatibleDC(dc);
     if (!memory) return false;
-    HBITMAP bitmap = CreateCompatibleBitmap(dc, width, height);
+    HBITMAP bitmap = CopyBitmap(dc, width, height);
     if (bitmap) {
       HGDIOBJ previous = SelectObject(memory, bitmap);
-      StretchToScreen(memory, info, bits, 0, 0, width, height, 0, 0, info.header.biWidth,
-                      info.header.biHeight < 0 ? -info.header.biHeight : info.header.biHeight);
+      // Straight from the Dib: no device copy of all its pixels is needed.
+      SetStretchBltMode(memory, HALFTONE);
+      SetBrushOrgEx(memory, 0, 0, nullptr);
+      StretchDIBits(memory, 0, 0, width, height, 0, 0, info.header.biWidth, std::abs(info.header.biHeight), bits,
+                    reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS, SRCCOPY);
       SelectObject(memory, previous);
     }
     DeleteDC(memory);
