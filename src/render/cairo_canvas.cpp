@@ -172,9 +172,10 @@ void AverageColumns(const uint16_t* sum, const int* first, int columns, int fewe
 
 // The part `part` (in output pixels) of the Dib shrunk to width x height, by
 // averaging every source pixel into the output pixel it falls in: a
-// photograph shrunk to a page keeps its detail smooth. Source pixel (x, y)
-// falls in output column x * width / sourceW and row y * height / sourceH
-// (whole numbers), so an output pixel averages a block of whole source pixels.
+// photograph shrunk to a page keeps its detail smooth. Output column c
+// averages the source columns x with x * width / sourceW == c, output row r
+// the source rows from r * sourceH / height up to (r + 1) * sourceH / height
+// (whole numbers, rounded down): a block of whole source pixels.
 // Each output row first adds up its source rows column by column, then the
 // columns of each output pixel; every source pixel is read once.
 // The pixels go to `image` (rows `stride` bytes apart) with `alpha` in their

@@ -30,17 +30,21 @@ class RingByRingCanvas : public CairoCanvas {
 
 enum class Rings { kCanvasOwn, kOneByOne, kOneByOneCulled };
 
-// A white image surface with a canvas over it.
+// A white image surface with a canvas over it, or over a window onto all of
+// it (a surface that is not an image, which the canvas cannot write into).
 class Surface {
  public:
-  Surface(int width, int height, Rings rings = Rings::kCanvasOwn)
-      : surface_(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)), cr_(cairo_create(surface_)) {
+  Surface(int width, int height, Rings rings = Rings::kCanvasOwn, bool window = false)
+      : surface_(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height)),
+        window_(window ? cairo_surface_create_for_rectangle(surface_, 0, 0, width, height) : nullptr),
+        cr_(cairo_create(window ? window_ : surface_)) {
     canvas_ = rings == Rings::kCanvasOwn ? new CairoCanvas(cr_) : new RingByRingCanvas(cr_, rings == Rings::kOneByOneCulled);
     canvas_->FillRect({0, 0, width, height}, 0xFFFFFF);
   }
   ~Surface() {
     delete canvas_;
     cairo_destroy(cr_);
+    if (window_) cairo_surface_destroy(window_);
     cairo_surface_destroy(surface_);
   }
   CairoCanvas& canvas() { return *canvas_; }
@@ -76,6 +80,7 @@ class Surface {
 
  private:
   cairo_surface_t* surface_;
+  cairo_surface_t* window_;
   cairo_t* cr_;
   CairoCanvas* canvas_;
 };
@@ -211,6 +216,61 @@ TEST(CairoCanvas, PicturesAreScaledSmoothly) {
   EXPECT_EQ(t.At(0, 0), 0xFF0000u);
   GlobalBlockFree(dib);
   GlobalBlockFree(rgb);
+}
+
+TEST(CairoCanvas, AShrunkPictureAveragesTheSourcePixelsFallingInEachPixel) {
+  // Output column c averages the source columns x with x * width / sourceW
+  // == c; output row r the source rows from r * sourceH / height up to
+  // (r + 1) * sourceH / height (whole numbers, rounded down).
+  const struct {
+    int sourceW, sourceH, bits, width, height;
+    bool window;  // drawn through a surface that is not an image
+    bool white;   // every byte 255, the most sums must hold
+  } cases[] = {
+      {97, 61, 24, 40, 25, false, false},    // two or three columns a pixel
+      {97, 61, 24, 97, 61, false, false},    // the same size: a copy
+      {300, 20, 8, 31, 19, true, false},     // a palette, many columns a pixel
+      {1, 3000, 24, 1, 7, false, true},      // more rows a pixel than 16 bits can add up at once
+      {640, 3, 8, 17, 1, true, false},
+      {1200, 1200, 24, 3, 3, false, false},  // means of more pixels than a multiplication divides exactly
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::to_string(c.sourceW) + "x" + std::to_string(c.sourceH) + " to " + std::to_string(c.width) +
+                 "x" + std::to_string(c.height));
+    BlockHandle dib = MakePatternDib(c.sourceW, c.sourceH, c.bits, 3);
+    if (c.white) {
+      BlockLock lock(dib);
+      std::fill(DibBits(lock.bytes()), lock.bytes() + GlobalBlockSize(dib), 255);
+    }
+    std::vector<uint64_t> sums(size_t(c.width) * c.height * 4);  // blue, green, red, count
+    std::vector<int> rowOf(c.sourceH);
+    for (int r = 0; r < c.height; ++r)
+      for (int y = r * c.sourceH / c.height; y < (r + 1) * c.sourceH / c.height; ++y) rowOf[y] = r;
+    {
+      BlockLock lock(dib);
+      const uint8_t* bits = DibBits(lock.bytes());
+      const RgbQuad* table = DibColourTable(lock.bytes());
+      for (int y = 0; y < c.sourceH; ++y)
+        for (int x = 0; x < c.sourceW; ++x) {
+          const uint8_t* row = bits + (c.sourceH - 1 - y) * DibRowStride(c.sourceW, c.bits);  // bottom-up
+          const RgbQuad q = c.bits == 24 ? RgbQuad{row[x * 3], row[x * 3 + 1], row[x * 3 + 2], 0} : table[row[x]];
+          uint64_t* s = &sums[(size_t(rowOf[y]) * c.width + size_t(x) * c.width / c.sourceW) * 4];
+          s[0] += q.rgbBlue, s[1] += q.rgbGreen, s[2] += q.rgbRed, ++s[3];
+        }
+    }
+    Surface s(c.width + 20, c.height + 20, Rings::kCanvasOwn, c.window);
+    s.canvas().SetOrigin(10, 10);
+    s.canvas().DrawPicture(dib, c.width, c.height, true);
+    for (int y = 0; y < c.height; ++y)
+      for (int x = 0; x < c.width; ++x) {
+        const uint64_t* m = &sums[(size_t(y) * c.width + x) * 4];
+        auto mean = [&](int k) { return uint32_t((m[k] + m[3] / 2) / m[3]); };
+        ASSERT_EQ(s.At(x + 10, y + 10), mean(2) << 16 | mean(1) << 8 | mean(0)) << x << "," << y;
+      }
+    EXPECT_EQ(s.At(9, 9), 0xFFFFFFu);
+    EXPECT_EQ(s.At(c.width + 10, c.height + 10), 0xFFFFFFu);
+    GlobalBlockFree(dib);
+  }
 }
 
 TEST(CairoCanvas, OnlyThePartOfAPictureOnTheSurfaceIsMadeAndItMatchesTheWhole) {

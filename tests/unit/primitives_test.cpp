@@ -1,3 +1,6 @@
+#include <climits>
+#include <vector>
+
 #include "base/dib.h"
 #include "render/ops_canvas.h"
 #include "render/primitives.h"
@@ -31,6 +34,38 @@ TEST(Primitives, SoftShadowRingsShrinkTowardTheShadowColour) {
   EXPECT_EQ(rings[3].ellipse, 4);
   EXPECT_EQ(rings[1].brush, "#C0C0C0");  // t = 63: 255 * 192 / 255
   EXPECT_EQ(rings[3].brush, "#404040");  // t = 191
+
+  // A damaged record's softness: one ring for each weight of 0 to 254.
+  OpsCanvas huge;
+  DrawSoftShadow(huge, 0, 0, 1000, 500, 0x000000, 0xFFFFFF, INT32_MAX);
+  EXPECT_EQ(ParseOps(huge.ops()).size(), 255u);
+}
+
+TEST(Primitives, SoftShadowRingsThatCannotShowInTheClipAreSkipped) {
+  // Rings {2,2,44,24} {3,3,43,23} {4,4,42,22} {5,5,41,21} with 4 x 4 corners.
+  // Without a pen a ring fills a pixel short of its right and bottom edges,
+  // so it covers only what lies inside those and clear of its corners.
+  const struct {
+    Rect clip;
+    std::vector<int> lefts;  // of the rings drawn
+  } cases[] = {
+      {{20, 10, 22, 12}, {5}},           // deep inside: the last ring covers it
+      {{100, 100, 110, 110}, {}},        // far outside: none
+      {{2, 2, 3, 3}, {2}},               // the first ring's rounded corner: it alone reaches there
+      {{10, 22, 30, 23}, {2, 3}},        // the first ring covers the row, the second reaches it
+      {{10, 23, 30, 24}, {2}},           // the first ring's bottom edge, which it leaves unfilled
+      {{0, 0, 50, 30}, {2, 3, 4, 5}},    // all of it
+      {{42, 12, 43, 13}, {2, 3}},        // the second ring's unfilled right column
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(::testing::PrintToString(std::vector<int>{c.clip.left, c.clip.top, c.clip.right, c.clip.bottom}));
+    OpsCanvas canvas;
+    canvas.Clip(c.clip);
+    DrawSoftShadow(canvas, 0, 0, 40, 20, 0x000000, 0xFFFFFF, 10);
+    std::vector<int> lefts;
+    for (const Op& op : OfKind(ParseOps(canvas.ops()), "roundrect")) lefts.push_back(op.r.left);
+    EXPECT_EQ(lefts, c.lefts);
+  }
 }
 
 TEST(Primitives, PaletteTripletsComeFromTheColourTable) {
