@@ -281,7 +281,10 @@ void CompressInMemory(SavePicture* p, int level) {
 // per core ahead of the writer.
 class Saver {
  public:
-  Saver(std::FILE* out, int level) : out_(out), level_(level) {}
+  Saver(std::FILE* out, int level) : out_(out), level_(level) {
+    written.reserve(kRecords);
+    queue_.reserve(kRecords);
+  }
   ~Saver() {
     for (SavePicture& p : pictures_) Join(&p.worker);
     for (auto& source : sources_)
@@ -534,7 +537,9 @@ struct LoadRecord {
 class Loader {
  public:
   Loader(std::FILE* f, const char* path, CalendarDocument document, FileProgress* progress, LoadFailure* failure)
-      : f_(f), path_(path), document_(document), progress_(progress), failure_(failure), cores_(Cores()) {}
+      : f_(f), path_(path), document_(document), progress_(progress), failure_(failure), cores_(Cores()) {
+    streams.reserve(kRecords);  // so that adding one never fails while a picture is in hand
+  }
   ~Loader() {
     // A load that failed leaves pictures nobody took.
     for (int i = 0; i < kRecords; ++i) {
@@ -766,10 +771,14 @@ int SaveCalendar(FileProgress* progress, const char* path, CalendarDocument docu
     std::setvbuf(out.file(), buffer, _IOFBF, sizeof buffer);
     // The files streams are copied from are closed before the new file takes
     // its place, which may be one of them.
-    Saver saver(out.file(), level);
-    ok = saver.Write(document, progress);
-    g_lastSave = saver.counts;
-    streams = std::move(saver.written);
+    try {
+      Saver saver(out.file(), level);
+      ok = saver.Write(document, progress);
+      g_lastSave = saver.counts;
+      streams = std::move(saver.written);
+    } catch (...) {  // memory for the bookkeeping ran out
+      ok = false;
+    }
   }
   ok = ok && out.Commit();
   if (ok) {
@@ -796,10 +805,15 @@ CalendarDocument LoadCalendar(FileProgress* progress, const char* path, LoadFail
   if (f) std::setvbuf(f, buffer, _IOFBF, sizeof buffer);
   bool ok = false;
   if (f) {
-    Loader loader(f, path, document, progress, &why);
-    ok = loader.Read();
-    if (ok && stamped && ReadFileStamp(path, &after) && after == before)
-      RememberPictureStreams(path, before, std::move(loader.streams));
+    try {
+      Loader loader(f, path, document, progress, &why);
+      ok = loader.Read();
+      if (ok && stamped && ReadFileStamp(path, &after) && after == before)
+        RememberPictureStreams(path, before, std::move(loader.streams));
+    } catch (...) {  // memory for the bookkeeping ran out
+      ok = false;
+      why = LoadFailure::kOutOfMemory;
+    }
   }
   if (f) std::fclose(f);
   if (!ok && document) {

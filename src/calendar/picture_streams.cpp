@@ -97,7 +97,11 @@ void RememberPictureStreams(const char* path, const FileStamp& stamp, std::vecto
   ForgetPictureStreams(path);
   if (streams.empty()) return;
   auto& files = KnownFiles();
-  files.push_back(KnownFile{path, stamp, std::move(streams)});
+  try {
+    files.push_back(KnownFile{path, stamp, std::move(streams)});
+  } catch (...) {  // out of memory: the next save compresses, that is all
+    return;
+  }
   while (files.size() > kKnownFiles) files.pop_front();
 }
 
