@@ -211,7 +211,6 @@ void ShrinkDib(const uint8_t* dib, int width, int height, const Rect& part, uint
       const int start = y, end = std::min(bottom, y + kRowsPerSum);
       for (; y < end; ++y) AddRow(RowBytes(dib, y, from, to, pixels, bytes), sums.data(), summed, y == start);
       const uint16_t* sum = sums.data();
-      uint64_t* total = totals.data();
       if (end == bottom && start == top && more <= kMostDividedByMultiplying) {
         // The usual case, one group and small means: straight to the pixels.
         const Means means{Reciprocal(fewer), Reciprocal(more), fewer / 2, more / 2, alpha};
@@ -220,6 +219,7 @@ void ShrinkDib(const uint8_t* dib, int width, int height, const Rect& part, uint
         else AverageColumns<0>(sum, first.data(), partW, fewest, means, pixel);
         break;
       }
+      uint64_t* total = totals.data();
       for (int c = 0; c < partW; ++c, total += 3) {
         uint64_t b = 0, g = 0, r = 0;
         for (const uint16_t* end = sums.data() + size_t(first[c + 1] - from) * 3; sum < end; sum += 3)
