@@ -8,6 +8,7 @@
 #include <unistd.h>
 #include <zlib.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -170,10 +171,19 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "LoadCalendar failed\n");
     return 1;
   }
-  ChangeACaption(doc);
-  if (!Save(doc, path, &again)) return 1;
-  const StreamCounts againCounts = LastSaveStreamCounts();
-  const double plainCopy = PlainCopy(path, copy, true), cachedCopy = PlainCopy(path, copy, false);
+  // Short and at the mercy of the disk's flushing: the best of three.
+  StreamCounts againCounts;
+  double plainCopy = 1e9, cachedCopy = 1e9;
+  again.wall = 1e9;
+  for (int round = 0; round < 3; ++round) {
+    ChangeACaption(doc);
+    Timed timed;
+    if (!Save(doc, path, &timed)) return 1;
+    if (timed.wall < again.wall) again = timed;
+    againCounts = LastSaveStreamCounts();
+    plainCopy = std::min(plainCopy, PlainCopy(path, copy, true));
+    cachedCopy = std::min(cachedCopy, PlainCopy(path, copy, false));
+  }
   Settings.ImageCompression = static_cast<uint32_t>(level == 1 ? 6 : 1);
   if (!Save(doc, path, &relevel)) return 1;
   const StreamCounts relevelCounts = LastSaveStreamCounts();
@@ -252,7 +262,7 @@ int main(int argc, char** argv) {
   line("first save", first, &firstCounts);
   floor("zlib compress, one core / cores", zlibCompress / cores, first.wall);
   floor("zlib compress on all cores", zlibCompressAll, first.wall);
-  line("save after a caption changed", again, &againCounts);
+  line("save after a caption changed *", again, &againCounts);
   floor("plain copy, read+write+fsync", plainCopy, again.wall);
   floor("plain copy, read+write", cachedCopy, again.wall);
   char relevelName[64];
@@ -262,6 +272,7 @@ int main(int argc, char** argv) {
   floor("zlib uncompress, one core / cores", zlibUncompress / cores, load.wall);
   floor("zlib uncompress on all cores", zlibUncompressAll, load.wall);
   std::printf("(one core: zlib compress %.2f s, uncompress %.2f s)\n", zlibCompress, zlibUncompress);
+  std::printf("* best of three, as is the plain copy\n");
   std::printf("peak memory of saving and opening: %ld MiB\n", peak);
   return 0;
 }
