@@ -192,6 +192,9 @@ int main(int argc, char** argv) {
   }
 
   App.instance = GetModuleHandleA(nullptr);
+  // Wine learns the CUPS printers when a process first asks its spooler.
+  DWORD needed = 0, count = 0;
+  EnumPrintersA(PRINTER_ENUM_LOCAL, nullptr, 4, nullptr, 0, &needed, &count);
   PrinterDC = CreateDefaultPrinterDC();
   App.faceBrush = App.barBrush = GetSysColorBrush(COLOR_BTNFACE);
   App.defaultWidth = 900, App.defaultHeight = 1000;

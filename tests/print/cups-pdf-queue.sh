@@ -66,8 +66,10 @@ PageLog $dir/log/page_log
 Printcap $dir/printcap
 SystemGroup root
 CONF
+# Job files stay in the spool, where the benchmarks read their size.
 cat >"$dir/conf/cupsd.conf" <<CONF
 LogLevel info
+PreserveJobFiles Yes
 Listen $socket
 Browsing No
 WebInterface No
