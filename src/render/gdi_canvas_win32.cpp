@@ -199,14 +199,14 @@ void GdiCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool
   const BITMAPINFO* bmi = reinterpret_cast<const BITMAPINFO*>(&info);
   const int dibW = info.header.biWidth, dibH = std::abs(info.header.biHeight);
   StretchPart part{0, 0, width, height, 0, 0, dibW, dibH};
-  if (width > kWholeStretchLimit || height > kWholeStretchLimit) {
+  const bool whole = width <= kWholeStretchLimit && height <= kWholeStretchLimit;
+  if (!whole) {
     RECT visible;
     if (GetClipBox(dc_, &visible) == ERROR) return;
     part = VisiblePart(visible, width, height, dibW, dibH);
     if (part.sourceW <= 0 || part.sourceH <= 0) return;
   }
   if (printing) {
-    const bool whole = part.width == width && part.height == height;
     if (whole && (dibW > width || dibH > height) && PrintReduced(dib, width, height)) return;
     // Printers get the Dib itself and scale it up at their own resolution. A
     // bottom-up Dib counts its source rows from the bottom.
@@ -215,7 +215,6 @@ void GdiCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool
                   bits, bmi, DIB_RGB_COLORS, SRCCOPY);
     return;
   }
-  const bool whole = part.width == width && part.height == height;
   if (pictures_ && whole && pictures_->Draw(dc_, dib, info, bits, width, height)) {
     pictureKept_ = true;
     return;
