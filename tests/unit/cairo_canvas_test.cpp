@@ -5,6 +5,7 @@
 #include <pango/pangocairo.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -48,37 +49,45 @@ class Surface {
     cairo_surface_destroy(surface_);
   }
   CairoCanvas& canvas() { return *canvas_; }
+  int width() const { return cairo_image_surface_get_width(surface_); }
+  int height() const { return cairo_image_surface_get_height(surface_); }
   // 0xRRGGBB
   uint32_t At(int x, int y) {
     cairo_surface_flush(surface_);
-    auto* row = cairo_image_surface_get_data(surface_) + y * cairo_image_surface_get_stride(surface_);
-    return reinterpret_cast<uint32_t*>(row)[x] & 0xFFFFFF;
+    return Raw(x, y);
   }
   // Every pixel as 0xRRGGBB, row by row.
   std::vector<uint32_t> Pixels() {
     cairo_surface_flush(surface_);
-    const int width = cairo_image_surface_get_width(surface_), height = cairo_image_surface_get_height(surface_);
     std::vector<uint32_t> pixels;
-    for (int y = 0; y < height; ++y) {
-      auto* row = reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(surface_) +
-                                              y * cairo_image_surface_get_stride(surface_));
-      for (int x = 0; x < width; ++x) pixels.push_back(row[x] & 0xFFFFFF);
-    }
+    for (int y = 0; y < height(); ++y)
+      for (int x = 0; x < width(); ++x) pixels.push_back(Raw(x, y));
     return pixels;
   }
   // The bounding box of every pixel that is not white.
   Rect Ink() {
+    cairo_surface_flush(surface_);
     Rect ink{INT32_MAX, INT32_MAX, -1, -1};
-    for (int y = 0; y < cairo_image_surface_get_height(surface_); ++y)
-      for (int x = 0; x < cairo_image_surface_get_width(surface_); ++x)
-        if (At(x, y) != 0xFFFFFF) {
+    for (int y = 0; y < height(); ++y)
+      for (int x = 0; x < width(); ++x)
+        if (Raw(x, y) != 0xFFFFFF) {
           ink.left = std::min(ink.left, x), ink.top = std::min(ink.top, y);
           ink.right = std::max(ink.right, x + 1), ink.bottom = std::max(ink.bottom, y + 1);
         }
     return ink;
   }
+  struct Pixel { int x, y; uint32_t rgb; };
+  // Each pixel as the surface has it.
+  void Expect(std::initializer_list<Pixel> pixels) {
+    for (const Pixel& p : pixels) EXPECT_EQ(At(p.x, p.y), p.rgb) << "at " << p.x << "," << p.y;
+  }
 
  private:
+  uint32_t Raw(int x, int y) const {
+    auto* row = cairo_image_surface_get_data(surface_) + y * cairo_image_surface_get_stride(surface_);
+    return reinterpret_cast<uint32_t*>(row)[x] & 0xFFFFFF;
+  }
+
   cairo_surface_t* surface_;
   cairo_surface_t* window_;
   cairo_t* cr_;
@@ -88,6 +97,30 @@ class Surface {
 int CentreX(const Rect& r) { return (r.left + r.right) / 2; }
 int CentreY(const Rect& r) { return (r.top + r.bottom) / 2; }
 
+// A true-colour 2 x 2 picture: blue top left, black top right, red bottom
+// left, green bottom right, in bottom-up rows of 8 bytes, blue first.
+BlockHandle Quarters() {
+  BlockHandle dib = DibCreate(2, 2, 24);
+  BlockLock lock(dib);
+  uint8_t* bits = DibBits(lock.bytes());
+  bits[2] = 255;      // bottom left red
+  bits[3 + 1] = 255;  // bottom right green
+  bits[8] = 255;      // top left blue
+  return dib;
+}
+
+// The first pixel of a w-wide surface that is not `expected` inside `clip`
+// and white outside it, as "x,y", or "" when there is none.
+std::string FirstDifference(const std::vector<uint32_t>& expected, const std::vector<uint32_t>& got, int w,
+                            const Rect& clip) {
+  for (size_t i = 0; i < got.size(); ++i) {
+    const int x = static_cast<int>(i % w), y = static_cast<int>(i / w);
+    const bool inside = x >= clip.left && x < clip.right && y >= clip.top && y < clip.bottom;
+    if (got[i] != (inside ? expected[i] : 0xFFFFFF)) return std::to_string(x) + "," + std::to_string(y);
+  }
+  return "";
+}
+
 }  // namespace
 
 TEST(CairoCanvas, RectanglesKeepTheirRightAndBottomEdgesOutside) {
@@ -95,19 +128,13 @@ TEST(CairoCanvas, RectanglesKeepTheirRightAndBottomEdgesOutside) {
   s.canvas().SetPen(SolidPen(0x000000));
   s.canvas().SetBrush(SolidBrush(0x0000FF));  // red
   s.canvas().Rectangle({10, 10, 20, 20});
-  EXPECT_EQ(s.At(10, 10), 0x000000u);
-  EXPECT_EQ(s.At(19, 19), 0x000000u);
-  EXPECT_EQ(s.At(15, 15), 0xFF0000u);
-  EXPECT_EQ(s.At(20, 20), 0xFFFFFFu);
+  s.Expect({{10, 10, 0x000000}, {19, 19, 0x000000}, {15, 15, 0xFF0000}, {20, 20, 0xFFFFFF}});
   // Without a pen the shape is one pixel smaller; an inverted one is drawn all the same.
   s.canvas().SetPen(kNullPen);
   s.canvas().Rectangle({30, 30, 25, 25});
-  EXPECT_EQ(s.At(25, 25), 0xFF0000u);
-  EXPECT_EQ(s.At(28, 28), 0xFF0000u);
-  EXPECT_EQ(s.At(29, 29), 0xFFFFFFu);
+  s.Expect({{25, 25, 0xFF0000}, {28, 28, 0xFF0000}, {29, 29, 0xFFFFFF}});
   s.canvas().FrameRect({0, 0, 5, 5}, 0x00FF00);
-  EXPECT_EQ(s.At(4, 2), 0x00FF00u);
-  EXPECT_EQ(s.At(2, 2), 0xFFFFFFu);
+  s.Expect({{4, 2, 0x00FF00}, {2, 2, 0xFFFFFF}});
 }
 
 TEST(CairoCanvas, ArialFindsAFaceWithItsMetrics) {
@@ -178,69 +205,37 @@ TEST(CairoCanvas, TextIsClippedToItsRectangleAndTheOriginMovesIt) {
   EXPECT_LE(ink.bottom, 50);
 }
 
-TEST(CairoCanvas, PicturesAreScaledSmoothly) {
-  // One-pixel black and white stripes shrunk to a quarter turn grey, not
-  // black or white, with a filter that averages.
-  BlockHandle dib = DibCreate(400, 400, 8);
-  {
-    BlockLock lock(dib);
-    RgbQuad* table = DibColourTable(lock.bytes());
-    table[1] = {255, 255, 255, 0};
-    uint8_t* bits = DibBits(lock.bytes());
-    for (int y = 0; y < 400; ++y)
-      for (int x = 0; x < 400; ++x) bits[y * 400 + x] = x % 2;
-  }
-  Surface s(120, 120);
-  s.canvas().SetOrigin(10, 10);
-  s.canvas().DrawPicture(dib, 100, 100, true);
-  for (int y = 12; y < 108; y += 7)
-    for (int x = 12; x < 108; x += 5) {
-      uint32_t grey = s.At(x, y) & 0xFF;
-      ASSERT_GT(grey, 80u) << x << "," << y;
-      ASSERT_LT(grey, 175u) << x << "," << y;
-    }
-  EXPECT_EQ(s.At(5, 5), 0xFFFFFFu);
-  EXPECT_EQ(s.At(112, 112), 0xFFFFFFu);
-
-  // A true-colour picture keeps its colours: bottom-up rows, blue first.
-  BlockHandle rgb = DibCreate(2, 2, 24);
-  {
-    BlockLock lock(rgb);
-    uint8_t* bits = DibBits(lock.bytes());
-    bits[0] = 255;            // bottom left: blue
-    bits[8 + 2] = 255;        // top left (second row in the block): red
-  }
-  Surface t(2, 2);
-  t.canvas().DrawPicture(rgb, 2, 2, true);
-  EXPECT_EQ(t.At(0, 1), 0x0000FFu);
-  EXPECT_EQ(t.At(0, 0), 0xFF0000u);
-  GlobalBlockFree(dib);
-  GlobalBlockFree(rgb);
-}
-
 TEST(CairoCanvas, AShrunkPictureAveragesTheSourcePixelsFallingInEachPixel) {
   // Output column c averages the source columns x with x * width / sourceW
   // == c; output row r the source rows from r * sourceH / height up to
   // (r + 1) * sourceH / height (whole numbers, rounded down).
+  enum Fill { kPattern, kWhite, kStripes };
   const struct {
     int sourceW, sourceH, bits, width, height;
     bool window;  // drawn through a surface that is not an image
-    bool white;   // every byte 255, the most sums must hold
+    Fill fill;    // kWhite: every byte 255, the most sums must hold
   } cases[] = {
-      {97, 61, 24, 40, 25, false, false},    // two or three columns a pixel
-      {97, 61, 24, 97, 61, false, false},    // the same size: a copy
-      {300, 20, 8, 31, 19, true, false},     // a palette, many columns a pixel
-      {1, 3000, 24, 1, 7, false, true},      // more rows a pixel than 16 bits can add up at once
-      {640, 3, 8, 17, 1, true, false},
-      {1200, 1200, 24, 3, 3, false, false},  // means of more pixels than a multiplication divides exactly
+      {97, 61, 24, 40, 25, false, kPattern},    // two or three columns a pixel
+      {97, 61, 24, 97, 61, false, kPattern},    // the same size: a copy
+      {300, 20, 8, 31, 19, true, kPattern},     // a palette, many columns a pixel
+      {1, 3000, 24, 1, 7, false, kWhite},       // more rows a pixel than 16 bits can add up at once
+      {640, 3, 8, 17, 1, true, kPattern},
+      {1200, 1200, 24, 3, 3, false, kPattern},  // means of more pixels than a multiplication divides exactly
+      {400, 400, 8, 100, 100, false, kStripes},  // one-pixel black and white columns turn grey, not either
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::to_string(c.sourceW) + "x" + std::to_string(c.sourceH) + " to " + std::to_string(c.width) +
                  "x" + std::to_string(c.height));
     BlockHandle dib = MakePatternDib(c.sourceW, c.sourceH, c.bits, 3);
-    if (c.white) {
+    {
       BlockLock lock(dib);
-      std::fill(DibBits(lock.bytes()), lock.bytes() + GlobalBlockSize(dib), 255);
+      uint8_t* bits = DibBits(lock.bytes());
+      if (c.fill == kWhite) std::fill(bits, lock.bytes() + GlobalBlockSize(dib), 255);
+      if (c.fill == kStripes) {
+        DibColourTable(lock.bytes())[0] = {0, 0, 0, 0};
+        DibColourTable(lock.bytes())[1] = {255, 255, 255, 0};
+        for (int i = 0; i < c.sourceW * c.sourceH; ++i) bits[i] = i % 2;  // rows of 400 bytes, no padding
+      }
     }
     std::vector<uint64_t> sums(size_t(c.width) * c.height * 4);  // blue, green, red, count
     std::vector<int> rowOf(c.sourceH);
@@ -267,13 +262,12 @@ TEST(CairoCanvas, AShrunkPictureAveragesTheSourcePixelsFallingInEachPixel) {
         auto mean = [&](int k) { return uint32_t((m[k] + m[3] / 2) / m[3]); };
         ASSERT_EQ(s.At(x + 10, y + 10), mean(2) << 16 | mean(1) << 8 | mean(0)) << x << "," << y;
       }
-    EXPECT_EQ(s.At(9, 9), 0xFFFFFFu);
-    EXPECT_EQ(s.At(c.width + 10, c.height + 10), 0xFFFFFFu);
+    s.Expect({{9, 9, 0xFFFFFF}, {c.width + 10, c.height + 10, 0xFFFFFF}});
     GlobalBlockFree(dib);
   }
 }
 
-TEST(CairoCanvas, OnlyThePartOfAPictureOnTheSurfaceIsMadeAndItMatchesTheWhole) {
+TEST(CairoCanvas, APictureKeepsItsColoursAndOnlyThePartOnTheSurfaceIsMade) {
   BlockHandle dib = MakePatternDib(300, 200, 24, 5);
   // Shrunk: the part a small surface shows is the same as that part of the
   // whole picture drawn on a surface large enough for all of it.
@@ -284,16 +278,14 @@ TEST(CairoCanvas, OnlyThePartOfAPictureOnTheSurfaceIsMadeAndItMatchesTheWhole) {
   for (int y = 0; y < 40; ++y)
     for (int x = 0; x < 60; ++x) ASSERT_EQ(part.At(x, y), whole.At(x + 100, y + 70)) << x << "," << y;
 
+  // A true-colour picture keeps its colours: bottom-up rows, blue first.
+  BlockHandle quarters = Quarters();
+  Surface copy(2, 2);
+  copy.canvas().DrawPicture(quarters, 2, 2, true);
+  copy.Expect({{0, 0, 0x0000FF}, {1, 0, 0x000000}, {0, 1, 0xFF0000}, {1, 1, 0x00FF00}});
+
   // Enlarged far beyond what one image may hold (40,000 pixels a side): the
   // middle of the picture still shows, in the colour of its middle pixel.
-  BlockHandle quarters = DibCreate(2, 2, 24);
-  {
-    BlockLock lock(quarters);
-    uint8_t* bits = DibBits(lock.bytes());  // bottom-up rows of 8 bytes, blue first
-    bits[2] = 255;                          // bottom left red
-    bits[3 + 1] = 255;                      // bottom right green
-    bits[8] = 255;                          // top left blue
-  }
   Surface big(40, 40);
   big.canvas().SetOrigin(-30000, -10000);
   big.canvas().DrawPicture(quarters, 40000, 40000, true);
@@ -304,22 +296,6 @@ TEST(CairoCanvas, OnlyThePartOfAPictureOnTheSurfaceIsMadeAndItMatchesTheWhole) {
   GlobalBlockFree(dib);
   GlobalBlockFree(quarters);
 }
-
-namespace {
-
-// The first pixel of a w-wide surface that is not `expected` inside `clip`
-// and white outside it, as "x,y", or "" when there is none.
-std::string FirstDifference(const std::vector<uint32_t>& expected, const std::vector<uint32_t>& got, int w,
-                            const Rect& clip) {
-  for (size_t i = 0; i < got.size(); ++i) {
-    const int x = static_cast<int>(i % w), y = static_cast<int>(i / w);
-    const bool inside = x >= clip.left && x < clip.right && y >= clip.top && y < clip.bottom;
-    if (got[i] != (inside ? expected[i] : 0xFFFFFF)) return std::to_string(x) + "," + std::to_string(y);
-  }
-  return "";
-}
-
-}  // namespace
 
 TEST(CairoCanvas, SoftShadowsHaveThePixelsOfTheirRings) {
   const struct {

@@ -2,51 +2,36 @@
 // worked out by hand from a 700 x 1000 page with the default design:
 // margin 14, inner {14, 14, 686, 986}, gutter 19, grid top 519, columns of 96,
 // rows of 66 (heading band 44, day-name band 22), paddings of 3.
+#include <algorithm>
 #include <cstring>
 #include <set>
 
 #include "base/dib.h"
 #include "calendar/calendar_dates.h"
 #include "config/settings.h"
-#include "ops_parse.h"
+#include "page_render_fixture.h"
 #include "render/ops_canvas.h"
 #include "render/page_renderer.h"
-#include "test_support.h"
 
 namespace {
 
-const Rect kPage{0, 0, 700, 1000};
 const std::string kDateColour = "#332211";  // distinct from every other text colour
 
-class MonthPageTest : public QuernalTest {
+class MonthPageTest : public PageRenderTest {
  protected:
   void SetUp() override {
-    QuernalTest::SetUp();
+    PageRenderTest::SetUp();
     Settings.DateFontColour = 0x112233;
     Settings.DateBackColour = 0xF0F0F0;
-  }
-  CalendarDocument Calendar(int year) {
-    doc_ = CreateCalendar(year, 0);
-    return doc_;
-  }
-  void Edit(int month, void (*change)(MonthPage*)) {
-    MonthPage p;
-    GetMonthPage(doc_, month, &p);
-    change(&p);
-    PutMonthPage(doc_, month, &p);
-  }
-  void TearDown() override {
-    if (doc_) FreeCalendar(doc_);
-    QuernalTest::TearDown();
+    NewCalendar(2026);  // made again by the tests that change the settings it copies
   }
   // The date numbers, in the order drawn (the unshadowed ones when DateShadow is 0).
-  std::vector<Op> Dates(const std::vector<Op>& ops) {
+  static std::vector<Op> Dates(const std::vector<Op>& ops) {
     std::vector<Op> dates;
     for (const Op& op : Texts(ops, kDateColour))
       if (op.flags == (10 | kDtSingleLine | kDtNoPrefix)) dates.push_back(op);
     return dates;
   }
-  CalendarDocument doc_ = 0;
 };
 
 int Rows(const std::vector<Op>& dates) {
@@ -58,9 +43,8 @@ int Rows(const std::vector<Op>& dates) {
 }  // namespace
 
 TEST_F(MonthPageTest, CalendarHalfByHand) {
-  Calendar(2026);
-  auto ops = RenderOps(doc_, 10, kPage);  // November 2026 starts on a Sunday
-  ASSERT_GE(ops.size(), 4u);
+  auto ops = Render(10);  // November 2026 starts on a Sunday
+  ASSERT_GT(ops.size(), 25u);
   EXPECT_EQ(ops[0].line, "fill 0 0 700 500 #FFFFFF");
   EXPECT_EQ(ops[1].line, "fill 0 500 700 1000 #FFFFFF");
   // The heading box over the middle three columns, its text shadowed without vertical centring.
@@ -84,24 +68,22 @@ TEST_F(MonthPageTest, CalendarHalfByHand) {
   ASSERT_EQ(dates.size(), 30u);
   EXPECT_EQ(dates[29].r, (Rect{114, 853, 198, 907})) << "30 November: second column of the fifth row";
   // October and December follow in columns 2 and 3 of that row.
-  auto titles = OfKind(ops, "text");
-  bool october = false, december = false;
-  for (const Op& t : titles) {
-    if (t.text == "October") october = t.r == Rect{212, 855, 296, 861} && t.flags == 2081;
-    if (t.text == "December") december = t.r == Rect{308, 855, 392, 861};
-  }
-  EXPECT_TRUE(october);
-  EXPECT_TRUE(december);
+  auto october = Titled(ops, "October"), december = Titled(ops, "December");
+  ASSERT_FALSE(october.empty());
+  ASSERT_FALSE(december.empty());
+  EXPECT_EQ(october.back().r, (Rect{212, 855, 296, 861}));
+  EXPECT_EQ(october.back().flags, 2081);
+  EXPECT_EQ(december.back().r, (Rect{308, 855, 392, 861}));
 }
 
 TEST_F(MonthPageTest, MonthsStartInTheirWeekdayColumn) {
   Settings.DateShadow = 0;
-  Calendar(2026);
+  NewCalendar(2026);
   // 2026: February starts on Sunday, June Monday, September Tuesday, April
   // Wednesday, January Thursday, May Friday, August Saturday.
   const int byColumn[7] = {1, 5, 8, 3, 0, 4, 7};
   for (int column = 0; column < 7; ++column) {
-    auto dates = Dates(RenderOps(doc_, byColumn[column], kPage));
+    auto dates = Dates(Render(byColumn[column]));
     ASSERT_FALSE(dates.empty());
     EXPECT_EQ(dates[0].text, "1");
     EXPECT_EQ(dates[0].r.left, 20 + 96 * column) << "month " << byColumn[column];
@@ -110,30 +92,27 @@ TEST_F(MonthPageTest, MonthsStartInTheirWeekdayColumn) {
   }
   // August: 31 days from the last column fill all six rows; the small months
   // take columns 2 and 3 of the sixth.
-  auto august = RenderOps(doc_, 7, kPage);
+  auto august = Render(7);
   auto dates = Dates(august);
   EXPECT_EQ(Rows(dates), 6);
   EXPECT_EQ(dates.back().r, (Rect{116, 921, 200, 975}));
-  int julyAt = -1, septemberAt = -1;
-  for (const Op& t : OfKind(august, "text")) {
-    if (t.text == "July") julyAt = t.r.left;
-    if (t.text == "September") septemberAt = t.r.left;
-  }
-  EXPECT_EQ(julyAt, 14 + 2 * 96 + 6);
-  EXPECT_EQ(septemberAt, 14 + 3 * 96 + 6);
+  auto july = Titled(august, "July"), september = Titled(august, "September");
+  ASSERT_FALSE(july.empty());
+  ASSERT_FALSE(september.empty());
+  EXPECT_EQ(july.back().r.left, 14 + 2 * 96 + 6);
+  EXPECT_EQ(september.back().r.left, 14 + 3 * 96 + 6);
 }
 
 TEST_F(MonthPageTest, LeapFebruaryAndMondayFirst) {
   Settings.DateShadow = 0;
-  Calendar(2024);
-  EXPECT_EQ(Dates(RenderOps(doc_, 1, kPage)).size(), 29u);
-  FreeCalendar(doc_);
+  NewCalendar(2024);
+  EXPECT_EQ(Dates(Render(1)).size(), 29u);
 
   // February 2015 starts on a Sunday: four rows, or five with Monday first.
-  Calendar(2015);
-  EXPECT_EQ(Rows(Dates(RenderOps(doc_, 1, kPage))), 4);
+  NewCalendar(2015);
+  EXPECT_EQ(Rows(Dates(Render(1))), 4);
   Settings.StartMonday = 1;
-  auto ops = RenderOps(doc_, 1, kPage);
+  auto ops = Render(1);
   auto dates = Dates(ops);
   EXPECT_EQ(Rows(dates), 5);
   EXPECT_EQ(dates[0].r.left, 20 + 6 * 96);
@@ -155,8 +134,8 @@ TEST_F(MonthPageTest, DatePlacementsAndEvents) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.placement);
     Settings.DateFontPlacement = static_cast<uint32_t>(c.placement);
-    Calendar(2026);
-    auto ops = RenderOps(doc_, 2, kPage);  // March 2026: the 5th is a Thursday
+    NewCalendar(2026);
+    auto ops = Render(2);  // March 2026: the 5th is a Thursday
     std::vector<Op> numbers;
     for (const Op& t : Texts(ops, kDateColour))
       if (t.font == "33,700,0,\"ARIAL\"") numbers.push_back(t);
@@ -176,51 +155,44 @@ TEST_F(MonthPageTest, DatePlacementsAndEvents) {
       if (c.atBottom) expected.top = inside.bottom - 6;  // one line of a 6-pixel font
       EXPECT_EQ(events[0].r, expected);
     }
-    FreeCalendar(doc_);
-    doc_ = 0;
   }
 }
 
 TEST_F(MonthPageTest, SmallMonthsAndTheYearInTitles) {
-  Calendar(2026);
   CalendarHeader h;
   GetHeader(doc_, &h);
   h.ShowYearInPages = 1;
   PutHeader(doc_, &h);
-  auto ops = RenderOps(doc_, 11, kPage);
+  auto ops = Render(11);
   std::vector<std::string> titles;
   for (const Op& t : OfKind(ops, "text"))
     if (t.text.find(' ') != std::string::npos) titles.push_back(t.text);
   EXPECT_EQ(titles, (std::vector<std::string>{"December 2026", "December 2026", "November 2026", "January 2027"}));
   // January 2027 starts on a Friday: its "1" sits in the sixth small column.
-  const Op* january = nullptr;
-  const std::vector<Op> texts = OfKind(ops, "text");  // kept: `january` points into it
-  for (const Op& t : texts)
-    if (t.text == "January 2027") january = &t;
-  ASSERT_NE(january, nullptr);
-  const int smallW = Width(january->r) / 7, smallH = 6;
-  bool found = false;
-  for (const Op& t : OfKind(ops, "text"))
-    if (t.text == "1" && t.r.left == january->r.left + 5 * smallW && t.r.top == january->r.top + 2 * smallH)
-      found = true;
-  EXPECT_TRUE(found);
+  auto january = Titled(ops, "January 2027");
+  ASSERT_FALSE(january.empty());
+  const Rect at = january.back().r;
+  const int smallW = Width(at) / 7, smallH = 6;
+  const auto ones = Titled(ops, "1");
+  EXPECT_TRUE(std::any_of(ones.begin(), ones.end(), [&](const Op& t) {
+    return t.r.left == at.left + 5 * smallW && t.r.top == at.top + 2 * smallH;
+  }));
 
   // Without HeadPrevNext the cells after the last day stay empty.
-  Edit(11, [](MonthPage* p) { p->HeadPrevNext = 0; });
-  ops = RenderOps(doc_, 11, kPage);
+  EditMonth(11, [](MonthPage* p) { p->HeadPrevNext = 0; });
+  ops = Render(11);
   EXPECT_EQ(OfKind(ops, "roundrect").size(), 1u + 7 + 2 + 31);
 }
 
 TEST_F(MonthPageTest, CaptionsWrapInTheirBoxes) {
-  Calendar(2026);
-  Edit(0, [](MonthPage* p) {
+  EditMonth(0, [](MonthPage* p) {
     std::strcpy(p->LeftCaption, "Left words");
     std::strcpy(p->RightCaption, "Right \"quoted\"\r\nline");
     p->CapPlacement = 2;
     p->CapFontSize = 50;
     p->CapFontItal = 1;
   });
-  auto ops = RenderOps(doc_, 0, kPage);
+  auto ops = Render(0);
   EXPECT_EQ(ops[20].text, "Right \"quoted\"\r\nline");
   EXPECT_EQ(ops[20].flags, 2 | kDtWordBreak | kDtNoPrefix);
   EXPECT_EQ(ops[20].font, "22,400,1,\"ARIAL\"");
@@ -229,7 +201,6 @@ TEST_F(MonthPageTest, CaptionsWrapInTheirBoxes) {
 }
 
 TEST_F(MonthPageTest, PictureFitsItsBoxAtEveryPlacement) {
-  Calendar(2026);
   BlockHandle picture = DibCreate(400, 300, 24);
   // Box {47, 47, 653, 443} less a shadow of 19: 587 x 377; 400 x 300 at 1.256 is 502 x 376.
   struct {
@@ -243,7 +214,7 @@ TEST_F(MonthPageTest, PictureFitsItsBoxAtEveryPlacement) {
     p.Picture = picture;
     p.PicturePlacement = c.placement;
     PutMonthPage(doc_, 0, &p);
-    auto ops = RenderOps(doc_, 0, kPage, true, true, false);
+    auto ops = Render(0, true, true, false);
     auto pictures = OfKind(ops, "picture");
     ASSERT_EQ(pictures.size(), 1u);
     EXPECT_EQ(pictures[0].r, (Rect{c.x, c.y, c.x + 502, c.y + 376}));
@@ -259,27 +230,26 @@ TEST_F(MonthPageTest, PictureFitsItsBoxAtEveryPlacement) {
                                    " pen=#000000 brush=none");
   }
   // A hard shadow without softness, in the mixed colour.
-  Edit(0, [](MonthPage* p) {
+  EditMonth(0, [](MonthPage* p) {
     p->PictureShadowSoftness = 0;
     p->PicturePlacement = 0;
     p->PictureShowFrame = 0;
   });
-  auto ops = RenderOps(doc_, 0, kPage, true, true, false);
+  auto ops = Render(0, true, true, false);
   ASSERT_EQ(ops.size(), 3u);
   EXPECT_EQ(ops[1].line, "rect 66 66 568 442 pen=none brush=#7F7F7F");
   EXPECT_EQ(ops[2].kind, "picture");
   // A picture that is switched off or has no width is not drawn.
-  Edit(0, [](MonthPage* p) { p->PictureShowPicture = 0; });
-  EXPECT_EQ(RenderOps(doc_, 0, kPage, true, true, false).size(), 1u);
-  Edit(0, [](MonthPage* p) { p->PictureShowPicture = 1; });
+  EditMonth(0, [](MonthPage* p) { p->PictureShowPicture = 0; });
+  EXPECT_EQ(Render(0, true, true, false).size(), 1u);
+  EditMonth(0, [](MonthPage* p) { p->PictureShowPicture = 1; });
   BlockLock(picture).as<BitmapInfoHeader>()->biWidth = 0;
-  EXPECT_EQ(RenderOps(doc_, 0, kPage, true, true, false).size(), 1u);
+  EXPECT_EQ(Render(0, true, true, false).size(), 1u);
   // The document owns the picture now and frees it.
 }
 
 TEST_F(MonthPageTest, APageAwayFromTheOriginKeepsTheBottomRules) {
-  Calendar(2026);
-  Edit(0, [](MonthPage* p) {
+  EditMonth(0, [](MonthPage* p) {
     p->Picture = DibCreate(400, 300, 24);
     p->PictureDropShadow = 0;
     p->PicturePlacement = 0;
@@ -298,19 +268,17 @@ TEST_F(MonthPageTest, APageAwayFromTheOriginKeepsTheBottomRules) {
 }
 
 TEST_F(MonthPageTest, HalvesDrawAlone) {
-  Calendar(2026);
-  auto upper = RenderOps(doc_, 3, kPage, true, true, false);
+  auto upper = Render(3, true, true, false);
   ASSERT_EQ(upper.size(), 1u);
   EXPECT_EQ(upper[0].line, "fill 0 0 700 500 #FFFFFF");
-  auto lower = RenderOps(doc_, 3, kPage, true, false, true);
+  auto lower = Render(3, true, false, true);
   EXPECT_EQ(lower[0].line, "fill 0 500 700 1000 #FFFFFF");
-  auto both = RenderOps(doc_, 3, kPage);
+  auto both = Render(3);
   EXPECT_EQ(both.size(), upper.size() + lower.size());
 }
 
 TEST_F(MonthPageTest, RefusesWhatIsNotAPageAndChangesNothing) {
-  Calendar(2026);
-  Edit(4, [](MonthPage* p) { p->Picture = DibCreate(40, 30, 8); });
+  EditMonth(4, [](MonthPage* p) { p->Picture = DibCreate(40, 30, 8); });
   std::vector<uint8_t> before = BlockBytes(doc_);
   OpsCanvas canvas;
   for (int page = 0; page < 14; ++page) EXPECT_EQ(DrawCalendarPage(canvas, kPage, doc_, page, false, true, true), 1);

@@ -1,4 +1,5 @@
 #include <climits>
+#include <string>
 #include <vector>
 
 #include "base/dib.h"
@@ -16,18 +17,22 @@ TEST(Primitives, MixAndBlendWorkPerChannel) {
   EXPECT_EQ(BlendColour(0x0000FF, 0x00FF00, 128), RGBColour(128, 127, 0));
 }
 
+// Everything drawing a black soft shadow on white over {left, top, right,
+// bottom} draws, in `clip` when there is one.
+static std::vector<Op> ShadowOps(const Rect& box, int32_t softness, const Rect* clip = nullptr) {
+  OpsCanvas canvas;
+  if (clip) canvas.Clip(*clip);
+  DrawSoftShadow(canvas, box.left, box.top, box.right, box.bottom, 0x000000, 0xFFFFFF, softness);
+  return ParseOps(canvas.ops());
+}
+
 TEST(Primitives, SoftShadowRingsShrinkTowardTheShadowColour) {
-  OpsCanvas none;
-  DrawSoftShadow(none, 0, 0, 19, 50, 0x000000, 0xFFFFFF, 5);  // n = 0
-  EXPECT_EQ(none.ops(), "");
+  EXPECT_EQ(Lines(ShadowOps({0, 0, 19, 50}, 5)), std::vector<std::string>{}) << "n = 0";
+  EXPECT_EQ(Lines(ShadowOps({100, 100, 120, 150}, 5)),
+            std::vector<std::string>{"roundrect 0 0 21 51 1 1 pen=none brush=#FFFFFF"})
+      << "n = 1: one ring in the background colour";
 
-  OpsCanvas one;
-  DrawSoftShadow(one, 100, 100, 120, 150, 0x000000, 0xFFFFFF, 5);  // n = 1: one ring in the background colour
-  EXPECT_EQ(one.ops(), "roundrect 0 0 21 51 1 1 pen=none brush=#FFFFFF\n");
-
-  OpsCanvas four;
-  DrawSoftShadow(four, 0, 0, 40, 20, 0x000000, 0xFFFFFF, 10);
-  auto rings = ParseOps(four.ops());
+  auto rings = ShadowOps({0, 0, 40, 20}, 10);
   ASSERT_EQ(rings.size(), 4u);
   EXPECT_EQ(rings[0].r, (Rect{2, 2, 44, 24}));
   EXPECT_EQ(rings[3].r, (Rect{5, 5, 41, 21}));
@@ -36,9 +41,7 @@ TEST(Primitives, SoftShadowRingsShrinkTowardTheShadowColour) {
   EXPECT_EQ(rings[3].brush, "#404040");  // t = 191
 
   // A damaged record's softness: one ring for each weight of 0 to 254.
-  OpsCanvas huge;
-  DrawSoftShadow(huge, 0, 0, 1000, 500, 0x000000, 0xFFFFFF, INT32_MAX);
-  EXPECT_EQ(ParseOps(huge.ops()).size(), 255u);
+  EXPECT_EQ(ShadowOps({0, 0, 1000, 500}, INT32_MAX).size(), 255u);
 }
 
 TEST(Primitives, SoftShadowRingsThatCannotShowInTheClipAreSkipped) {
@@ -59,11 +62,8 @@ TEST(Primitives, SoftShadowRingsThatCannotShowInTheClipAreSkipped) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(::testing::PrintToString(std::vector<int>{c.clip.left, c.clip.top, c.clip.right, c.clip.bottom}));
-    OpsCanvas canvas;
-    canvas.Clip(c.clip);
-    DrawSoftShadow(canvas, 0, 0, 40, 20, 0x000000, 0xFFFFFF, 10);
     std::vector<int> lefts;
-    for (const Op& op : OfKind(ParseOps(canvas.ops()), "roundrect")) lefts.push_back(op.r.left);
+    for (const Op& op : OfKind(ShadowOps({0, 0, 40, 20}, 10, &c.clip), "roundrect")) lefts.push_back(op.r.left);
     EXPECT_EQ(lefts, c.lefts);
   }
 }
@@ -94,23 +94,24 @@ TEST(Primitives, PaletteTripletsComeFromTheColourTable) {
 TEST(OpsCanvas, MeasuresTextByTheFixedRule) {
   OpsCanvas c;
   c.SetFont({10, 400, 0, "ARIAL"});
-  Rect r{0, 0, 100, 0};
-  // Characters 5 wide: "aaaa bbbb cccc" is 70 wide, so two lines fit 20 characters each.
-  EXPECT_EQ(c.DrawText("aaaa bbbb cccc dddd eeee", &r, kDtWordBreak | kDtCalcRect), 20);
-  EXPECT_EQ(r, (Rect{0, 0, 100, 20}));
-  r = {0, 0, 100, 0};
-  EXPECT_EQ(c.DrawText("one\r\ntwo\nthree", &r, kDtCalcRect), 30);
-  r = {10, 10, 20, 20};
-  EXPECT_EQ(c.DrawText("single line", &r, kDtSingleLine | kDtCalcRect), 10);
-  EXPECT_EQ(r, (Rect{10, 10, 65, 20}));
-  r = {0, 0, 12, 0};
-  EXPECT_EQ(c.DrawText("unbreakable word", &r, kDtWordBreak | kDtCalcRect), 20);
-  EXPECT_EQ(r.right, 55) << "a word wider than the box widens it";
+  // Characters 5 wide. Several lines keep the box's width unless a line is wider.
+  const struct { const char* text; Rect box; uint32_t format; int height; Rect measured; } cases[] = {
+      // "aaaa bbbb cccc" is 70 wide, so two lines fit 20 characters each.
+      {"aaaa bbbb cccc dddd eeee", {0, 0, 100, 0}, kDtWordBreak, 20, {0, 0, 100, 20}},
+      {"one\r\ntwo\nthree", {0, 0, 100, 0}, 0, 30, {0, 0, 100, 30}},
+      {"single line", {10, 10, 20, 20}, kDtSingleLine, 10, {10, 10, 65, 20}},
+      {"unbreakable word", {0, 0, 12, 0}, kDtWordBreak, 20, {0, 0, 55, 20}},  // widens the box
+  };
+  for (const auto& m : cases) {
+    Rect r = m.box;
+    EXPECT_EQ(c.DrawText(m.text, &r, m.format | kDtCalcRect), m.height) << m.text;
+    EXPECT_EQ(r, m.measured) << m.text;
+  }
   EXPECT_EQ(c.ops(), "") << "measuring draws nothing";
 
   c.SetOrigin(5, 7);
   c.SetTextColour(0x0000FF);
-  r = {1, 2, 3, 4};
+  Rect r{1, 2, 3, 4};
   c.DrawText("say \"hi\"\\\n", &r, 0x825);
   EXPECT_EQ(c.ops(), "text 6 9 8 11 flags=2085 color=#FF0000 font=10,400,0,\"ARIAL\" \"say \\\"hi\\\"\\\\\\n\"\n");
 }
