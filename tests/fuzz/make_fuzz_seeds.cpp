@@ -2,7 +2,6 @@
 // FOLDER/text-seeds and FOLDER/image-seeds, and makes the empty working
 // corpora beside them.
 #include <sys/stat.h>
-#include <zlib.h>
 
 #include <cstdio>
 #include <cstring>
@@ -63,55 +62,30 @@ void WriteBytes(const std::string& path, const std::string& bytes) {
 
 // Rows of `rowBytes` pattern bytes, each after its filter byte.
 std::string Png(int width, int height, int depth, int colourType, int rowBytes, const std::string& palette) {
-  std::string raw;
+  std::string scanlines;
   for (int y = 0; y < height; ++y) {
-    raw += static_cast<char>(y % 5);  // every filter type
-    for (int x = 0; x < rowBytes; ++x) raw += static_cast<char>(x * 37 + y * 11);
+    scanlines += static_cast<char>(y % 5);  // every filter type
+    for (int x = 0; x < rowBytes; ++x) scanlines += static_cast<char>(x * 37 + y * 11);
   }
-  uLongf size = compressBound(raw.size());
-  std::string z(size, '\0');
-  compress(reinterpret_cast<Bytef*>(&z[0]), &size, reinterpret_cast<const Bytef*>(raw.data()), raw.size());
-  z.resize(size);
-  std::string header =
-      Be32(width) + Be32(height) + std::string{static_cast<char>(depth), static_cast<char>(colourType), 0, 0, 0};
-  std::string plte = palette.empty() ? "" : PngChunk("PLTE", palette);
-  return "\x89PNG\r\n\x1a\n" + PngChunk("IHDR", header) + plte + PngChunk("IDAT", z) + PngChunk("IEND", "");
+  return PngOfScanlines(width, height, depth, colourType, scanlines, palette);
 }
 
-// A 4 x 3 GIF on a four-colour table with a transparent index. Its LZW codes
-// are 9-bit literals after a clear code.
+// A 4 x 3 GIF on a four-colour table with a transparent index.
 std::string Gif() {
-  std::string s = "GIF89a" + Le16(4) + Le16(3) + std::string("\x81\0\0", 3);
-  s += std::string("\0\0\0\xFF\0\0\0\xFF\0\0\0\xFF", 12);
-  s += std::string("\x21\xF9\x04\x01\0\0\x02\0", 8);
-  s += "," + Le16(0) + Le16(0) + Le16(4) + Le16(3) + std::string(1, '\0') + std::string(1, 8);
-  std::string packed;
-  uint32_t bits = 0;
-  int count = 0;
-  for (int i = -1; i <= 12; ++i) {
-    int code = i < 0 ? 256 : i == 12 ? 257 : i % 4;
-    bits |= static_cast<uint32_t>(code) << count;
-    for (count += 9; count >= 8; count -= 8, bits >>= 8) packed += static_cast<char>(bits);
-  }
-  packed += static_cast<char>(bits);
-  return s + static_cast<char>(packed.size()) + packed + std::string(1, '\0') + ";";
+  return GifScreen(4, 3, 0x81, Rgbs({0, 0xFF0000, 0x00FF00, 0x0000FF})) + Bytes({0x21, 0xF9, 4, 1, 0, 0, 2, 0}) +
+         GifImage(0, 0, 4, 3, 0, "", {0, 1, 2, 3, 0, 1, 2, 3, 0, 1, 2, 3}) + ";";
 }
 
-// PCX header for a 4 x 3 picture, with coded lines of `bytesPerLine` a plane.
-std::string PcxHeader(int bitsPerPlane, int planes, int bytesPerLine) {
-  std::string s = {0x0A, 5, 1, static_cast<char>(bitsPerPlane)};
-  s += Le16(0) + Le16(0) + Le16(3) + Le16(2) + Le16(72) + Le16(72);
-  for (int i = 0; i < 16; ++i) s += {static_cast<char>(i * 16), static_cast<char>(255 - i * 16), static_cast<char>(i)};
-  s += {0, static_cast<char>(planes)};
-  s += Le16(bytesPerLine) + Le16(1);
-  return s + std::string(128 - s.size(), '\0');
+// A 4 x 3 PCX with sixteen header colours.
+std::string Pcx(int bitsPerPlane, int planes, int bytesPerLine, const std::string& coded) {
+  std::string colours;
+  for (int i = 0; i < 16; ++i) colours += Bytes({i * 16, 255 - i * 16, i});
+  return image_bytes::Pcx(5, bitsPerPlane, planes, 4, 3, bytesPerLine, colours, coded);
 }
 
+// A 4 x 3 TGA, with a 24-bit map when it has one.
 std::string Tga(int mapType, int imageType, int mapLength, int depth, int descriptor, const std::string& rest) {
-  std::string s = {0, static_cast<char>(mapType), static_cast<char>(imageType)};
-  s += Le16(0) + Le16(mapLength) + std::string(1, mapLength ? 24 : 0) + std::string(4, '\0');
-  s += Le16(4) + Le16(3) + std::string{static_cast<char>(depth), static_cast<char>(descriptor)};
-  return s + rest;
+  return image_bytes::Tga(mapType, imageType, mapLength, mapLength ? 24 : 0, 4, 3, depth, descriptor, rest);
 }
 
 // A calendar with a picture on every page whose every other number is
@@ -151,9 +125,9 @@ void WriteImageSeeds(const std::string& folder) {
 
   std::string end(1, 0x0C);
   for (int i = 0; i < 256; ++i) end += {static_cast<char>(i), static_cast<char>(i * 3), static_cast<char>(255 - i)};
-  WriteBytes(folder + "/palette.pcx", PcxHeader(8, 1, 4) + std::string("\xC5\x07\x01\x02\xC6\xC3", 6) + end);
-  WriteBytes(folder + "/planes.pcx", PcxHeader(1, 4, 2) + std::string("\xD8\xA0", 2));
-  WriteBytes(folder + "/rgb.pcx", PcxHeader(8, 3, 4) + std::string("\xE4\x40", 2));
+  WriteBytes(folder + "/palette.pcx", Pcx(8, 1, 4, std::string("\xC5\x07\x01\x02\xC6\xC3", 6) + end));
+  WriteBytes(folder + "/planes.pcx", Pcx(1, 4, 2, std::string("\xD8\xA0", 2)));
+  WriteBytes(folder + "/rgb.pcx", Pcx(8, 3, 4, std::string("\xE4\x40", 2)));
 
   std::string map;
   for (int i = 0; i < 4; ++i) map += {static_cast<char>(i * 60), static_cast<char>(255 - i * 60), static_cast<char>(i)};
@@ -174,8 +148,7 @@ void WriteImageSeeds(const std::string& folder) {
   std::string bigPng = Png(3, 3, 8, 6, 12, "");
   bigPng.replace(16, 8, Be32(6000) + Be32(4000));
   WriteBytes(folder + "/big-header.png", bigPng);
-  std::string bmp = "BM" + Le16(0) + Le16(0) + Le16(0) + Le16(0) + Le16(54) + Le16(0);
-  bmp += Le16(40) + Le16(0) + Le16(6000) + Le16(0) + Le16(4000) + Le16(0) + Le16(1) + Le16(24);
+  std::string bmp = "BM" + Le32(0) + Le32(0) + Le32(54) + Le32(40) + Le32(6000) + Le32(4000) + Le16(1) + Le16(24);
   WriteBytes(folder + "/big-header.bmp", bmp + std::string(24, '\0') + std::string(64, '\x55'));
 }
 

@@ -14,6 +14,7 @@
 #include "calendar/event_list.h"
 #include "calendar/picture_streams.h"
 #include "config/settings.h"
+#include "image_bytes.h"
 #include "test_support.h"
 
 namespace {
@@ -40,8 +41,6 @@ class RecordingProgress : public FileProgress {
   bool answer_;
 };
 
-constexpr uint32_t MonthAt(int month) { return kHeaderSize + month * kMonthPageSize; }
-
 uint32_t U32At(const std::string& bytes, size_t offset) {
   uint32_t v;
   std::memcpy(&v, bytes.data() + offset, 4);
@@ -67,6 +66,24 @@ std::vector<std::string> Streams(const std::string& bytes) {
   for (StreamSpan s : StreamSpans(bytes)) streams.push_back(bytes.substr(s.at, s.length));
   return streams;
 }
+
+// A calendar (or none) freed when the test leaves its scope, so that the
+// fixture's count of blocks left behind sees only what the file layer keeps.
+class Doc {
+ public:
+  explicit Doc(CalendarDocument doc = 0) : doc_(doc) {}
+  Doc(const Doc&) = delete;
+  Doc& operator=(const Doc&) = delete;
+  ~Doc() { reset(0); }
+  void reset(CalendarDocument doc) {
+    if (doc_) FreeCalendar(doc_);
+    doc_ = doc;
+  }
+  operator CalendarDocument() const { return doc_; }
+
+ private:
+  CalendarDocument doc_;
+};
 
 class CalendarFileTest : public QuernalTest {
  protected:
@@ -95,12 +112,11 @@ class CalendarFileTest : public QuernalTest {
       PutMonthPage(doc, m, &p);
     }
     return doc;
-  }  // The bytes of a calendar saved with pictures on `months`.
+  }
+  // The bytes of a calendar saved with pictures on `months`.
   std::string SavedWith(std::initializer_list<int> months) {
-    CalendarDocument doc = WithPictures(months);
-    const int saved = Save(doc, path_);
-    FreeCalendar(doc);
-    EXPECT_EQ(saved, 1);
+    Doc doc(WithPictures(months));
+    EXPECT_EQ(Save(doc, path_), 1);
     return ReadFile(path_);
   }
 
@@ -114,25 +130,52 @@ class CalendarFileTest : public QuernalTest {
     if (questions) *questions = progress.questions;
     return doc;
   }
+  // `bytes` written over the calendar's file and opened.
+  CalendarDocument LoadBytes(const std::string& bytes, bool answer = true, int* questions = nullptr) {
+    WriteFile(path_, bytes);
+    return Load(path_, answer, questions);
+  }
+  // `doc` saved and opened again.
+  CalendarDocument Reopened(CalendarDocument doc) {
+    EXPECT_EQ(Save(doc, path_), 1);
+    return Load(path_);
+  }
   MonthPage Page(CalendarDocument doc, int month) {
     MonthPage p;
     EXPECT_TRUE(GetMonthPage(doc, month, &p));
     return p;
+  }
+  // The cover's and the months' pictures of `back` hold the pixels of `doc`'s.
+  void ExpectSamePictures(CalendarDocument doc, CalendarDocument back, std::initializer_list<int> months) {
+    CalendarHeader h, hb;
+    GetHeader(doc, &h);
+    GetHeader(back, &hb);
+    EXPECT_EQ(BlockBytes(hb.CoverPicture), BlockBytes(h.CoverPicture));
+    for (int m : months) EXPECT_EQ(BlockBytes(Page(back, m).Picture), BlockBytes(Page(doc, m).Picture)) << m;
+  }
+  // What CompressBlockToFile writes for `picture` at `level`, left in `path`.
+  std::string Compressed(BlockHandle picture, int level, const std::string& path) {
+    std::FILE* f = std::fopen(path.c_str(), "wb");
+    uint32_t size = GlobalBlockSize(picture);
+    EXPECT_TRUE(CompressBlockToFile(f, picture, &size, level));
+    std::fclose(f);
+    const std::string stream = ReadFile(path);
+    EXPECT_EQ(size, stream.size());
+    return stream;
   }
 };
 
 }  // namespace
 
 TEST_F(CalendarFileTest, NewCalendarIs70139BytesAndReloadsFieldForField) {
-  CalendarDocument doc = CreateCalendar(2026, 10);
-  ASSERT_EQ(Save(doc, path_), 1);
-  std::string bytes = ReadFile(path_);
+  Doc doc(CreateCalendar(2026, 10));
+  Doc back(Reopened(doc));
+  ASSERT_NE(back, 0u);
+  const std::string bytes = ReadFile(path_);
   EXPECT_EQ(bytes.size(), 70139u);
   EXPECT_EQ(bytes.substr(0, 4), "TRWK");
-  EXPECT_EQ(bytes.substr(MonthAt(11), 4), "PAGE");
+  EXPECT_EQ(bytes.substr(kHeaderSize + 11 * kMonthPageSize, 4), "PAGE");
 
-  CalendarDocument back = Load(path_);
-  ASSERT_NE(back, 0u);
   CalendarHeader a, b;
   GetHeader(doc, &a);
   GetHeader(back, &b);
@@ -141,26 +184,21 @@ TEST_F(CalendarFileTest, NewCalendarIs70139BytesAndReloadsFieldForField) {
     MonthPage pa = Page(doc, m), pb = Page(back, m);
     EXPECT_EQ(std::memcmp(&pa, &pb, sizeof pa), 0) << "month " << m;
   }
-  FreeCalendar(doc);
-  FreeCalendar(back);
 }
 
 TEST_F(CalendarFileTest, CalendarsWithPicturesRoundTripByteForByte) {
-  CalendarDocument doc = WithPictures({0, 5, 11});
-  ASSERT_EQ(Save(doc, path_), 1);
-  CalendarDocument back = Load(path_);
+  Doc doc(WithPictures({0, 5, 11}));
+  Doc back(Reopened(doc));
   ASSERT_NE(back, 0u);
 
-  CalendarHeader h, hb;
-  GetHeader(doc, &h);
+  ExpectSamePictures(doc, back, {0, 5, 11});
+  CalendarHeader hb;
   GetHeader(back, &hb);
-  EXPECT_EQ(BlockBytes(hb.CoverPicture), BlockBytes(h.CoverPicture));
   EXPECT_STREQ(hb.CoverTitle, "Cover \xE9t\xE9");
   EXPECT_EQ(hb.CoverPictureShowPicture, 1);
   EXPECT_EQ(hb.RecordSize, 1343u);
   for (int m : {0, 5, 11}) {
     MonthPage p = Page(doc, m), pb = Page(back, m);
-    EXPECT_EQ(BlockBytes(pb.Picture), BlockBytes(p.Picture)) << m;
     EXPECT_NE(pb.Picture, p.Picture);
     EXPECT_EQ(pb.RecordSize, 5733u);
     EXPECT_EQ(pb.PictureDataSize, GlobalBlockSize(p.Picture));
@@ -170,14 +208,10 @@ TEST_F(CalendarFileTest, CalendarsWithPicturesRoundTripByteForByte) {
   std::string again = dir_.File("again.CLN");
   ASSERT_EQ(Save(back, again), 1);
   EXPECT_EQ(ReadFile(again), ReadFile(path_));
-  FreeCalendar(doc);
-  FreeCalendar(back);
 }
 
 TEST_F(CalendarFileTest, RecordSizesInTheFileCountTheStreams) {
-  CalendarDocument doc = WithPictures({2});
-  ASSERT_EQ(Save(doc, path_), 1);
-  std::string bytes = ReadFile(path_);
+  const std::string bytes = SavedWith({2});
   uint32_t headerLength = U32At(bytes, 4);
   EXPECT_GT(headerLength, kHeaderSize);
   EXPECT_EQ(U32At(bytes, 30), 1u) << "handles are written as flags";
@@ -190,16 +224,15 @@ TEST_F(CalendarFileTest, RecordSizesInTheFileCountTheStreams) {
   EXPECT_EQ(U32At(bytes, march + offsetof(MonthPage, Picture)), 1u);
   EXPECT_EQ(U32At(bytes, march + offsetof(MonthPage, Events)), 0u);
   EXPECT_EQ(bytes.size(), headerLength + 11 * kMonthPageSize + marchLength);
-  FreeCalendar(doc);
 }
 
 TEST_F(CalendarFileTest, ProgressShowsTheFileNameAndMovesForPictureMonthsOnly) {
-  CalendarDocument doc = WithPictures({3, 7});
+  Doc doc(WithPictures({3, 7}));
   RecordingProgress saving;
   ASSERT_EQ(SaveCalendar(&saving, path_.c_str(), doc), 1);
   EXPECT_EQ(saving.log, (std::vector<std::string>{"begin Saving Family Year.CLN", "bar 4/12", "bar 8/12", "end"}));
   RecordingProgress loading;
-  CalendarDocument back = LoadCalendar(&loading, path_.c_str());
+  Doc back(LoadCalendar(&loading, path_.c_str()));
   std::vector<std::string> expected = {"begin Opening Family Year.CLN", "bar 1/12"};
   for (int m = 1; m <= 12; ++m) expected.push_back("bar " + std::to_string(m) + "/12");
   expected.push_back("end");
@@ -208,12 +241,10 @@ TEST_F(CalendarFileTest, ProgressShowsTheFileNameAndMovesForPictureMonthsOnly) {
   RecordingProgress failing;
   EXPECT_EQ(SaveCalendar(&failing, dir_.File("no such folder/x.CLN").c_str(), doc), 0);
   EXPECT_EQ(failing.log.back(), "end");
-  FreeCalendar(doc);
-  FreeCalendar(back);
 }
 
 TEST_F(CalendarFileTest, LoadingReadsEventListsAndClearsTheChangedFlag) {
-  CalendarDocument doc = CreateCalendar(2026, 0);
+  Doc doc(CreateCalendar(2026, 0));
   CalendarHeader h;
   GetHeader(doc, &h);
   h.Changed = 1;
@@ -221,9 +252,8 @@ TEST_F(CalendarFileTest, LoadingReadsEventListsAndClearsTheChangedFlag) {
   MonthPage p = Page(doc, 6);
   std::strcpy(p.DaysName, "Family");
   PutMonthPage(doc, 6, &p);
-  ASSERT_EQ(Save(doc, path_), 1);
   WriteFile(dir_.File("Family.CDF"), "JUL04 Picnic\n");
-  CalendarDocument back = Load(path_);
+  Doc back(Reopened(doc));
   GetHeader(back, &h);
   EXPECT_EQ(h.Changed, 0);
   BlockHandle events = Page(back, 6).Events;
@@ -232,19 +262,15 @@ TEST_F(CalendarFileTest, LoadingReadsEventListsAndClearsTheChangedFlag) {
   EXPECT_EQ(FindEvent(text, sizeof text, events, 6, 3), 1);
   EXPECT_STREQ(text, "Picnic");
   EXPECT_EQ(Page(back, 5).Events, 0u) << "no General.CDF";
-  FreeCalendar(doc);
-  FreeCalendar(back);
 }
 
 TEST_F(CalendarFileTest, HiddenPicturesAreNotSaved) {
-  CalendarDocument doc = WithPictures({4});
+  Doc doc(WithPictures({4}));
   MonthPage p = Page(doc, 4);
   p.PictureShowPicture = 0;
   PutMonthPage(doc, 4, &p);
-  ASSERT_EQ(Save(doc, path_), 1);
-  CalendarDocument back = Load(path_);
+  Doc back(Reopened(doc));
   EXPECT_EQ(Page(back, 4).Picture, 0u);
-  FreeCalendar(back);
 
   // A hidden cover picture keeps its flag in the header but no stream
   // follows, so reopening finds the cover record damaged and goes on without it.
@@ -255,14 +281,12 @@ TEST_F(CalendarFileTest, HiddenPicturesAreNotSaved) {
   ASSERT_EQ(Save(doc, path_), 1);
   EXPECT_EQ(U32At(ReadFile(path_), 4), kHeaderSize);
   int questions = 0;
-  back = Load(path_, true, &questions);
+  back.reset(Load(path_, true, &questions));
   ASSERT_NE(back, 0u);
   EXPECT_EQ(questions, 1);
   GetHeader(back, &h);
   EXPECT_EQ(h.CoverPicture, 0u);
   EXPECT_EQ(h.CoverPictureShowPicture, 0);
-  FreeCalendar(doc);
-  FreeCalendar(back);
 }
 
 TEST_F(CalendarFileTest, TheReaderSeeksToTheEndEachRecordStates) {
@@ -271,34 +295,28 @@ TEST_F(CalendarFileTest, TheReaderSeeksToTheEndEachRecordStates) {
   size_t march = U32At(bytes, 4) + 2 * kMonthPageSize;
   PutU32(&bytes, march + 4, kMonthPageSize + 30);
   bytes.insert(march + kMonthPageSize, std::string(30, '\x5A'));
-  WriteFile(path_, bytes);
   int questions = 0;
-  CalendarDocument back = Load(path_, true, &questions);
+  Doc back(LoadBytes(bytes, true, &questions));
   ASSERT_NE(back, 0u);
   EXPECT_EQ(questions, 0);
   EXPECT_EQ(Page(back, 3).RecordSize, kMonthPageSize);
   EXPECT_EQ(Page(back, 11).DateFontSize, 50);
-  FreeCalendar(back);
 }
 
 TEST_F(CalendarFileTest, ATruncatedPictureStreamAsksAndYesKeepsTheRest) {
-  std::string bytes = SavedWith({0, 11});
-  WriteFile(path_, bytes.substr(0, bytes.size() - 40));  // ends inside December's picture
-
-  int questions = 0;
-  EXPECT_EQ(Load(path_, false, &questions), 0u) << "No aborts the load";
+  const std::string bytes = SavedWith({0, 11});
+  int questions = 0;  // the file ends inside December's picture
+  EXPECT_EQ(LoadBytes(bytes.substr(0, bytes.size() - 40), false, &questions), 0u) << "No aborts the load";
   EXPECT_EQ(questions, 1);
-  CalendarDocument back = Load(path_, true, &questions);
+  Doc back(Load(path_, true, &questions));
   ASSERT_NE(back, 0u);
   EXPECT_NE(Page(back, 0).Picture, 0u);
   EXPECT_EQ(Page(back, 11).Picture, 0u);
   EXPECT_EQ(Page(back, 11).PictureShowPicture, 0);
-  FreeCalendar(back);
 
   // Ending inside January's picture leaves February's record incomplete.
   size_t januaryEnd = U32At(bytes, 4) + U32At(bytes, U32At(bytes, 4) + 4);
-  WriteFile(path_, bytes.substr(0, januaryEnd - 10));
-  EXPECT_EQ(Load(path_, true), 0u);
+  EXPECT_EQ(LoadBytes(bytes.substr(0, januaryEnd - 10)), 0u);
 }
 
 TEST_F(CalendarFileTest, DamagedStreamsAndHostileSizesAreDamagedRecords) {
@@ -332,11 +350,7 @@ TEST_F(CalendarFileTest, DamagedStreamsAndHostileSizesAreDamagedRecords) {
        [](std::string* b, size_t f, uint32_t) { PutU32(b, f + 4, 0x7FFFFFF0u); }, false},
       {"a stream of something that is not a picture",
        [](std::string* b, size_t f, uint32_t len) {
-         std::string junk(200, 'j');
-         uLongf size = compressBound(junk.size());
-         std::string z(size, 0);
-         compress(reinterpret_cast<Bytef*>(&z[0]), &size, reinterpret_cast<const Bytef*>(junk.data()), junk.size());
-         z.resize(size);
+         const std::string z = image_bytes::Zlib(std::string(200, 'j'));
          b->replace(f + kMonthPageSize, len - kMonthPageSize, z);
          PutU32(b, f + 4, kMonthPageSize + static_cast<uint32_t>(z.size()));
          PutU32(b, f + offsetof(MonthPage, PictureDataSize), 200);
@@ -346,15 +360,13 @@ TEST_F(CalendarFileTest, DamagedStreamsAndHostileSizesAreDamagedRecords) {
     SCOPED_TRACE(c.what);
     std::string bytes = good;
     c.damage(&bytes, feb, febLength);
-    WriteFile(path_, bytes);
     int questions = 0;
-    EXPECT_EQ(Load(path_, false, &questions), 0u);
+    EXPECT_EQ(LoadBytes(bytes, false, &questions), 0u);
     EXPECT_EQ(questions, c.asks ? 1 : 0);
-    CalendarDocument back = Load(path_, true, &questions);
+    Doc back(Load(path_, true, &questions));
     if (back) {
       EXPECT_EQ(Page(back, 1).Picture, 0u);
       EXPECT_EQ(Page(back, 1).PictureShowPicture, 0);
-      FreeCalendar(back);
     }
   }
 }
@@ -362,32 +374,28 @@ TEST_F(CalendarFileTest, DamagedStreamsAndHostileSizesAreDamagedRecords) {
 TEST_F(CalendarFileTest, UnreadableFilesGiveNoCalendarAndLeakNothing) {
   const std::string good = SavedWith({});
   EXPECT_EQ(Load(dir_.File("absent.CLN")), 0u);
-  std::string bytes = good;
-  bytes[0] = 'X';
-  WriteFile(path_, bytes);
-  EXPECT_EQ(Load(path_), 0u) << "wrong magic";
-  WriteFile(path_, good.substr(0, 1000));
-  EXPECT_EQ(Load(path_), 0u) << "short header";
-  bytes = good;
-  bytes[U32At(good, 4) + 5 * kMonthPageSize] = 'p';
-  WriteFile(path_, bytes);
-  EXPECT_EQ(Load(path_), 0u) << "a page without its magic";
-  WriteFile(path_, good.substr(0, good.size() - 100));
-  EXPECT_EQ(Load(path_), 0u) << "the last page cut short";
+  std::string magic = good, pageMagic = good;
+  magic[0] = 'X';
+  pageMagic[U32At(good, 4) + 5 * kMonthPageSize] = 'p';
+  const std::pair<const char*, std::string> files[] = {
+      {"wrong magic", magic},
+      {"short header", good.substr(0, 1000)},
+      {"a page without its magic", pageMagic},
+      {"the last page cut short", good.substr(0, good.size() - 100)},
+  };
+  for (const auto& [what, bytes] : files) EXPECT_EQ(LoadBytes(bytes), 0u) << what;
   // The fixture checks that none of these left a block behind.
 }
 
 TEST_F(CalendarFileTest, TextsWithoutTheirZeroAreCutOnLoading) {
-  CalendarDocument doc = CreateCalendar(2026, 0);
+  Doc doc(CreateCalendar(2026, 0));
   ASSERT_EQ(Save(doc, path_), 1);
-  FreeCalendar(doc);
   std::string bytes = ReadFile(path_);
   size_t jan = kHeaderSize;
   std::memset(&bytes[jan + offsetof(MonthPage, DaysName)], 'N', kFontNameSize);
   std::memset(&bytes[offsetof(CalendarHeader, CoverTitle)], 'T', kFontNameSize);
   std::memset(&bytes[jan + offsetof(MonthPage, RightCaption)], 'R', kCaptionSize);
-  WriteFile(path_, bytes);
-  CalendarDocument back = Load(path_);
+  Doc back(LoadBytes(bytes));
   ASSERT_NE(back, 0u);
   MonthPage p = Page(back, 0);
   EXPECT_EQ(std::strlen(p.DaysName), kFontNameSize - 1u);
@@ -395,7 +403,6 @@ TEST_F(CalendarFileTest, TextsWithoutTheirZeroAreCutOnLoading) {
   CalendarHeader h;
   GetHeader(back, &h);
   EXPECT_EQ(std::strlen(h.CoverTitle), kFontNameSize - 1u);
-  FreeCalendar(back);
 }
 
 TEST_F(CalendarFileTest, CompressionLevelsAndTheStreamFunctions) {
@@ -403,14 +410,9 @@ TEST_F(CalendarFileTest, CompressionLevelsAndTheStreamFunctions) {
   std::string path = dir_.File("stream.bin");
   uint32_t sizes[2];
   for (int level : {1, 9}) {
-    std::FILE* f = std::fopen(path.c_str(), "wb");
-    uint32_t size = GlobalBlockSize(picture);
-    ASSERT_TRUE(CompressBlockToFile(f, picture, &size, level));
-    std::fclose(f);
-    EXPECT_EQ(size, ReadFile(path).size());
+    const uint32_t size = static_cast<uint32_t>(Compressed(picture, level, path).size());
     sizes[level == 9] = size;
-
-    f = std::fopen(path.c_str(), "rb");
+    std::FILE* f = std::fopen(path.c_str(), "rb");
     uint32_t length = size;
     BlockHandle known = InflateBlockFromFile(f, &length, GlobalBlockSize(picture));
     EXPECT_EQ(length, GlobalBlockSize(picture));
@@ -446,7 +448,7 @@ TEST_F(CalendarFileTest, AStreamThatInflatesBeyondTheLimitIsRefused) {
 TEST_F(CalendarFileTest, EveryStreamIsWhatCompressBlockToFileWrites) {
   // Pictures of every kind and size on all thirteen pages, so that the
   // workers finish out of order.
-  CalendarDocument doc = CreateCalendar(2026, 0);
+  Doc doc(CreateCalendar(2026, 0));
   CalendarHeader h;
   GetHeader(doc, &h);
   h.CoverPicture = PhotoLikePicture(320, 240, 13);
@@ -467,14 +469,9 @@ TEST_F(CalendarFileTest, EveryStreamIsWhatCompressBlockToFileWrites) {
     const std::vector<std::string> streams = Streams(ReadFile(path_));
     for (int page = 0; page < 13; ++page) {
       BlockHandle picture = page ? Page(doc, page - 1).Picture : h.CoverPicture;
-      std::FILE* f = std::fopen(reference.c_str(), "wb");
-      uint32_t size = GlobalBlockSize(picture);
-      ASSERT_TRUE(CompressBlockToFile(f, picture, &size, level));
-      std::fclose(f);
-      EXPECT_EQ(streams[page], ReadFile(reference)) << "page " << page;
+      EXPECT_EQ(streams[page], Compressed(picture, level, reference)) << "page " << page;
     }
   }
-  FreeCalendar(doc);
 }
 
 namespace {
@@ -529,11 +526,10 @@ TEST_F(CalendarFileTest, UnchangedPicturesAreCopiedFromTheFileTheyCameFrom) {
     SCOPED_TRACE(c.what);
     ForgetPictureStreams();
     Settings.ImageCompression = c.savedAt;
-    CalendarDocument doc = WithPictures({0, 5, 11});
+    Doc doc(WithPictures({0, 5, 11}));
     ASSERT_EQ(Save(doc, path_), 1);
     if (c.reopened) {
-      FreeCalendar(doc);
-      doc = Load(path_);
+      doc.reset(Load(path_));
       ASSERT_NE(doc, 0u);
     }
     if (c.change) c.change(doc, path_);
@@ -544,24 +540,17 @@ TEST_F(CalendarFileTest, UnchangedPicturesAreCopiedFromTheFileTheyCameFrom) {
     if (c.copied == 4) {
       EXPECT_EQ(Streams(ReadFile(second)), Streams(ReadFile(path_)));
     }
-    CalendarDocument back = Load(second);
+    Doc back(Load(second));
     ASSERT_NE(back, 0u);
-    CalendarHeader h, hb;
-    GetHeader(doc, &h);
-    GetHeader(back, &hb);
-    EXPECT_EQ(BlockBytes(hb.CoverPicture), BlockBytes(h.CoverPicture));
-    for (int m : {0, 5, 11}) EXPECT_EQ(BlockBytes(Page(back, m).Picture), BlockBytes(Page(doc, m).Picture)) << m;
-    FreeCalendar(back);
-    FreeCalendar(doc);
+    ExpectSamePictures(doc, back, {0, 5, 11});
   }
 
   // Saving over the very file the streams are copied from.
   const std::string before = ReadFile(second);
-  CalendarDocument doc = Load(second);
+  Doc doc(Load(second));
   ASSERT_EQ(Save(doc, second), 1);
   EXPECT_EQ(LastSaveStreamCounts().copied, 4);
   EXPECT_EQ(ReadFile(second), before);
-  FreeCalendar(doc);
 }
 
 TEST_F(CalendarFileTest, DamagedPicturesAskInMonthOrderWhileTheOthersInflate) {
@@ -599,11 +588,10 @@ TEST_F(CalendarFileTest, DamagedPicturesAskInMonthOrderWhileTheOthersInflate) {
     expected.push_back("end");
 
     RecordingProgress progress(c.answer);
-    CalendarDocument back = LoadCalendar(&progress, path_.c_str());
+    Doc back(LoadCalendar(&progress, path_.c_str()));
     EXPECT_EQ(progress.log, expected);
     ASSERT_EQ(back != 0, loads);
     for (int m = 0; back && m < 12; ++m) EXPECT_EQ(Page(back, m).Picture == 0, c.damaged.count(m + 1) > 0) << m;
-    if (back) FreeCalendar(back);
   }
 }
 

@@ -1,12 +1,13 @@
 // Bytes of image files built by hand, shared by the image reader's tests and
-// the fuzzing seeds: little- and big-endian integers, PNG chunks, and two
-// small JPEGs.
+// the fuzzing seeds: little- and big-endian integers, colours, zlib streams,
+// whole PNG, PCX, TGA and GIF files, and two small JPEGs.
 #pragma once
 #include <zlib.h>
 
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 namespace image_bytes {
 
@@ -21,6 +22,70 @@ inline std::string Be32(uint32_t v) { return Bytes({int(v >> 24), int(v >> 16 & 
 inline std::string PngChunk(const std::string& type, const std::string& data) {
   std::string body = type + data;
   return Be32(data.size()) + body + Be32(crc32(0, reinterpret_cast<const Bytef*>(body.data()), body.size()));
+}
+// Colours are written 0xRRGGBB.
+inline std::string Rgb(uint32_t c) { return Bytes({int(c >> 16), int(c >> 8 & 255), int(c & 255)}); }
+inline std::string Rgbs(const std::vector<uint32_t>& colours) {
+  std::string s;
+  for (uint32_t c : colours) s += Rgb(c);
+  return s;
+}
+// `raw` as a zlib stream at the default level.
+inline std::string Zlib(const std::string& raw) {
+  uLongf size = compressBound(raw.size());
+  std::string z(size, '\0');
+  compress(reinterpret_cast<Bytef*>(&z[0]), &size, reinterpret_cast<const Bytef*>(raw.data()), raw.size());
+  z.resize(size);
+  return z;
+}
+
+// A PNG of the given scanlines, each opening with its filter byte.
+inline std::string PngOfScanlines(int width, int height, int depth, int colourType, const std::string& scanlines,
+                                  const std::string& palette = "") {
+  return "\x89PNG\r\n\x1a\n" + PngChunk("IHDR", Be32(width) + Be32(height) + Bytes({depth, colourType, 0, 0, 0})) +
+         (palette.empty() ? "" : PngChunk("PLTE", palette)) + PngChunk("IDAT", Zlib(scanlines)) + PngChunk("IEND", "");
+}
+// A PNG of unfiltered rows.
+inline std::string Png(int width, int height, int depth, int colourType, const std::vector<std::string>& rows,
+                       const std::string& palette = "") {
+  std::string scanlines;
+  for (const std::string& row : rows) scanlines += '\0' + row;  // filter: none
+  return PngOfScanlines(width, height, depth, colourType, scanlines, palette);
+}
+
+// A PCX at 72 dpi with up to sixteen header `colours`; `coded` is the
+// run-length coded data: 0xC0 + n repeats the next byte n times.
+inline std::string Pcx(int version, int bitsPerPlane, int planes, int width, int height, int bytesPerLine,
+                       const std::string& colours, const std::string& coded) {
+  std::string s = Bytes({0x0A, version, 1, bitsPerPlane}) + Le32(0) + Le16(width - 1) + Le16(height - 1) + Le16(72) +
+                  Le16(72) + colours + std::string(48 - colours.size(), '\0') + Bytes({0, planes}) +
+                  Le16(bytesPerLine) + Le16(1);
+  return s + std::string(128 - s.size(), '\0') + coded;
+}
+
+inline std::string Tga(int mapType, int imageType, int mapLength, int mapBits, int width, int height, int depth,
+                       int descriptor, const std::string& data) {
+  return Bytes({0, mapType, imageType}) + Le16(0) + Le16(mapLength) + Bytes({mapBits}) + Le32(0) + Le16(width) +
+         Le16(height) + Bytes({depth, descriptor}) + data;
+}
+
+inline std::string GifScreen(int width, int height, int flags, const std::string& table, int background = 0) {
+  return "GIF89a" + Le16(width) + Le16(height) + Bytes({flags, background, 0}) + table;
+}
+// An image whose LZW data decodes to the indexes as they are: 9-bit codes
+// after a clear code, too few for the code size to grow.
+inline std::string GifImage(int left, int top, int width, int height, int flags, const std::string& table,
+                            const std::vector<int>& indexes) {
+  std::string data;
+  uint32_t bits = 256;  // clear
+  int count = 9;
+  for (size_t i = 0; i <= indexes.size(); ++i) {
+    bits |= static_cast<uint32_t>(i < indexes.size() ? indexes[i] : 257) << count;  // 257: end
+    for (count += 9; count >= 8; count -= 8, bits >>= 8) data += static_cast<char>(bits & 255);
+  }
+  data += static_cast<char>(bits);
+  return "," + Le16(left) + Le16(top) + Le16(width) + Le16(height) + Bytes({flags}) + table + Bytes({8}) +
+         static_cast<char>(data.size()) + data + '\0';
 }
 
 // Small test pictures made once with ImageMagick: an 8 x 8 grey gradient

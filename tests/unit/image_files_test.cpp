@@ -3,8 +3,6 @@
 // read, the BMP writer, and files that are damaged or lie.
 #include "pictures/image_files.h"
 
-#include <zlib.h>
-
 #include <climits>
 #include <cstring>
 #include <string>
@@ -21,14 +19,8 @@ using namespace image_bytes;
 
 using Values = std::vector<uint32_t>;
 
-// Colours are written 0xRRGGBB in the tests.
-std::string Rgb(uint32_t c) { return Bytes({int(c >> 16), int(c >> 8 & 255), int(c & 255)}); }
+// A colour 0xRRGGBB in the order BMP and TGA files keep it.
 std::string Bgr(uint32_t c) { return Bytes({int(c & 255), int(c >> 8 & 255), int(c >> 16)}); }
-std::string Rgbs(const Values& colours) {
-  std::string s;
-  for (uint32_t c : colours) s += Rgb(c);
-  return s;
-}
 std::string Cut(const std::string& s, size_t drop) { return s.substr(0, s.size() - drop); }
 // Samples of `depth` bits packed from the top bit down, as PNG, BMP and PCX rows are.
 std::string Packed(const std::vector<int>& values, int depth) {
@@ -44,52 +36,6 @@ std::string Bmp(int32_t width, int32_t height, int bits, const Values& table, co
                   Le16(1) + Le16(bits) + Le32(0) + Le32(rows.size()) + std::string(16, '\0');
   for (uint32_t c : table) s += Bgr(c) + '\0';
   return s + rows;
-}
-
-// `coded` is the run-length coded data: 0xC0 + n repeats the next byte n times.
-std::string Pcx(int version, int bitsPerPlane, int planes, int width, int height, int bytesPerLine,
-                const std::string& colours, const std::string& coded) {
-  std::string s = Bytes({0x0A, version, 1, bitsPerPlane}) + Le32(0) + Le16(width - 1) + Le16(height - 1) + Le32(0) +
-                  colours + std::string(48 - colours.size(), '\0') + Bytes({0, planes}) + Le16(bytesPerLine);
-  return s + std::string(128 - s.size(), '\0') + coded;
-}
-
-std::string Tga(int mapType, int imageType, int mapLength, int mapBits, int width, int height, int depth,
-                int descriptor, const std::string& data) {
-  return Bytes({0, mapType, imageType}) + Le16(0) + Le16(mapLength) + Bytes({mapBits}) + Le32(0) + Le16(width) +
-         Le16(height) + Bytes({depth, descriptor}) + data;
-}
-
-std::string Png(int width, int height, int depth, int colourType, const std::vector<std::string>& rows,
-                const std::string& palette = "") {
-  std::string raw;
-  for (const std::string& row : rows) raw += '\0' + row;  // filter: none
-  uLongf size = compressBound(raw.size());
-  std::string z(size, '\0');
-  compress(reinterpret_cast<Bytef*>(&z[0]), &size, reinterpret_cast<const Bytef*>(raw.data()), raw.size());
-  z.resize(size);
-  return "\x89PNG\r\n\x1a\n" + PngChunk("IHDR", Be32(width) + Be32(height) + Bytes({depth, colourType, 0, 0, 0})) +
-         (palette.empty() ? "" : PngChunk("PLTE", palette)) + PngChunk("IDAT", z) + PngChunk("IEND", "");
-}
-
-std::string GifScreen(int width, int height, int flags, const std::string& table, int background = 0) {
-  return "GIF89a" + Le16(width) + Le16(height) + Bytes({flags, background, 0}) + table;
-}
-
-// An image whose LZW data decodes to the indexes as they are: 9-bit codes
-// after a clear code, too few for the code size to grow.
-std::string GifImage(int left, int top, int width, int height, int flags, const std::string& table,
-                     const std::vector<int>& indexes) {
-  std::string data;
-  uint32_t bits = 256;  // clear
-  int count = 9;
-  for (size_t i = 0; i <= indexes.size(); ++i) {
-    bits |= static_cast<uint32_t>(i < indexes.size() ? indexes[i] : 257) << count;  // 257: end
-    for (count += 9; count >= 8; count -= 8, bits >>= 8) data += static_cast<char>(bits & 255);
-  }
-  data += static_cast<char>(bits);
-  return "," + Le16(left) + Le16(top) + Le16(width) + Le16(height) + Bytes({flags}) + table + Bytes({8}) +
-         static_cast<char>(data.size()) + data + '\0';
 }
 
 // 3 x 2 on a four-colour table whose entry 2, transparent, has the colour of entry 0.
@@ -192,6 +138,12 @@ class ImageFiles : public QuernalTest {
     WriteFile(path, bytes);
     return path;
   }
+  // The pixels of the picture `bytes` hold, read from `name` and checked as ExpectDib does.
+  Values Pixels(const std::string& name, const std::string& bytes, int width, int height, int bits) {
+    Picture picture(Write(name, bytes));
+    ExpectDib(picture, width, height, bits);
+    return picture.ok() ? picture.Pixels() : Values{};
+  }
   // The reader gives nothing; the information call gives `info`.
   void ExpectNoPicture(const std::string& name, const std::string& bytes, int info) {
     std::string path = Write(name, bytes);
@@ -281,10 +233,8 @@ TEST_F(ImageFiles, BmpsKeepTheirKind) {
   EXPECT_EQ(up.Pixels(), (Values{0xFF0000, 0x00FF00, 0x0000FF, 0xFFFFFF}));
   EXPECT_EQ(BlockBytes(up.dib()), BlockBytes(down.dib()));
   // Alpha is drawn over white: opaque, half and fully transparent red.
-  Picture alpha(
-      Write("alpha.bmp", Bmp(3, 1, 32, {}, Bgr(0xFF0000) + '\xFF' + Bgr(0xFF0000) + '\x80' + Bgr(0xFF0000) + '\0')));
-  ExpectDib(alpha, 3, 1, 24);
-  EXPECT_EQ(alpha.Pixels(), (Values{0xFF0000, 0xFF7F7F, 0xFFFFFF}));
+  const std::string alpha = Bgr(0xFF0000) + '\xFF' + Bgr(0xFF0000) + '\x80' + Bgr(0xFF0000) + '\0';
+  EXPECT_EQ(Pixels("alpha.bmp", Bmp(3, 1, 32, {}, alpha), 3, 1, 24), (Values{0xFF0000, 0xFF7F7F, 0xFFFFFF}));
 }
 
 TEST_F(ImageFiles, BmpWriterRoundTripsEveryKindByteForByte) {
@@ -364,10 +314,9 @@ TEST_F(ImageFiles, PcxFilesOfEveryLayout) {
   EXPECT_EQ(mono.Pixels(), (Values{1, 0, 1, 1, 0, 0, 0, 0, 1, 1}));
 
   // 24 bits: each line holds a red, a green and a blue plane.
-  Picture rgb(
-      Write("rgb.pcx", Pcx(5, 8, 3, 2, 2, 2, "", Bytes({0xC1, 0xFF, 0, 0, 0x80, 0x10, 0xC1, 0xFF, 1, 2, 3, 4, 5, 6}))));
-  ExpectDib(rgb, 2, 2, 24);
-  EXPECT_EQ(rgb.Pixels(), (Values{0xFF0010, 0x0080FF, 0x010305, 0x020406}));
+  const std::string rgb = Bytes({0xC1, 0xFF, 0, 0, 0x80, 0x10, 0xC1, 0xFF, 1, 2, 3, 4, 5, 6});
+  EXPECT_EQ(Pixels("rgb.pcx", Pcx(5, 8, 3, 2, 2, 2, "", rgb), 2, 2, 24),
+            (Values{0xFF0010, 0x0080FF, 0x010305, 0x020406}));
 }
 
 TEST_F(ImageFiles, TgaFilesKeepTheirMapsOrBecome24Bit) {
@@ -399,11 +348,8 @@ TEST_F(ImageFiles, TgaFilesKeepTheirMapsOrBecome24Bit) {
   EXPECT_EQ(BlockBytes(raw.dib()), BlockBytes(runs.dib()));
   // 32 bits: alpha counts when the file says it has 8 attribute bits, not when it says none.
   std::string pixels = Bgr(0xFF0000) + '\x80' + Bgr(0x00FF00) + '\0';
-  Picture alpha(Write("alpha.tga", Tga(0, 2, 0, 0, 2, 1, 32, 8, pixels)));
-  Picture opaque(Write("opaque.tga", Tga(0, 2, 0, 0, 2, 1, 32, 0, pixels)));
-  ExpectDib(alpha, 2, 1, 24);
-  EXPECT_EQ(alpha.Pixels(), (Values{0xFF7F7F, 0xFFFFFF}));
-  EXPECT_EQ(opaque.Pixels(), (Values{0xFF0000, 0x00FF00}));
+  EXPECT_EQ(Pixels("alpha.tga", Tga(0, 2, 0, 0, 2, 1, 32, 8, pixels), 2, 1, 24), (Values{0xFF7F7F, 0xFFFFFF}));
+  EXPECT_EQ(Pixels("opaque.tga", Tga(0, 2, 0, 0, 2, 1, 32, 0, pixels), 2, 1, 24), (Values{0xFF0000, 0x00FF00}));
 }
 
 TEST_F(ImageFiles, PngsOfEveryColourType) {
@@ -417,9 +363,8 @@ TEST_F(ImageFiles, PngsOfEveryColourType) {
   ExpectDib(beyond, 2, 1, 8);
   EXPECT_EQ(beyond.Colours(256)[beyond.Pixels()[1]], 0u);
   // Samples of two bits go into a 4-bit Dib.
-  Picture two(Write("two.png", Png(5, 1, 2, 3, {Packed({2, 1, 0, 2, 1}, 2)}, palette)));
-  ExpectDib(two, 5, 1, 4);
-  EXPECT_EQ(two.Pixels(), (Values{2, 1, 0, 2, 1}));
+  EXPECT_EQ(Pixels("two.png", Png(5, 1, 2, 3, {Packed({2, 1, 0, 2, 1}, 2)}, palette), 5, 1, 4),
+            (Values{2, 1, 0, 2, 1}));
 
   // Grey: 8-bit samples are their own indexes; fewer bits get a ramp from black to white.
   Picture grey(Write("grey.png", Png(3, 1, 8, 0, {Bytes({0, 0x7F, 0xFF})})));
@@ -435,21 +380,14 @@ TEST_F(ImageFiles, PngsOfEveryColourType) {
   EXPECT_EQ(four.Colours(5), (Values{0, 0x555555, 0xAAAAAA, 0xFFFFFF, 0}));
   EXPECT_EQ(four.Pixels(), (Values{3, 2, 1, 0}));
   // Grey with alpha stays grey, drawn over white.
-  Picture greyAlpha(Write("greyalpha.png", Png(2, 1, 8, 4, {Bytes({0x00, 0x80, 0x40, 0xFF})})));
-  ExpectDib(greyAlpha, 2, 1, 8);
-  EXPECT_EQ(greyAlpha.Pixels(), (Values{0x7F, 0x40}));
+  EXPECT_EQ(Pixels("greyalpha.png", Png(2, 1, 8, 4, {Bytes({0x00, 0x80, 0x40, 0xFF})}), 2, 1, 8), (Values{0x7F, 0x40}));
 
   // True colour; alpha over white; 16-bit samples cut to 8.
-  Picture rgb(Write("rgb.png", Png(2, 1, 8, 2, {Rgbs({0x102030, 0xABCDEF})})));
-  ExpectDib(rgb, 2, 1, 24);
-  EXPECT_EQ(rgb.Pixels(), (Values{0x102030, 0xABCDEF}));
-  Picture rgba(
-      Write("rgba.png", Png(3, 1, 8, 6, {Rgb(0xFF0000) + '\xFF' + Rgb(0xFF0000) + '\x80' + Rgb(0x123456) + '\0'})));
-  ExpectDib(rgba, 3, 1, 24);
-  EXPECT_EQ(rgba.Pixels(), (Values{0xFF0000, 0xFF7F7F, 0xFFFFFF}));
-  Picture deep(Write("deep.png", Png(1, 1, 16, 2, {Bytes({0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC})})));
-  ExpectDib(deep, 1, 1, 24);
-  EXPECT_EQ(deep.Pixels(), (Values{0x12569A}));
+  EXPECT_EQ(Pixels("rgb.png", Png(2, 1, 8, 2, {Rgbs({0x102030, 0xABCDEF})}), 2, 1, 24), (Values{0x102030, 0xABCDEF}));
+  const std::string rgba = Rgb(0xFF0000) + '\xFF' + Rgb(0xFF0000) + '\x80' + Rgb(0x123456) + '\0';
+  EXPECT_EQ(Pixels("rgba.png", Png(3, 1, 8, 6, {rgba}), 3, 1, 24), (Values{0xFF0000, 0xFF7F7F, 0xFFFFFF}));
+  const std::string deep = Bytes({0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC});
+  EXPECT_EQ(Pixels("deep.png", Png(1, 1, 16, 2, {deep}), 1, 1, 24), (Values{0x12569A}));
 }
 
 TEST_F(ImageFiles, GifsKeepTheirTablesAndTransparentIndex) {
@@ -468,14 +406,11 @@ TEST_F(ImageFiles, GifsKeepTheirTablesAndTransparentIndex) {
   EXPECT_EQ(framed.Colours(201)[200], 0xC80037u);
   EXPECT_EQ(framed.Pixels(), (Values{9, 9, 9, 9, 9, 7, 200, 9, 9, 255, 0, 9}));
   // Data that stops after one pixel leaves the rest to the background, index 1.
-  Picture stops(Write("stops.gif", GifScreen(3, 1, 0x81, Rgbs({0x112233, 0x445566, 0, 0}), 1) +
-                                       GifImage(0, 0, 3, 1, 0, "", {0}) + ";"));
-  ExpectDib(stops, 3, 1, 4);
-  EXPECT_EQ(stops.Pixels(), (Values{0, 1, 1}));
-  Picture two(
-      Write("two.gif", GifScreen(2, 1, 0x80, Rgbs({0xFFFFFF, 0x000000})) + GifImage(0, 0, 2, 1, 0, "", {1, 0}) + ";"));
-  ExpectDib(two, 2, 1, 1);
-  EXPECT_EQ(two.Pixels(), (Values{1, 0}));
+  const std::string stops =
+      GifScreen(3, 1, 0x81, Rgbs({0x112233, 0x445566, 0, 0}), 1) + GifImage(0, 0, 3, 1, 0, "", {0});
+  EXPECT_EQ(Pixels("stops.gif", stops + ";", 3, 1, 4), (Values{0, 1, 1}));
+  const std::string two = GifScreen(2, 1, 0x80, Rgbs({0xFFFFFF, 0x000000})) + GifImage(0, 0, 2, 1, 0, "", {1, 0});
+  EXPECT_EQ(Pixels("two.gif", two + ";", 2, 1, 1), (Values{1, 0}));
 }
 
 TEST_F(ImageFiles, JpegsGreyAndColour) {
