@@ -19,6 +19,9 @@ packages=(
   wine wine64 xvfb xauth x11-utils
   # real printing in tests, screenshots
   cups cups-client printer-driver-cups-pdf poppler-utils imagemagick
+  # the command line: holidays from iCalendar files, day and month names of
+  # other languages
+  libical-dev locales-all
 )
 
 missing=()

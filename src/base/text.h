@@ -10,6 +10,9 @@ void CopyText(char* to, size_t size, const char* from);
 int CompareNoCase(const char* a, const char* b, size_t n);
 // The program's texts are Windows-1252; this converts one to UTF-8.
 std::string Cp1252ToUtf8(const std::string& text);
+// The other way: UTF-8 into `out` as Windows-1252. A character Windows-1252
+// cannot hold, and a malformed sequence, becomes '?' and makes it false.
+bool Utf8ToCp1252(const std::string& utf8, std::string* out);
 
 // The part of a path after its last '\\', '/' or ':' (name and extension).
 const char* FileNamePart(const char* path);

@@ -1,27 +1,21 @@
 #include "cli/cli_common.h"
 
+#include <unistd.h>
+
+#include <chrono>
+#include <cstring>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 
 #include "calendar/calendar_dates.h"
 #include "calendar/calendar_file.h"
+#include "cli/commands.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
 
 namespace {
-
-const char kUsage[] =
-    "usage:\n"
-    "  quernal-cli new [--year Y] [--month M] [--config DIR] -o FILE.CLN\n"
-    "  quernal-cli info FILE.CLN [--app-dir DIR]\n"
-    "  quernal-cli summary FILE.CLN [--app-dir DIR]\n"
-    "  quernal-cli resave IN.CLN -o OUT.CLN [--level 1-9] [--app-dir DIR]\n"
-    "  quernal-cli settings [--ini FILE]\n"
-    "  quernal-cli render (FILE.CLN | --new [--year Y] [--config DIR]) [--page N | --all | --booklet]\n"
-    "              [--halves both|upper|lower] [--screen]\n"
-    "              [--width W --height H | --paper a4|letter] [--dpi D] [--app-dir DIR]\n"
-    "              --format png|pdf|svg|ops -o OUT\n";
 
 // Loading without anybody to ask: a damaged picture is dropped, as if the
 // question had been answered Yes, and said on stderr. Running out of memory
@@ -41,36 +35,34 @@ class CliProgress : public FileProgress {
   std::string path_;
 };
 
-bool Listed(const std::vector<std::string>& list, const std::string& item) {
-  for (const std::string& entry : list)
-    if (entry == item) return true;
-  return false;
-}
-
 }  // namespace
-
-void PrintUsage(bool toStdout) { std::fputs(kUsage, toStdout ? stdout : stderr); }
 
 int Usage(const char* problem) {
   if (problem) std::fprintf(stderr, "quernal-cli: %s\n", problem);
-  PrintUsage(false);
+  PrintUsage(stderr);
   return 2;
 }
 
-bool ParseArguments(int argc, char** argv, const std::vector<std::string>& withValue,
-                    const std::vector<std::string>& flags, Arguments* out, std::string* problem) {
+bool ParseArguments(int argc, char** argv, const CommandSpec& command, Arguments* out, std::string* problem) {
+  auto isOption = [](const std::string& arg) { return arg.size() >= 2 && arg[0] == '-'; };
   for (int i = 2; i < argc; ++i) {
-    std::string arg = argv[i];
-    if (arg.size() < 2 || arg[0] != '-') {
+    const std::string arg = argv[i];
+    const OptionSpec* spec = nullptr;
+    for (const OptionSpec& option : command.options)
+      if (arg == option.name) spec = &option;
+    if (!isOption(arg)) {
       out->positional.push_back(arg);
-    } else if (Listed(flags, arg)) {
-      out->options[arg] = "";
-    } else if (!Listed(withValue, arg)) {
-      *problem = "unknown option " + arg;
+    } else if (!spec) {
+      *problem = "unknown option " + arg + " (quernal-cli help " + command.name + " lists them)";
       return false;
-    } else if (i + 1 >= argc) {
+    } else if (!spec->value) {
+      out->options[arg] = "";
+    } else if (i + 1 >= argc || (std::strstr(spec->value, "...") && isOption(argv[i + 1]))) {
       *problem = arg + " needs a value";
       return false;
+    } else if (std::strstr(spec->value, "...")) {
+      std::vector<std::string>& values = out->lists[arg];
+      while (i + 1 < argc && !isOption(argv[i + 1])) values.push_back(argv[++i]);
     } else {
       out->options[arg] = argv[++i];
     }
@@ -132,4 +124,26 @@ CalendarDocument NewCalendar(const Arguments& args, int* status) {
     *status = 1;
   }
   return document;
+}
+
+namespace {
+double Seconds() {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+}  // namespace
+
+ProgressLine::ProgressLine() : terminal_(isatty(STDERR_FILENO) == 1), start_(Seconds()) {
+  // Tests see the line without waiting a second.
+  if (const char* after = std::getenv("QUERNAL_PROGRESS_AFTER")) start_ -= 1.0 - std::atof(after);
+}
+
+ProgressLine::~ProgressLine() {
+  if (shown_) std::fputs("\r\033[K", stderr);
+}
+
+void ProgressLine::Show(const char* what, int done, int total) {
+  if (!terminal_ || Seconds() - start_ < 1.0) return;
+  std::fprintf(stderr, "\r\033[K%s %d/%d", what, done, total);
+  std::fflush(stderr);
+  shown_ = true;
 }

@@ -7,20 +7,39 @@
 
 #include "calendar/calendar_model.h"
 
+struct CommandSpec;
+
 struct Arguments {
   std::vector<std::string> positional;
   std::map<std::string, std::string> options;  // flags map to ""
-  bool Has(const std::string& option) const { return options.count(option) != 0; }
+  std::map<std::string, std::vector<std::string>> lists;  // options taking several values
+  bool Has(const std::string& option) const { return options.count(option) != 0 || lists.count(option) != 0; }
 };
 
 // Prints the problem and the usage on stderr; returns the exit code 2.
 int Usage(const char* problem);
-void PrintUsage(bool toStdout);
-// Splits argv[2..] into positional arguments, the options `withValue` allows
-// (each followed by a value) and the `flags`.
-bool ParseArguments(int argc, char** argv, const std::vector<std::string>& withValue,
-                    const std::vector<std::string>& flags, Arguments* out, std::string* problem);
+// Splits argv[2..] into positional arguments and the command's options: a
+// flag, an option with one value, or a list option taking every value up to
+// the next option.
+bool ParseArguments(int argc, char** argv, const CommandSpec& command, Arguments* out, std::string* problem);
 bool ParseInt(const std::string& text, long low, long high, int* value);
+
+// A line on stderr saying how far a long command has come ("loading
+// pictures 3/12"), shown only on a terminal and only once the command has
+// run for a second; the line is cleared when the object goes.
+class ProgressLine {
+ public:
+  ProgressLine();
+  ~ProgressLine();
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+  void Show(const char* what, int done, int total);
+
+ private:
+  bool terminal_;
+  double start_;
+  bool shown_ = false;
+};
 
 // The program's folder, where events files are found: --app-dir or ".".
 void SetApplicationPath(const Arguments& args);

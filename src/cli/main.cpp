@@ -14,14 +14,12 @@
 #include "calendar/calendar_model.h"
 #include "calendar/event_list.h"
 #include "cli/cli_common.h"
+#include "cli/commands.h"
 #include "cli/record_json.h"
-#include "cli/render_command.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
 
-namespace {
-
-int New(const Arguments& args) {
+int NewCommand(const Arguments& args) {
   if (!args.positional.empty() || !args.Has("-o")) return Usage("new needs -o FILE.CLN and no other file");
   int status = 0;
   CalendarDocument document = NewCalendar(args, &status);
@@ -31,7 +29,7 @@ int New(const Arguments& args) {
   return result;
 }
 
-int Info(const Arguments& args) {
+int InfoCommand(const Arguments& args) {
   if (args.positional.size() != 1) return Usage("info needs one FILE.CLN");
   SetApplicationPath(args);
   CalendarDocument document = Load(args.positional[0]);
@@ -42,7 +40,7 @@ int Info(const Arguments& args) {
 }
 
 // A few lines for people: the year, the page it opens on, pictures and events.
-int Summary(const Arguments& args) {
+int SummaryCommand(const Arguments& args) {
   if (args.positional.size() != 1) return Usage("summary needs one FILE.CLN");
   SetApplicationPath(args);
   CalendarDocument document = Load(args.positional[0]);
@@ -73,7 +71,7 @@ int Summary(const Arguments& args) {
   return 0;
 }
 
-int Resave(const Arguments& args) {
+int ResaveCommand(const Arguments& args) {
   if (args.positional.size() != 1 || !args.Has("-o")) return Usage("resave needs IN.CLN and -o OUT.CLN");
   int level = static_cast<int>(Settings.ImageCompression);
   if (args.Has("--level") && !ParseInt(args.options.at("--level"), 1, 9, &level))
@@ -103,38 +101,33 @@ int SettingsCommand(const Arguments& args) {
   return 0;
 }
 
-}  // namespace
-
 int main(int argc, char** argv) {
   if (argc < 2) return Usage(nullptr);
-  std::string command = argv[1];
-  struct Command {
-    const char* name;
-    std::vector<std::string> options, flags;
-    int (*run)(const Arguments&);
-  };
-  const Command commands[] = {
-      {"new", {"--year", "--month", "--config", "-o"}, {}, New},
-      {"info", {"--app-dir"}, {}, Info},
-      {"summary", {"--app-dir"}, {}, Summary},
-      {"resave", {"-o", "--level", "--app-dir"}, {}, Resave},
-      {"settings", {"--ini"}, {}, SettingsCommand},
-      {"render",
-       {"--year", "--config", "--page", "--halves", "--width", "--height", "--paper", "--dpi", "--app-dir", "--format",
-        "-o"},
-       {"--new", "--all", "--booklet", "--screen"},
-       RenderCommand},
-  };
-  for (const Command& c : commands) {
-    if (command != c.name) continue;
-    Arguments args;
-    std::string problem;
-    if (!ParseArguments(argc, argv, c.options, c.flags, &args, &problem)) return Usage(problem.c_str());
-    return c.run(args);
-  }
-  if (command == "--help" || command == "-h" || command == "help") {
-    PrintUsage(true);
+  const std::string name = argv[1];
+  if (name == "--version") {
+    std::printf("quernal-cli %s\n", QUERNAL_VERSION);
     return 0;
   }
-  return Usage(("unknown command " + command).c_str());
+  if (name == "help" || name == "--help" || name == "-h") {
+    if (argc == 2) {
+      PrintUsage(stdout);
+      return 0;
+    }
+    const CommandSpec* command = FindCommand(argv[2]);
+    if (!command || argc > 3) return Usage(("no help for " + std::string(argv[2])).c_str());
+    PrintCommandHelp(stdout, *command);
+    return 0;
+  }
+  const CommandSpec* command = FindCommand(name);
+  if (!command) return Usage(("unknown command " + name).c_str());
+  for (int i = 2; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--help") == 0) {
+      PrintCommandHelp(stdout, *command);
+      return 0;
+    }
+  }
+  Arguments args;
+  std::string problem;
+  if (!ParseArguments(argc, argv, *command, &args, &problem)) return Usage(problem.c_str());
+  return command->run(args);
 }

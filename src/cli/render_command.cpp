@@ -1,4 +1,4 @@
-#include "cli/render_command.h"
+#include "cli/commands.h"
 
 #include <cairo-pdf.h>
 #include <cairo-svg.h>

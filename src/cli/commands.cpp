@@ -1,0 +1,145 @@
+#include "cli/commands.h"
+
+#include <cstring>
+
+namespace {
+
+const OptionSpec kAppDir{"--app-dir", "DIR", "the program's folder, where events files (NAME.CDF) are read; \".\" when not given"};
+const OptionSpec kLocale{"--locale", "NAME",
+                         "day and month names from the system's locale NAME (de_DE, fr_FR.UTF-8, ...) instead of the "
+                         "settings; refused when a name cannot be written in Windows-1252"};
+const OptionSpec kConfig{"--config", "DIR", "read the settings file QUERNL.INI of the folder DIR first"};
+
+const std::vector<CommandSpec> kCommands = {
+    {"new", "[--year Y] [--month M] [--config DIR] [--locale NAME] [--pictures F1 ... F12 | --picture-dir DIR]\n"
+            "    [--cover-picture F] [--title TEXT] -o FILE.CLN",
+     "Makes a new calendar as the program's New command does, from the settings, and saves it. Pictures are read "
+     "as the page editor's \"Select...\" reads them: a palette picture is warned about, a picture that cannot be "
+     "read stops the command before anything is written.",
+     {{"--year", "Y", "the calendar's year, 1583 to 2583; this year when not given"},
+      {"--month", "M", "the month (1 to 12) the calendar opens on; this month when not given"},
+      kConfig,
+      kLocale,
+      {"--pictures", "F...", "up to twelve image files (jpg, bmp, gif, pcx, tga, png) for the months, January first"},
+      {"--picture-dir", "DIR", "the first twelve image files of DIR in name order, January first"},
+      {"--cover-picture", "F", "an image file for the cover page, shown there"},
+      {"--title", "TEXT", "the cover's title (UTF-8, at most 260 characters in Windows-1252)"},
+      kAppDir,
+      {"-o", "FILE.CLN", "the calendar file to write"}},
+     NewCommand},
+    {"info", "FILE.CLN [--app-dir DIR]",
+     "Prints every field of the calendar's records as JSON: the header, then the twelve month pages with their "
+     "pictures' sizes and the events each page shows.",
+     {kAppDir},
+     InfoCommand},
+    {"summary", "FILE.CLN [--app-dir DIR]",
+     "Prints a few lines about the calendar: its year, the page it opens on, its pictures and events.",
+     {kAppDir},
+     SummaryCommand},
+    {"resave", "IN.CLN -o OUT.CLN [--level 1-9] [--app-dir DIR]",
+     "Reads a calendar and saves it again, dropping damaged pictures; OUT may be IN.",
+     {{"-o", "OUT.CLN", "the calendar file to write"},
+      {"--level", "1-9", "the compression level of the pictures (the setting ImageCompression when not given)"},
+      kAppDir},
+     ResaveCommand},
+    {"set", "FILE.CLN [--page N | --months | --year-page | --cover] FIELD=VALUE ... [--picture F | --no-picture]",
+     "Changes fields of one page, of all twelve month pages, of the year page or of the cover, named as `info` "
+     "names them, and saves the calendar in place. Colours are #RRGGBB or r,g,b; flags 0 or 1; texts UTF-8. "
+     "Nothing is written when a field, a value or the page is wrong.",
+     {{"--page", "N", "the month page N, 0 (January) to 11; the page the calendar opens on when no page is named"},
+      {"--months", nullptr, "all twelve month pages"},
+      {"--year-page", nullptr, "the year-at-a-glance page (the header's Yag... fields)"},
+      {"--cover", nullptr, "the cover page (the header's Cover... fields)"},
+      {"--picture", "F", "the image file that becomes the page's picture"},
+      {"--no-picture", nullptr, "the page loses its picture"},
+      kAppDir},
+     SetCommand},
+    {"settings", "[--ini FILE] [--locale NAME]",
+     "Prints the settings file the program would write: its defaults, or those read from FILE.",
+     {{"--ini", "FILE", "a settings file to read first"}, kLocale},
+     SettingsCommand},
+    {"render",
+     "(FILE.CLN | --new [--year Y] [--config DIR]) [--page N | --all | --booklet] [--halves both|upper|lower]\n"
+     "    [--screen] [--width W --height H | --paper a4|letter] [--dpi D] [--locale NAME]\n"
+     "    [--bleed MM] [--crop-marks] [--app-dir DIR] --format png|pdf|svg|ops -o OUT",
+     "Draws pages of a calendar as the program prints them: PNG, SVG and ops (a line per drawing call) write a "
+     "file per page (OUT-01.png, ...), PDF writes one file.",
+     {{"--new", nullptr, "draw a new calendar made from the settings instead of a file"},
+      {"--year", "Y", "with --new: the calendar's year"},
+      kConfig,
+      kLocale,
+      {"--page", "N", "the page: 0 to 11 for a month, 12 the year page, 13 the cover; the page the calendar opens on "
+                      "when no page is asked for"},
+      {"--all", nullptr, "the cover, the year page and the twelve months"},
+      {"--booklet", nullptr, "the fourteen sides of the folded double-sided booklet: the fronts of the seven sheets, "
+                             "then their backs"},
+      {"--halves", "both|upper|lower", "the halves of the page to draw"},
+      {"--screen", nullptr, "as the screen shows the page, with a pixel of window round it"},
+      {"--width", "W", "the page's width in pixels (with --height)"},
+      {"--height", "H", "the page's height in pixels (with --width)"},
+      {"--paper", "a4|letter", "the paper; a4 when not given"},
+      {"--dpi", "D", "pixels per inch, 36 to 2400; 300 when not given"},
+      {"--bleed", "MM", "PDF only: the page grows by MM millimetres on each side, the page's background reaching "
+                        "the new edge; the PDF's TrimBox and BleedBox are set"},
+      {"--crop-marks", nullptr, "PDF only: marks where the paper is cut, outside the trimmed page"},
+      kAppDir,
+      {"--format", "png|pdf|svg|ops", "the output's format"},
+      {"-o", "OUT", "the file to write"}},
+     RenderCommand},
+    {"events", "import FILE.ics --year Y -o NAME.CDF [--locale NAME] | list NAME.CDF [--year Y] [--locale NAME]",
+     "import: writes the events of year Y in an iCalendar file (holidays, birthdays, school terms) as an events "
+     "file the program reads, in date order. list: prints what the program shows on each day of the year from an "
+     "events file.",
+     {{"--year", "Y", "the year whose events are written or listed; this year when not given to list"},
+      {"-o", "NAME.CDF", "the events file to write; put it in the program's folder and name the list NAME on the "
+                         "pages"},
+      kLocale},
+     EventsCommand},
+};
+
+void PrintWrapped(std::FILE* out, const char* text, int indent) {
+  const int width = 78;
+  int column = indent;
+  std::fprintf(out, "%*s", indent, "");
+  while (*text) {
+    size_t word = std::strcspn(text, " ");
+    if (column > indent && column + 1 + static_cast<int>(word) > width) {
+      std::fprintf(out, "\n%*s", indent, "");
+      column = indent;
+    } else if (column > indent) {
+      std::fputc(' ', out);
+      ++column;
+    }
+    std::fwrite(text, 1, word, out);
+    column += static_cast<int>(word);
+    text += word;
+    while (*text == ' ') ++text;
+  }
+  std::fputc('\n', out);
+}
+
+}  // namespace
+
+const std::vector<CommandSpec>& Commands() { return kCommands; }
+
+const CommandSpec* FindCommand(const std::string& name) {
+  for (const CommandSpec& command : kCommands)
+    if (name == command.name) return &command;
+  return nullptr;
+}
+
+void PrintUsage(std::FILE* out) {
+  std::fputs("usage:\n", out);
+  for (const CommandSpec& command : kCommands) std::fprintf(out, "  quernal-cli %s %s\n", command.name, command.synopsis);
+  std::fputs("  quernal-cli help [COMMAND]\n  quernal-cli --version\n", out);
+}
+
+void PrintCommandHelp(std::FILE* out, const CommandSpec& command) {
+  std::fprintf(out, "usage: quernal-cli %s %s\n\n", command.name, command.synopsis);
+  PrintWrapped(out, command.purpose, 0);
+  if (!command.options.empty()) std::fputs("\noptions:\n", out);
+  for (const OptionSpec& option : command.options) {
+    std::fprintf(out, "  %s%s%s\n", option.name, option.value ? " " : "", option.value ? option.value : "");
+    PrintWrapped(out, option.help, 6);
+  }
+}
