@@ -12,7 +12,10 @@
 #include "calendar/calendar_dates.h"
 #include "calendar/calendar_file.h"
 #include "cli/commands.h"
+#include "cli/locale_names.h"
 #include "config/settings.h"
+#include "pictures/image_files.h"
+#include "pictures/picture_kind.h"
 #include "config/settings_file.h"
 
 namespace {
@@ -20,11 +23,12 @@ namespace {
 // Loading without anybody to ask: a damaged picture is dropped, as if the
 // question had been answered Yes, and said on stderr. Running out of memory
 // never asks; the load fails instead.
+// On a terminal, a long load or save shows how far it has come.
 class CliProgress : public FileProgress {
  public:
-  explicit CliProgress(const std::string& path) : path_(path) {}
+  CliProgress(const std::string& path, const char* what) : path_(path), what_(what) {}
   void Begin(const char*) override {}
-  void Advance(int, int) override {}
+  void Advance(int current, int total) override { line_.Show(what_, current, total); }
   void End() override {}
   bool AskYesNo(const char*) override {
     std::fprintf(stderr, "quernal-cli: %s: a damaged picture was skipped\n", path_.c_str());
@@ -33,13 +37,19 @@ class CliProgress : public FileProgress {
 
  private:
   std::string path_;
+  const char* what_;
+  ProgressLine line_;
 };
 
 }  // namespace
 
 int Usage(const char* problem) {
-  if (problem) std::fprintf(stderr, "quernal-cli: %s\n", problem);
-  PrintUsage(stderr);
+  if (!problem) {
+    PrintUsage(stderr);
+  } else {
+    std::fprintf(stderr, "quernal-cli: %s\n", problem);
+    std::fputs("(quernal-cli help COMMAND explains a command and its options)\n", stderr);
+  }
   return 2;
 }
 
@@ -85,7 +95,7 @@ void SetApplicationPath(const Arguments& args) {
 }
 
 CalendarDocument Load(const std::string& path) {
-  CliProgress progress(path);
+  CliProgress progress(path, "reading the calendar");
   LoadFailure failure;
   CalendarDocument document = LoadCalendar(&progress, path.c_str(), &failure);
   if (!document)
@@ -95,10 +105,21 @@ CalendarDocument Load(const std::string& path) {
 }
 
 int Save(const std::string& path, CalendarDocument document) {
-  SilentProgress progress;
+  CliProgress progress(path, "saving the calendar");
   if (SaveCalendar(&progress, path.c_str(), document)) return 0;
   std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), kSaveFailedMessage);
   return 1;
+}
+
+BlockHandle LoadPagePicture(const std::string& path) {
+  BlockHandle picture = ReadImageFile(path.c_str(), nullptr);
+  if (!picture) {
+    std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), kImageLoadFailedMessage);
+    return 0;
+  }
+  if (WantsPaletteWarning(ClassifyPicture(picture)))
+    std::fprintf(stderr, "quernal-cli: %s: warning: %s\n", path.c_str(), kPaletteWarningMessage);
+  return picture;
 }
 
 CalendarDocument NewCalendar(const Arguments& args, int* status) {
@@ -116,6 +137,7 @@ CalendarDocument NewCalendar(const Arguments& args, int* status) {
     SetConfigFolder(args.options.at("--config").c_str());
     LoadSettings();
   }
+  if ((*status = ApplyLocaleOption(args)) >= 0) return 0;
   // As at start-up, the program's folder is not taken from the settings file.
   SetApplicationPath(args);
   CalendarDocument document = CreateCalendar(year, month - 1);

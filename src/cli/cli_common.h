@@ -16,7 +16,8 @@ struct Arguments {
   bool Has(const std::string& option) const { return options.count(option) != 0 || lists.count(option) != 0; }
 };
 
-// Prints the problem and the usage on stderr; returns the exit code 2.
+// Prints the problem (or, without one, the usage) on stderr; returns the
+// exit code 2.
 int Usage(const char* problem);
 // Splits argv[2..] into positional arguments and the command's options: a
 // flag, an option with one value, or a list option taking every value up to
@@ -48,6 +49,10 @@ void SetApplicationPath(const Arguments& args);
 CalendarDocument Load(const std::string& path);
 // Saves; 1 (and the program's message on stderr) on failure, else 0.
 int Save(const std::string& path, CalendarDocument document);
+// A picture file read as the page editor's "Select..." reads it: 0 after the
+// program's message when it cannot be read; a palette picture is warned
+// about on stderr.
+BlockHandle LoadPagePicture(const std::string& path);
 // A calendar from --year, --month and --config as `new` makes it; 0 with an
 // exit code in *status when the options are wrong or memory runs out.
 CalendarDocument NewCalendar(const Arguments& args, int* status);

@@ -15,19 +15,10 @@
 #include "calendar/event_list.h"
 #include "cli/cli_common.h"
 #include "cli/commands.h"
+#include "cli/locale_names.h"
 #include "cli/record_json.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
-
-int NewCommand(const Arguments& args) {
-  if (!args.positional.empty() || !args.Has("-o")) return Usage("new needs -o FILE.CLN and no other file");
-  int status = 0;
-  CalendarDocument document = NewCalendar(args, &status);
-  if (!document) return status;
-  int result = Save(args.options.at("-o"), document);
-  FreeCalendar(document);
-  return result;
-}
 
 int InfoCommand(const Arguments& args) {
   if (args.positional.size() != 1) return Usage("info needs one FILE.CLN");
@@ -97,6 +88,7 @@ int SettingsCommand(const Arguments& args) {
     }
     LoadSettingsFile(path.c_str());
   }
+  if (int status = ApplyLocaleOption(args); status >= 0) return status;
   WriteSettings(stdout, {}, std::time(nullptr));
   return 0;
 }

@@ -14,3 +14,11 @@ PictureKind ClassifyPicture(BlockHandle dib);
 inline bool WantsPaletteWarning(PictureKind kind) {
   return kind == PictureKind::Monochrome || kind == PictureKind::Palette;
 }
+
+// What the program says when a picture file cannot be read, and its warning
+// about palette pictures.
+constexpr const char* kImageLoadFailedMessage =
+    "There has been an error loading the image you requested. Please ensure that the image file has not been damaged.";
+constexpr const char* kPaletteWarningMessage =
+    "The image you have selected has palette color. It may not reproduce well on Quernal's printed pages. For the "
+    "best results, use true-color or grey-scale images.";

@@ -1,0 +1,121 @@
+// quernal-cli new: a calendar from the settings, with pictures and a title.
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "base/text.h"
+#include "calendar/calendar_model.h"
+#include "cli/commands.h"
+#include "pictures/image_files.h"
+
+namespace {
+
+// The image files of `folder` by name, as the program would read them:
+// regular files with one of the six extensions, hidden ones left out.
+bool ImageFilesIn(const std::string& folder, std::vector<std::string>* paths) {
+  DIR* dir = opendir(folder.c_str());
+  if (!dir) return false;
+  std::vector<std::string> names;
+  while (const dirent* entry = readdir(dir)) {
+    const std::string name = entry->d_name;
+    struct stat info;
+    if (name[0] == '.' || FindImageFormat(name.c_str()) < 0) continue;
+    if (stat(JoinPath(folder, name).c_str(), &info) == 0 && S_ISREG(info.st_mode)) names.push_back(name);
+  }
+  closedir(dir);
+  std::sort(names.begin(), names.end());
+  for (const std::string& name : names) paths->push_back(JoinPath(folder, name));
+  return true;
+}
+
+// The month pictures asked for, January first; an exit code, or -1.
+int MonthPicturePaths(const Arguments& args, std::vector<std::string>* paths) {
+  if (args.Has("--pictures") && args.Has("--picture-dir")) return Usage("--pictures and --picture-dir exclude each other");
+  if (args.Has("--pictures")) {
+    *paths = args.lists.at("--pictures");
+    if (paths->size() > 12) return Usage("--pictures takes at most twelve files, one for each month");
+  } else if (args.Has("--picture-dir")) {
+    const std::string& folder = args.options.at("--picture-dir");
+    if (!ImageFilesIn(folder, paths)) {
+      std::fprintf(stderr, "quernal-cli: %s: the folder cannot be read\n", folder.c_str());
+      return 1;
+    }
+    if (paths->empty()) {
+      std::fprintf(stderr, "quernal-cli: %s: no jpg, bmp, gif, pcx, tga or png files in the folder\n", folder.c_str());
+      return 1;
+    }
+    if (paths->size() > 12) paths->resize(12);
+  }
+  return -1;
+}
+
+// Reads every picture before the calendar gets any, so a failure writes
+// nothing; the cover's comes last.
+bool LoadPictures(const std::vector<std::string>& paths, std::vector<BlockHandle>* pictures) {
+  ProgressLine progress;
+  for (const std::string& path : paths) {
+    BlockHandle picture = LoadPagePicture(path);
+    if (!picture) break;
+    pictures->push_back(picture);
+    progress.Show("reading pictures", static_cast<int>(pictures->size()), static_cast<int>(paths.size()));
+  }
+  if (pictures->size() == paths.size()) return true;
+  for (BlockHandle picture : *pictures) GlobalBlockFree(picture);
+  pictures->clear();
+  return false;
+}
+
+// The pictures become the months' (and the cover's) as "Select..." makes
+// them: shown.
+void GivePictures(CalendarDocument document, const std::vector<BlockHandle>& months, BlockHandle cover,
+                  const std::string& title) {
+  for (size_t month = 0; month < months.size(); ++month) {
+    MonthPage page;
+    GetMonthPage(document, static_cast<int>(month), &page);
+    page.Picture = months[month];
+    page.PictureShowPicture = 1;
+    PutMonthPage(document, static_cast<int>(month), &page);
+  }
+  CalendarHeader header;
+  GetHeader(document, &header);
+  if (cover) {
+    header.CoverPicture = cover;
+    header.CoverPictureShowPicture = 1;
+  }
+  if (!title.empty()) CopyText(header.CoverTitle, sizeof header.CoverTitle, title.c_str());
+  PutHeader(document, &header);
+}
+
+}  // namespace
+
+int NewCommand(const Arguments& args) {
+  if (!args.positional.empty() || !args.Has("-o")) return Usage("new needs -o FILE.CLN and no other file");
+  std::vector<std::string> paths;
+  int status = MonthPicturePaths(args, &paths);
+  if (status >= 0) return status;
+  std::string title;
+  if (args.Has("--title")) {
+    if (!Utf8ToCp1252(args.options.at("--title"), &title))
+      return Usage(("--title has a character Windows-1252 cannot hold (shown as ?): " + title).c_str());
+    if (title.size() > 260) return Usage("--title takes at most 260 characters");
+  }
+  const size_t monthCount = paths.size();
+  if (args.Has("--cover-picture")) paths.push_back(args.options.at("--cover-picture"));
+  CalendarDocument document = NewCalendar(args, &status);
+  if (!document) return status;
+  std::vector<BlockHandle> pictures;
+  if (!LoadPictures(paths, &pictures)) {
+    FreeCalendar(document);
+    return 1;
+  }
+  const BlockHandle cover = pictures.size() > monthCount ? pictures.back() : 0;
+  pictures.resize(monthCount);
+  GivePictures(document, pictures, cover, title);
+  const int result = Save(args.options.at("-o"), document);
+  FreeCalendar(document);
+  return result;
+}
