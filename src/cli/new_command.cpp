@@ -100,7 +100,7 @@ int NewCommand(const Arguments& args) {
   std::string title;
   if (args.Has("--title")) {
     if (!Utf8ToCp1252(args.options.at("--title"), &title))
-      return Usage(("--title has a character Windows-1252 cannot hold (shown as ?): " + title).c_str());
+      return Usage(("--title has a character Windows-1252 cannot hold (shown as ?): " + Cp1252ToUtf8(title)).c_str());
     if (title.size() > 260) return Usage("--title takes at most 260 characters");
   }
   const size_t monthCount = paths.size();

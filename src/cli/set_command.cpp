@@ -75,7 +75,7 @@ std::string SetField(uint8_t* record, const Field& field, const std::string& val
   long number = 0;
   if (field.kind == kText) {
     std::string text;
-    if (!Utf8ToCp1252(value, &text)) return "has a character Windows-1252 cannot hold (shown as ?): " + text;
+    if (!Utf8ToCp1252(value, &text)) return "has a character Windows-1252 cannot hold (shown as ?): " + Cp1252ToUtf8(text);
     if (text.size() >= field.size) return "is longer than " + std::to_string(field.size - 1) + " characters";
     std::memset(at, 0, field.size);
     std::memcpy(at, text.data(), text.size());

@@ -1,45 +1,11 @@
 // quernal-cli driven as a user drives it: a process with arguments, its
 // output and its exit code.
-#include <sys/wait.h>
-
-#include <cstdio>
 #include <cstring>
-#include <ctime>
 #include <string>
 
 #include "calendar/calendar_file.h"
+#include "cli/cli_run.h"
 #include "config/settings.h"
-#include "unit/test_support.h"
-
-namespace {
-
-struct CliRun {
-  int status;
-  std::string out;
-  std::string err;
-};
-
-class CliTest : public QuernalTest {
- protected:
-  // `prefix` runs in the same shell first (a resource limit, say).
-  CliRun Cli(const std::string& args, const std::string& prefix = "") {
-    std::string errPath = dir_.File("stderr.txt");
-    std::string command = prefix + std::string(QUERNAL_CLI) + " " + args + " 2>'" + errPath + "'";
-    CliRun run{};
-    std::FILE* p = popen(command.c_str(), "r");
-    char buffer[4096];
-    size_t n;
-    while ((n = std::fread(buffer, 1, sizeof buffer, p)) > 0) run.out.append(buffer, n);
-    int status = pclose(p);
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    run.err = ReadFile(errPath);
-    return run;
-  }
-  std::string Q(const std::string& path) { return "'" + path + "'"; }
-  static bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
-};
-
-}  // namespace
 
 TEST_F(CliTest, NewWritesAFreshCalendarForTheYearAndMonthAsked) {
   std::string file = dir_.File("2031.CLN");

@@ -1,0 +1,37 @@
+// quernal-cli run as a user runs it: a process with arguments, its output
+// and its exit code.
+#pragma once
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <string>
+
+#include "unit/test_support.h"
+
+struct CliRun {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+class CliTest : public QuernalTest {
+ protected:
+  // `prefix` runs in the same shell first (a resource limit, say).
+  CliRun Cli(const std::string& args, const std::string& prefix = "") {
+    return Shell(prefix + std::string(QUERNAL_CLI) + " " + args);
+  }
+  CliRun Shell(const std::string& command) {
+    const std::string errPath = dir_.File("stderr.txt");
+    CliRun run{};
+    std::FILE* p = popen((command + " 2>'" + errPath + "'").c_str(), "r");
+    char buffer[4096];
+    size_t n;
+    while ((n = std::fread(buffer, 1, sizeof buffer, p)) > 0) run.out.append(buffer, n);
+    const int status = pclose(p);
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.err = ReadFile(errPath);
+    return run;
+  }
+  static std::string Q(const std::string& path) { return "'" + path + "'"; }
+  static bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+};
