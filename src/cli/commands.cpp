@@ -143,3 +143,41 @@ void PrintCommandHelp(std::FILE* out, const CommandSpec& command) {
     PrintWrapped(out, option.help, 6);
   }
 }
+
+namespace {
+// Text for roff: a backslash doubled, a leading dot or quote kept from being a request.
+std::string Roff(const char* text) {
+  std::string out;
+  for (const char* p = text; *p; ++p) {
+    if (*p == '\n') {
+      out += ' ';  // a synopsis's second line joins its first
+      while (p[1] == ' ') ++p;
+    } else if (*p == '\\') out += "\\e";
+    else if (*p == '-') out += "\\-";
+    else out += *p;
+  }
+  if (!out.empty() && (out[0] == '.' || out[0] == '\'')) out.insert(0, "\\&");
+  return out;
+}
+}  // namespace
+
+void PrintManPage(std::FILE* out) {
+  std::fprintf(out, ".TH QUERNAL-CLI 1 \"\" \"quernal-cli %s\" \"User Commands\"\n", QUERNAL_VERSION);
+  std::fputs(".SH NAME\nquernal-cli \\- make, change, inspect and print Quernal calendar files from the command line\n"
+             ".SH SYNOPSIS\n", out);
+  for (const CommandSpec& command : kCommands)
+    std::fprintf(out, ".B quernal-cli %s\n%s\n.br\n", command.name, Roff(command.synopsis).c_str());
+  std::fputs(".B quernal-cli help\n[COMMAND]\n.br\n.B quernal-cli \\-\\-version\n.SH DESCRIPTION\n"
+             "The command-line companion of the Quernal calendar designer, over the same calendar files, settings, "
+             "pictures and drawing as the program itself. Every command exits 0 when it succeeded, 1 when a file "
+             "could not be read or written, and 2 when its arguments were wrong; a file is never left half "
+             "written.\n.SH COMMANDS\n", out);
+  for (const CommandSpec& command : kCommands) {
+    std::fprintf(out, ".SS %s\n%s\n", command.name, Roff(command.purpose).c_str());
+    for (const OptionSpec& option : command.options)
+      std::fprintf(out, ".TP\n.B %s%s%s\n%s\n", Roff(option.name).c_str(), option.value ? " " : "",
+                   option.value ? Roff(option.value).c_str() : "", Roff(option.help).c_str());
+  }
+  std::fputs(".SH ENVIRONMENT\n.TP\n.B QUERNAL_PROGRESS_AFTER\nseconds before a long command shows its progress "
+             "line on a terminal (1 when not set).\n", out);
+}

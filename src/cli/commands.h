@@ -27,6 +27,9 @@ void PrintUsage(std::FILE* out);
 // The purpose, synopsis and options of one command.
 void PrintCommandHelp(std::FILE* out, const CommandSpec& command);
 
+// The manual page quernal-cli(1), made from the same table.
+void PrintManPage(std::FILE* out);
+
 // The commands, each in its own file.
 int NewCommand(const Arguments& args);
 int InfoCommand(const Arguments& args);

@@ -105,6 +105,10 @@ int main(int argc, char** argv) {
       PrintUsage(stdout);
       return 0;
     }
+    if (argc == 3 && std::strcmp(argv[2], "--man") == 0) {
+      PrintManPage(stdout);
+      return 0;
+    }
     const CommandSpec* command = FindCommand(argv[2]);
     if (!command || argc > 3) return Usage(("no help for " + std::string(argv[2])).c_str());
     PrintCommandHelp(stdout, *command);
