@@ -22,6 +22,9 @@ packages=(
   # the command line: holidays from iCalendar files, day and month names of
   # other languages
   libical-dev locales-all
+  # the Windows Installer package (wixl builds it, msiinfo reads it) and the
+  # portable zip
+  msitools wixl zip
 )
 
 missing=()
