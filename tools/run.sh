@@ -8,7 +8,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash tools/setup-debian.sh
-bash tools/build.sh --target windows-x86_64
+bash tools/build.sh --target windows-x86_64 --target sample-calendar
 
 export WINEPREFIX="$PWD/build/run-prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
 bin=build/windows-x86_64/bin
@@ -22,6 +22,7 @@ mkdir -p "$program_dir/html" "$WINEPREFIX/drive_c/users/$(id -un)/AppData/Roamin
 cp "$bin/Quernal.exe" "$bin/General.CDF" "$bin/QUERNL.CCL" "$program_dir/"
 cp "$bin/THEME_Standard.dll" "$bin/THEME_Ink.dll" "$program_dir/"
 cp "$bin/html/manual.htm" "$program_dir/html/"
+cp build/bin/Sample.CLN "$program_dir/"   # the finished calendar a new user can open first
 program='C:\Program Files\Quernal\Quernal.exe'
 
 if [ -n "${DISPLAY:-}" ] && xdpyinfo >/dev/null 2>&1; then
