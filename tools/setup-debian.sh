@@ -25,6 +25,8 @@ packages=(
   # the Windows Installer package (wixl builds it, msiinfo reads it) and the
   # portable zip
   msitools wixl zip
+  # the Linux menu entry, double-clickable calendars and the manual page
+  desktop-file-utils xdg-utils shared-mime-info man-db
 )
 
 missing=()
