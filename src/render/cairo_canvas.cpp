@@ -528,17 +528,25 @@ int32_t CairoCanvas::DrawText(const std::string& text, Rect* r, uint32_t format)
   return textH;
 }
 
-void CairoCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool) {
+void CairoCanvas::Picture(BlockHandle dib, int32_t width, int32_t height, bool extended) {
   if (width <= 0 || height <= 0 || !DibBlockIsValid(dib)) return;
   // Only the part that lands on the surface (or inside the clip) is made: a
   // picture drawn far larger than the page costs no more than the page.
   double x1, y1, x2, y2;
   cairo_clip_extents(cr_, &x1, &y1, &x2, &y2);
   const double originX = state_.originX, originY = state_.originY;
-  const Rect part{static_cast<int32_t>(std::clamp(std::floor(x1 - originX), 0.0, double(width))),
-                  static_cast<int32_t>(std::clamp(std::floor(y1 - originY), 0.0, double(height))),
-                  static_cast<int32_t>(std::clamp(std::ceil(x2 - originX), 0.0, double(width))),
-                  static_cast<int32_t>(std::clamp(std::ceil(y2 - originY), 0.0, double(height)))};
+  Rect part{static_cast<int32_t>(std::clamp(std::floor(x1 - originX), 0.0, double(width))),
+            static_cast<int32_t>(std::clamp(std::floor(y1 - originY), 0.0, double(height))),
+            static_cast<int32_t>(std::clamp(std::ceil(x2 - originX), 0.0, double(width))),
+            static_cast<int32_t>(std::clamp(std::ceil(y2 - originY), 0.0, double(height)))};
+  if (extended) {
+    // A clip wholly beside the picture still needs the edge row or column
+    // that is repeated over it.
+    part.left = std::min(part.left, width - 1);
+    part.top = std::min(part.top, height - 1);
+    part.right = std::max(part.right, part.left + 1);
+    part.bottom = std::max(part.bottom, part.top + 1);
+  }
   if (Width(part) <= 0 || Height(part) <= 0) return;
   BlockLock lock(dib);
   const BitmapInfoHeader& h = *lock.as<BitmapInfoHeader>();
@@ -546,7 +554,7 @@ void CairoCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bo
   // carries the picture at the page's resolution.
   cairo_surface_t* scaled = nullptr;
   if (width <= h.biWidth && height <= std::abs(h.biHeight)) {
-    if (ShrinkOntoTarget(lock.bytes(), width, height, part)) return;
+    if (!extended && ShrinkOntoTarget(lock.bytes(), width, height, part)) return;
     scaled = ShrinkDib(lock.bytes(), width, height, part);
   } else if (cairo_surface_t* source = DibToSurface(lock.bytes())) {
     // Enlarging: interpolated by Cairo.
@@ -564,8 +572,13 @@ void CairoCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bo
   }
   if (!scaled) return;
   cairo_set_source_surface(cr_, scaled, originX + part.left, originY + part.top);
-  cairo_rectangle(cr_, originX + part.left, originY + part.top, Width(part), Height(part));
-  cairo_fill(cr_);
+  if (extended) {
+    cairo_pattern_set_extend(cairo_get_source(cr_), CAIRO_EXTEND_PAD);
+    cairo_paint(cr_);
+  } else {
+    cairo_rectangle(cr_, originX + part.left, originY + part.top, Width(part), Height(part));
+    cairo_fill(cr_);
+  }
   cairo_surface_destroy(scaled);
 }
 

@@ -32,7 +32,10 @@ class CairoCanvas : public Canvas {
   void Rectangle(const Rect& r) override;
   void RoundRect(const Rect& r, int32_t ellipseWidth, int32_t ellipseHeight) override;
   int32_t DrawText(const std::string& text, Rect* r, uint32_t format) override;
-  void DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool printing) override;
+  void DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool) override { Picture(dib, width, height, false); }
+  void DrawPictureExtended(BlockHandle dib, int32_t width, int32_t height, bool) override {
+    Picture(dib, width, height, true);
+  }
   void SaveState() override;
   void RestoreState() override;
   void SetOrigin(int32_t x, int32_t y) override { state_.originX = x, state_.originY = y; }
@@ -53,6 +56,8 @@ class CairoCanvas : public Canvas {
   // The shape of Rectangle and RoundRect filled with the brush and outlined with the pen.
   void Shape(const Rect& r, int32_t ellipseWidth, int32_t ellipseHeight);
   void SetColour(Colour c);
+  // DrawPicture, with its edge pixels repeated over the clip when `extended`.
+  void Picture(BlockHandle dib, int32_t width, int32_t height, bool extended);
   // Whether a unit is a pixel of an image surface, without scaling; the
   // pixel of user (0, 0) is then (*shiftX, *shiftY).
   bool PixelsAreDevicePixels(int* shiftX, int* shiftY);

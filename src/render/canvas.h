@@ -75,6 +75,12 @@ class Canvas {
   // printer path draws from the Dib itself, the screen path through a
   // device bitmap; back ends without that difference ignore `printing`.
   virtual void DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool printing) = 0;
+  // The same picture, and round it, as far as the clip reaches, its edge
+  // pixels repeated: the bleed of a picture that reaches the paper's edge.
+  // A canvas that cannot repeat them draws the picture alone.
+  virtual void DrawPictureExtended(BlockHandle dib, int32_t width, int32_t height, bool printing) {
+    DrawPicture(dib, width, height, printing);
+  }
 
   virtual void SaveState() = 0;
   virtual void RestoreState() = 0;

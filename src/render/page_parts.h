@@ -1,9 +1,11 @@
 // Pieces the month, year and cover pages share.
 #pragma once
 #include <string>
+#include <vector>
 
 #include "base/geometry.h"
 #include "base/global_block.h"
+#include "calendar/calendar_model.h"
 #include "render/canvas.h"
 #include "render/layout.h"
 
@@ -50,3 +52,8 @@ void PlacePicture(const Box& box, const PictureFit& fit, int32_t placement, Leng
 
 // The page frame of the screen view: one pixel outside the page.
 void DrawScreenFrame(Canvas& canvas, const Rect& pageRect);
+
+// The cover's bleeding picture in the parts of the bleed band `band` that its
+// box reaches, placed as on the page and its edges repeated beyond it.
+void DrawCoverPictureBleed(Canvas& canvas, const Rect& pageRect, const CalendarHeader& header,
+                           const std::vector<Box>& band);

@@ -19,3 +19,13 @@ int DrawYearPage(Canvas& canvas, const Rect& pageRect, CalendarDocument document
                  bool drawLowerHalf);
 int DrawCoverPage(Canvas& canvas, const Rect& pageRect, CalendarDocument document, bool printing, bool drawUpperHalf,
                   bool drawLowerHalf);
+
+// For print with a bleed: what of a page runs on past its edges, drawn only in
+// the band `bleed` units wide round `pageRect` and never inside it, so the
+// page drawn afterwards is the same as without a bleed. The band takes the
+// background of each half asked for (the halves meet at half the page's
+// height, where the page's own fills meet on a page at the device's origin)
+// and, on the cover, a picture that bleeds. 0 where DrawCalendarPage draws
+// nothing.
+int DrawPageBleed(Canvas& canvas, const Rect& pageRect, CalendarDocument document, int pageIndex, bool drawUpperHalf,
+                  bool drawLowerHalf, int32_t bleed);
