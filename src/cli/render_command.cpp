@@ -10,20 +10,32 @@
 #include <string>
 #include <vector>
 
+#include "cli/locale_names.h"
+#include "cli/pdf_boxes.h"
+#include "config/settings_file.h"
+#include "print/booklet.h"
 #include "render/cairo_canvas.h"
 #include "render/ops_canvas.h"
-#include "print/booklet.h"
 #include "render/page_renderer.h"
 
 namespace {
 
 constexpr Colour kWindowColour = 0xF0F0F0;  // round the page in the screen view
 
+constexpr double kPointsPerMm = 72 / 25.4;
+
 struct PageSize {
   const char* name;
   double widthInches, heightInches;
 };
 const PageSize kPapers[] = {{"a4", 210 / 25.4, 297 / 25.4}, {"letter", 8.5, 11}};
+
+// Crop marks: hairlines on the lines of the trimmed page's edges, beginning
+// 2 mm outside the bleed so that none is printed on the bleed and a cut a
+// little off the line does not catch one. They stand in a slug round the
+// bleed, which a bleed of 0 needs as much as any.
+constexpr double kMarkGapMm = 2, kMarkLengthMm = 5, kMarkWidthPoints = 0.25;
+constexpr double kMostBleedMm = 20;
 
 // One output page: a page of the calendar with the halves asked for, or a
 // booklet side with one page's upper half over another's lower half.
@@ -37,6 +49,11 @@ struct RenderJob {
   std::vector<Side> sides;
   bool upper = true, lower = true, screen = false;
   int width = 0, height = 0, dpi = 300;  // the page in pixels
+  // A PDF page of a paper is that paper's exact size, the pixels stretched to
+  // it by a hair; otherwise a pixel is 1/dpi inch.
+  double pointsPerPixelX = 0, pointsPerPixelY = 0;
+  double bleedMm = 0;
+  bool cropMarks = false;
   std::string format, out;
   // The surface: the page, and a pixel of window round it in the screen view.
   int SurfaceWidth() const { return width + (screen ? 2 : 0); }
@@ -54,15 +71,22 @@ std::string NumberedPath(const std::string& path, int n) {
   return path.substr(0, dot) + number + path.substr(dot);
 }
 
+// What goes on a side: a page with the halves asked for, or a booklet
+// side's two halves of two pages.
+struct Half {
+  int page;
+  bool upper, lower;
+};
+std::vector<Half> HalvesOf(const RenderJob& job, const Side& side) {
+  if (side.lowerPage < 0) return {{side.page, job.upper, job.lower}};
+  return {{side.page, true, false}, {side.lowerPage, false, true}};
+}
+
 void DrawPage(Canvas& canvas, const RenderJob& job, const Side& side, bool background) {
   if (background)
     canvas.FillRect({0, 0, job.SurfaceWidth(), job.SurfaceHeight()}, job.screen ? kWindowColour : 0xFFFFFF);
-  if (side.lowerPage < 0) {
-    DrawCalendarPage(canvas, job.PageRect(), job.document, side.page, !job.screen, job.upper, job.lower);
-  } else {
-    DrawCalendarPage(canvas, job.PageRect(), job.document, side.page, !job.screen, true, false);
-    DrawCalendarPage(canvas, job.PageRect(), job.document, side.lowerPage, !job.screen, false, true);
-  }
+  for (const Half& half : HalvesOf(job, side))
+    DrawCalendarPage(canvas, job.PageRect(), job.document, half.page, !job.screen, half.upper, half.lower);
 }
 
 bool Failed(const std::string& path, const char* what) {
@@ -113,34 +137,131 @@ bool RenderSvg(const RenderJob& job, const Side& page, const std::string& path) 
   return ok || Failed(path, "cannot be written");
 }
 
-// Every page of the job into one PDF.
-bool RenderPdf(const RenderJob& job) {
-  cairo_surface_t* surface = cairo_pdf_surface_create(job.out.c_str(), job.SurfaceWidth() * 72.0 / job.dpi,
-                                                      job.SurfaceHeight() * 72.0 / job.dpi);
-  ScaleToPixels(surface, job.dpi);
+// A PDF page in points: the trimmed page, the bleed round it, and round that
+// the slug where crop marks stand.
+struct PdfSheet {
+  double trimW, trimH, bleed, slug;
+  double Edge() const { return bleed + slug; }  // from the sheet's edge to the trim
+  double Width() const { return trimW + 2 * Edge(); }
+  double Height() const { return trimH + 2 * Edge(); }
+  PdfBox Trim() const { return {Edge(), Edge(), Edge() + trimW, Edge() + trimH}; }
+  PdfBox Bleed() const { return {slug, slug, Width() - slug, Height() - slug}; }
+  bool Printed() const { return bleed > 0 || slug > 0; }
+};
+
+PdfSheet SheetOf(const RenderJob& job) {
+  const double slug = job.cropMarks ? (kMarkGapMm + kMarkLengthMm) * kPointsPerMm : 0;
+  return {job.SurfaceWidth() * job.pointsPerPixelX, job.SurfaceHeight() * job.pointsPerPixelY,
+          job.bleedMm * kPointsPerMm, slug};
+}
+
+// The backgrounds (and a bleeding cover picture) continued into the bleed, in
+// the page's pixels with the trim at (0, 0); cut exactly at the bleed's edge.
+void DrawBleed(cairo_t* cr, const RenderJob& job, const Side& side, const PdfSheet& sheet) {
+  const double bleedX = sheet.bleed / job.pointsPerPixelX, bleedY = sheet.bleed / job.pointsPerPixelY;
+  cairo_save(cr);
+  cairo_rectangle(cr, -bleedX, -bleedY, job.width + 2 * bleedX, job.height + 2 * bleedY);
+  cairo_clip(cr);
+  {
+    CairoCanvas canvas(cr);
+    const int32_t pixels = static_cast<int32_t>(std::ceil(std::max(bleedX, bleedY)));
+    for (const Half& half : HalvesOf(job, side))
+      DrawPageBleed(canvas, job.PageRect(), job.document, half.page, half.upper, half.lower, pixels);
+  }
+  cairo_restore(cr);
+}
+
+// Two hairlines at each corner of the trim, in the slug, never inside the
+// trim or the bleed.
+void DrawCropMarks(cairo_t* cr, const RenderJob& job, const PdfSheet& sheet) {
+  cairo_save(cr);
+  cairo_identity_matrix(cr);
+  cairo_scale(cr, 1 / job.pointsPerPixelX, 1 / job.pointsPerPixelY);  // in points
+  cairo_set_source_rgb(cr, 0, 0, 0);
+  cairo_set_line_width(cr, kMarkWidthPoints);
+  const double from = sheet.bleed + kMarkGapMm * kPointsPerMm, to = from + kMarkLengthMm * kPointsPerMm;
+  const PdfBox trim = sheet.Trim();
+  for (double x : {trim.left, trim.right}) {
+    for (double y : {trim.bottom, trim.top}) {
+      const double outX = x == trim.left ? -1 : 1, outY = y == trim.bottom ? -1 : 1;
+      cairo_move_to(cr, x + outX * from, y);
+      cairo_line_to(cr, x + outX * to, y);
+      cairo_move_to(cr, x, y + outY * from);
+      cairo_line_to(cr, x, y + outY * to);
+    }
+  }
+  cairo_stroke(cr);
+  cairo_restore(cr);
+}
+
+// Every page of the job into one PDF; with a bleed or crop marks, a page
+// grown round its trim, whose TrimBox and BleedBox say where.
+bool RenderPdf(const RenderJob& job, ProgressLine& progress) {
+  const PdfSheet sheet = SheetOf(job);
+  cairo_surface_t* surface = cairo_pdf_surface_create(job.out.c_str(), sheet.Width(), sheet.Height());
+  // In the page's pixels, as ScaleToPixels but to the sheet's own scale.
+  cairo_surface_set_device_scale(surface, job.pointsPerPixelX, job.pointsPerPixelY);
   cairo_t* cr = cairo_create(surface);
-  for (const Side& side : job.sides) {
+  for (size_t i = 0; i < job.sides.size(); ++i) {
+    cairo_save(cr);
+    cairo_translate(cr, sheet.Edge() / job.pointsPerPixelX, sheet.Edge() / job.pointsPerPixelY);
+    if (sheet.bleed > 0) DrawBleed(cr, job, job.sides[i], sheet);
     {
       CairoCanvas canvas(cr);
-      DrawPage(canvas, job, side, true);
+      DrawPage(canvas, job, job.sides[i], true);
     }
+    cairo_restore(cr);
+    if (job.cropMarks) DrawCropMarks(cr, job, sheet);
     cairo_show_page(cr);
+    progress.Show("rendering page", static_cast<int>(i + 1), static_cast<int>(job.sides.size()));
   }
   cairo_destroy(cr);
   cairo_surface_finish(surface);
   bool ok = cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS;
   cairo_surface_destroy(surface);
-  return ok || Failed(job.out, "cannot be written");
+  if (!ok) return Failed(job.out, "cannot be written");
+  std::string problem;
+  if (sheet.Printed() && !SetPageBoxes(job.out, sheet.Trim(), sheet.Bleed(), &problem))
+    return Failed(job.out, ("its page boxes cannot be set: it " + problem).c_str());
+  return true;
 }
 
 bool Render(const RenderJob& job) {
-  if (job.format == "pdf") return RenderPdf(job);
+  ProgressLine progress;
+  if (job.format == "pdf") return RenderPdf(job, progress);
   const std::function<bool(const RenderJob&, const Side&, const std::string&)> one =
       job.format == "png" ? RenderPng : job.format == "svg" ? RenderSvg : RenderOps;
   if (job.sides.size() == 1) return one(job, job.sides[0], job.out);
-  for (size_t i = 0; i < job.sides.size(); ++i)
+  for (size_t i = 0; i < job.sides.size(); ++i) {
     if (!one(job, job.sides[i], NumberedPath(job.out, static_cast<int>(i + 1)))) return false;
+    progress.Show("rendering page", static_cast<int>(i + 1), static_cast<int>(job.sides.size()));
+  }
   return true;
+}
+
+// Millimetres from `low` to `high` written as digits with an optional decimal
+// part: "3", "3.5".
+bool ParseMillimetres(const std::string& text, double low, double high, double* value) {
+  const size_t digits = text.find_first_not_of("0123456789");
+  const bool wellFormed = !text.empty() && digits > 0 && (digits == std::string::npos ||
+                                         (text[digits] == '.' && digits + 1 < text.size() &&
+                                          text.find_first_not_of("0123456789", digits + 1) == std::string::npos));
+  if (!wellFormed) return false;
+  const double v = std::strtod(text.c_str(), nullptr);
+  if (v < low || v > high) return false;
+  *value = v;
+  return true;
+}
+
+// The print options of a PDF: an exit code, or -1 when all is well.
+int PlanPrint(const Arguments& args, RenderJob* job) {
+  if (!args.Has("--bleed") && !args.Has("--crop-marks")) return -1;
+  if (job->format != "pdf") return Usage("--bleed and --crop-marks go with --format pdf");
+  if (job->screen) return Usage("--bleed and --crop-marks are for print, not for the --screen view");
+  job->cropMarks = args.Has("--crop-marks");
+  if (args.Has("--bleed") && !ParseMillimetres(args.options.at("--bleed"), 0, kMostBleedMm, &job->bleedMm))
+    return Usage("--bleed takes 0 to 20 millimetres, as 3 or 3.5");
+  return -1;
 }
 
 // Fills in the job from the options; an exit code, or -1 when all is well.
@@ -176,6 +297,7 @@ int Plan(const Arguments& args, RenderJob* job) {
     job->lower = halves != "upper";
   }
   job->screen = args.Has("--screen");
+  if (int status = PlanPrint(args, job); status >= 0) return status;
   if (args.Has("--dpi") && !ParseInt(args.options.at("--dpi"), 36, 2400, &job->dpi))
     return Usage("--dpi takes 36 to 2400");
   if (args.Has("--width") != args.Has("--height")) return Usage("--width and --height go together");
@@ -184,6 +306,7 @@ int Plan(const Arguments& args, RenderJob* job) {
     if (!ParseInt(args.options.at("--width"), 16, 20000, &job->width) ||
         !ParseInt(args.options.at("--height"), 16, 20000, &job->height))
       return Usage("--width and --height take 16 to 20000 pixels");
+    job->pointsPerPixelX = job->pointsPerPixelY = 72.0 / job->dpi;
     return -1;
   }
   const std::string paper = args.Has("--paper") ? args.options.at("--paper") : "a4";
@@ -191,6 +314,8 @@ int Plan(const Arguments& args, RenderJob* job) {
     if (paper != p.name) continue;
     job->width = static_cast<int>(std::lround(p.widthInches * job->dpi));
     job->height = static_cast<int>(std::lround(p.heightInches * job->dpi));
+    job->pointsPerPixelX = p.widthInches * 72 / job->width;
+    job->pointsPerPixelY = p.heightInches * 72 / job->height;
     return -1;
   }
   return Usage("--paper takes a4 or letter");
@@ -205,7 +330,14 @@ int RenderCommand(const Arguments& args) {
   const bool fresh = args.Has("--new");
   if (fresh == (args.positional.size() == 1) || args.positional.size() > 1)
     return Usage("render takes one FILE.CLN or --new");
-  if (!fresh && (args.Has("--year") || args.Has("--config"))) return Usage("--year and --config go with --new");
+  if (!fresh && args.Has("--year")) return Usage("--year goes with --new");
+  // Day and month names are settings, not part of the calendar: a file is
+  // drawn with those of --config and --locale too.
+  if (!fresh && args.Has("--config")) {
+    SetConfigFolder(args.options.at("--config").c_str());
+    LoadSettings();
+  }
+  if ((status = ApplyLocaleOption(args)) >= 0) return status;
   if (fresh) {
     job.document = NewCalendar(args, &status);
   } else {
