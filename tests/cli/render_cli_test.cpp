@@ -2,9 +2,13 @@
 #include <cairo.h>
 #include <sys/wait.h>
 
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
+#include <vector>
 
+#include "base/dib.h"
 #include "calendar/calendar_file.h"
 #include "unit/test_support.h"
 
@@ -28,18 +32,80 @@ class RenderCliTest : public QuernalTest {
   std::string Q(const std::string& path) { return "'" + path + "'"; }
 };
 
+// A PNG read once, its pixels as 0xRRGGBB.
+class Png {
+ public:
+  explicit Png(const std::string& path) : s_(cairo_image_surface_create_from_png(path.c_str())) {
+    EXPECT_EQ(cairo_surface_status(s_), CAIRO_STATUS_SUCCESS) << path;
+  }
+  ~Png() { cairo_surface_destroy(s_); }
+  int width() const { return cairo_image_surface_get_width(s_); }
+  int height() const { return cairo_image_surface_get_height(s_); }
+  uint32_t operator()(int x, int y) const {
+    if (x < 0 || y < 0 || x >= width() || y >= height()) return 0;
+    const uint8_t* row = cairo_image_surface_get_data(s_) + y * cairo_image_surface_get_stride(s_);
+    return reinterpret_cast<const uint32_t*>(row)[x] & 0xFFFFFF;
+  }
+
+ private:
+  cairo_surface_t* s_;
+};
+
 // The colour of one pixel of a PNG, as 0xRRGGBB.
 uint32_t PixelAt(const std::string& png, int x, int y, int* width = nullptr, int* height = nullptr) {
-  cairo_surface_t* s = cairo_image_surface_create_from_png(png.c_str());
-  EXPECT_EQ(cairo_surface_status(s), CAIRO_STATUS_SUCCESS) << png;
-  if (width) *width = cairo_image_surface_get_width(s);
-  if (height) *height = cairo_image_surface_get_height(s);
-  uint32_t v = 0;
-  if (x < cairo_image_surface_get_width(s) && y < cairo_image_surface_get_height(s))
-    v = reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(s) + y * cairo_image_surface_get_stride(s))[x];
-  cairo_surface_destroy(s);
-  return v & 0xFFFFFF;
+  const Png image(png);
+  if (width) *width = image.width();
+  if (height) *height = image.height();
+  return image(x, y);
 }
+
+// The MediaBox, BleedBox and TrimBox of each page as `pdfinfo -box` reads
+// them: left, bottom, right, top.
+struct PageBoxes {
+  double media[4], bleed[4], trim[4];
+};
+std::vector<PageBoxes> ReadBoxes(const std::string& pdf) {
+  std::string text;
+  EXPECT_EQ(RunCommand("pdfinfo -box -f 1 -l 99 '" + pdf + "'", &text), 0) << text;
+  std::vector<PageBoxes> pages;
+  for (size_t at = text.find("Page "); at != std::string::npos; at = text.find("\nPage ", at + 1)) {
+    int page;
+    char box[16];
+    double v[4];
+    if (std::sscanf(text.c_str() + at + (text[at] == '\n'), "Page %d %15[A-Za-z]: %lf %lf %lf %lf", &page, box, &v[0],
+                    &v[1], &v[2], &v[3]) != 6)
+      continue;
+    if (page > static_cast<int>(pages.size())) pages.resize(page);
+    double* into = std::string(box) == "MediaBox" ? pages[page - 1].media
+                   : std::string(box) == "BleedBox" ? pages[page - 1].bleed
+                   : std::string(box) == "TrimBox"  ? pages[page - 1].trim
+                                                    : nullptr;
+    if (into) std::copy(v, v + 4, into);
+  }
+  return pages;
+}
+
+// Whether every object the cross-reference table lists starts where it says:
+// poppler quietly rebuilds a broken table, a print shop's RIP may not.
+bool TableFindsEveryObject(const std::string& pdf) {
+  const std::string bytes = ReadFile(pdf);
+  size_t at = std::strtoul(bytes.c_str() + bytes.rfind("startxref") + 9, nullptr, 10);
+  if (bytes.compare(at, 4, "xref") != 0) return false;
+  char* end;
+  std::strtoul(bytes.c_str() + at + 5, &end, 10);
+  const unsigned long count = std::strtoul(end, &end, 10);
+  at = end - bytes.c_str() + 1;
+  for (unsigned long i = 0; i < count; ++i, at += 20) {
+    const std::string header = std::to_string(i) + " 0 obj";
+    if (bytes[at + 17] == 'n' && bytes.compare(std::strtoul(bytes.c_str() + at, nullptr, 10), header.size(), header))
+      return false;
+  }
+  return true;
+}
+
+// Colours as a calendar keeps them (0xBBGGRR) and as a PNG shows them.
+constexpr uint32_t kWhite = 0xFFFFFF, kBlack = 0, kGreen = 0x00A000, kRedPage = 0x0000C0, kRedPixel = 0xC00000,
+                   kBluePage = 0xC00000, kBluePixel = 0x0000C0;
 
 }  // namespace
 
@@ -49,7 +115,7 @@ TEST_F(RenderCliTest, AllPagesMakeOneFourteenPagePdf) {
   std::string info;
   ASSERT_EQ(RunCommand("pdfinfo " + Q(pdf), &info), 0) << info;
   EXPECT_NE(info.find("Pages:           14"), std::string::npos) << info;
-  EXPECT_NE(info.find("595.2 x 841.92 pts (A4)"), std::string::npos) << info;
+  EXPECT_NE(info.find("595.276 x 841.89 pts (A4)"), std::string::npos) << "the paper's own size" << info;
 }
 
 TEST_F(RenderCliTest, OtherFormatsNumberTheirFilesCoverFirst) {
@@ -61,6 +127,11 @@ TEST_F(RenderCliTest, OtherFormatsNumberTheirFilesCoverFirst) {
   EXPECT_NE(ReadFile(dir_.File("page-03.ops")).find("\"January\""), std::string::npos);
   EXPECT_NE(ReadFile(dir_.File("page-14.ops")).find("\"December\""), std::string::npos);
   EXPECT_FALSE(FileExists(dir_.File("page-15.ops")));
+  // On a terminal, a long render says how far it has come.
+  std::string terminal;
+  RunCommand("QUERNAL_PROGRESS_AFTER=0 script -qec \"" QUERNAL_CLI " render --new --all --width 70 --height 100 "
+             "--format ops -o " + Q(base) + "\" /dev/null", &terminal);
+  EXPECT_NE(terminal.find("rendering page 14/14"), std::string::npos) << terminal;
 }
 
 TEST_F(RenderCliTest, ScreenViewHalvesAndTheCalendarsOwnPage) {
@@ -78,6 +149,12 @@ TEST_F(RenderCliTest, ScreenViewHalvesAndTheCalendarsOwnPage) {
   ASSERT_EQ(Cli("render " + Q(file) + " --halves upper --page 3 --width 700 --height 1000 --format ops -o " + Q(ops)),
             0);
   EXPECT_EQ(ReadFile(ops), "fill 0 0 700 500 #FFFFFF\n");
+  // Month names are settings, not part of the file.
+  WriteFile(dir_.File("QUERNL.INI"), "[Quernal]\nMonthNovember=Novembre\n");
+  ASSERT_EQ(Cli("render " + Q(file) + " --config " + Q(dir_.path()) + " --width 700 --height 1000 --format ops -o " +
+                Q(ops)),
+            0);
+  EXPECT_NE(ReadFile(ops).find("\"Novembre\""), std::string::npos);
 }
 
 TEST_F(RenderCliTest, PngPagesHaveThePaperSizeAndTheLayoutsColours) {
@@ -111,6 +188,10 @@ TEST_F(RenderCliTest, BadRequestsAreRefused) {
   EXPECT_EQ(Cli("render --new --width 700 --format png" + out), 2);
   EXPECT_EQ(Cli("render --new --paper a3 --format png" + out), 2);
   EXPECT_EQ(Cli("render --new --format png"), 2);
+  for (const char* print : {"--bleed 3", "--crop-marks"}) EXPECT_EQ(Cli(std::string("render --new ") + print + " --format png" + out), 2);
+  for (const char* bleed : {"20.5", "-1", "3.", ".5", "3mm", "1e1", ""})
+    EXPECT_EQ(Cli(std::string("render --new --bleed '") + bleed + "' --format pdf" + out), 2) << bleed;
+  EXPECT_EQ(Cli("render --new --screen --crop-marks --format pdf" + out), 2);
   EXPECT_EQ(Cli("render " + Q(dir_.File("absent.CLN")) + " --format png" + out), 1);
   EXPECT_FALSE(FileExists(dir_.File("x.png")));
 }
@@ -140,4 +221,107 @@ TEST_F(RenderCliTest, BookletSidesComeInTheOrderOfTheTwoPasses) {
   ASSERT_EQ(RunCommand("pdfinfo " + Q(pdf), &info), 0) << info;
   EXPECT_NE(info.find("Pages:           14"), std::string::npos);
   EXPECT_EQ(Cli("render --new --booklet --halves upper --format pdf -o " + Q(pdf)), 2);
+}
+
+TEST_F(RenderCliTest, PrintShopPdfsBleedPastTheTrimWithCropMarksOutsideIt) {
+  // Blue months, a green year page and a red cover whose black picture bleeds.
+  CalendarDocument doc = CreateCalendar(2026, 0);
+  CalendarHeader h;
+  GetHeader(doc, &h);
+  h.YagPageColour = kGreen;
+  h.CoverBackgroundColour = kRedPage;
+  h.CoverPicture = DibCreate(40, 30, 24);
+  h.CoverPictureShowPicture = h.CoverPictureBleed = 1;
+  PutHeader(doc, &h);
+  for (int month = 0; month < 12; ++month) {
+    MonthPage p;
+    GetMonthPage(doc, month, &p);
+    p.PageBackgroundColour = kBluePage;
+    PutMonthPage(doc, month, &p);
+  }
+  SilentProgress progress;
+  const std::string file = dir_.File("print.CLN");
+  ASSERT_EQ(SaveCalendar(&progress, file.c_str(), doc), 1);
+  FreeCalendar(doc);
+  auto render = [&](const std::string& options, const std::string& pdf) {
+    return Cli("render " + Q(file) + " --dpi 100 " + options + " --format pdf -o " + Q(dir_.File(pdf)));
+  };
+
+  // Every page: the trim exactly A4, the bleed box the bleed beyond it, and
+  // with crop marks a slug of 7 mm beyond that.
+  const double mm = 72 / 25.4;
+  const struct {
+    const char* options;
+    const char* pdf;
+    size_t pages;
+    double bleed;
+    bool marks;
+  } kCases[] = {{"--all --bleed 3 --crop-marks", "all.pdf", 14, 3, true},
+                {"--booklet --bleed 3 --crop-marks", "booklet.pdf", 14, 3, true},
+                {"--page 0 --bleed 3.5", "january.pdf", 1, 3.5, false},
+                {"--page 12 --bleed 0 --crop-marks", "year.pdf", 1, 0, true}};
+  for (const auto& c : kCases) {
+    ASSERT_EQ(render(c.options, c.pdf), 0) << c.options;
+    EXPECT_TRUE(TableFindsEveryObject(dir_.File(c.pdf))) << c.options;
+    const std::vector<PageBoxes> pages = ReadBoxes(dir_.File(c.pdf));
+    ASSERT_EQ(pages.size(), c.pages) << c.options;
+    for (const PageBoxes& p : pages) {
+      EXPECT_NEAR(p.trim[2] - p.trim[0], 595.276, 0.011) << c.options;
+      EXPECT_NEAR(p.trim[3] - p.trim[1], 841.89, 0.011) << c.options;
+      for (int i = 0; i < 4; ++i) {
+        const double outward = i < 2 ? -1 : 1;
+        EXPECT_NEAR(p.bleed[i], p.trim[i] + outward * c.bleed * mm, 0.011) << c.options << ", side " << i;
+        EXPECT_NEAR(p.media[i], p.bleed[i] + outward * (c.marks ? 7 * mm : 0), 0.011) << c.options << ", side " << i;
+      }
+    }
+  }
+
+  // At 127 dpi a millimetre is 5 pixels: the bleed box starts 35 pixels in,
+  // the trim 50, the marks end at the sheet's edge 25 pixels from the bleed.
+  ASSERT_EQ(RunCommand("pdftoppm -r 127 -png -f 1 -l 3 " + Q(dir_.File("all.pdf")) + " " + Q(dir_.File("all"))), 0);
+  ASSERT_EQ(RunCommand("pdftoppm -r 127 -png -f 14 -l 14 " + Q(dir_.File("booklet.pdf")) + " " + Q(dir_.File("side"))), 0);
+  const struct {
+    const char* png;
+    uint32_t upper, lower;  // the bleed's colours round each half
+  } kSides[] = {{"all-01.png", kRedPixel, kBlack},  // the cover's picture reaches the bleed's edge
+                {"all-02.png", kGreen, kGreen},
+                {"all-03.png", kBluePixel, kBluePixel},
+                {"side-14.png", kGreen, kBluePixel}};  // the year's first half over December
+  for (const auto& side : kSides) {
+    const Png png(dir_.File(side.png));
+    ASSERT_NEAR(png.width(), 1150, 1) << side.png << ": pdftoppm rounds up";
+    ASSERT_NEAR(png.height(), 1585, 1) << side.png;
+    for (int x : {35, 575, 1114}) {
+      EXPECT_EQ(png(x, 35), side.upper) << side.png << " at " << x;
+      EXPECT_EQ(png(x, 1549), side.lower) << side.png << " at " << x;
+      EXPECT_EQ(png(x, 34), kWhite) << side.png << " at " << x;
+    }
+    EXPECT_EQ(png(35, 400), side.upper) << side.png;
+    EXPECT_EQ(png(1114, 1200), side.lower) << side.png;
+    // The marks continue the trim's edges (x 50, 1100; y 50, 1535), between
+    // the sheet's edge and 2 mm short of the bleed, at all four corners.
+    for (int along : {0, 12, 24})
+      for (int line : {50, 1100}) {
+        const int x = line - (line == 50), near = along, far = 1584 - along;
+        EXPECT_LT(std::min(png(x, near) & 0xFF, png(x + 1, near) & 0xFF), 0xE0u) << side.png << " at " << line;
+        EXPECT_LT(std::min(png(x, far) & 0xFF, png(x + 1, far) & 0xFF), 0xE0u) << side.png << " at " << line;
+      }
+    // (pdftoppm paints a clipped picture a pixel past the clip's lower edge.)
+    for (int gap = 26; gap < 34; ++gap) {
+      EXPECT_EQ(png(49, gap) & png(50, gap) & png(gap, 49) & png(gap, 50), kWhite) << side.png << " at " << gap;
+      EXPECT_EQ(png(1100, 1584 - gap) & png(1149 - gap, 1535), kWhite) << side.png << " at " << gap;
+    }
+  }
+
+  // The trimmed page is the page drawn without a bleed.
+  ASSERT_EQ(render("--page 13", "cover.pdf"), 0);
+  ASSERT_EQ(RunCommand("pdftoppm -r 127 -png -singlefile " + Q(dir_.File("cover.pdf")) + " " + Q(dir_.File("cover"))),
+            0);
+  const Png bled(dir_.File("all-01.png")), plain(dir_.File("cover.png"));
+  ASSERT_NEAR(plain.width(), 1050, 1);
+  ASSERT_NEAR(plain.height(), 1485, 1);
+  int different = 0;
+  for (int y = 0; y < 1485; ++y)
+    for (int x = 0; x < 1050; ++x) different += bled(x + 50, y + 50) != plain(x, y);
+  EXPECT_EQ(different, 0);
 }
