@@ -18,6 +18,11 @@ if(QUERNAL_WINDOWS_BUILDS)
   quernal_sub_build(windows-x86_64 -DCMAKE_TOOLCHAIN_FILE=${CMAKE_SOURCE_DIR}/cmake/toolchain-mingw-x86_64.cmake)
   quernal_sub_build(windows-i686 -DCMAKE_TOOLCHAIN_FILE=${CMAKE_SOURCE_DIR}/cmake/toolchain-mingw-i686.cmake)
   add_dependencies(windows-i686 windows-x86_64)
+  # The Windows Installer packages and portable zips of both, in packages/.
+  add_custom_target(package-windows
+    COMMAND bash ${CMAKE_SOURCE_DIR}/tools/package.sh --no-build --build ${CMAKE_BINARY_DIR}
+    USES_TERMINAL)
+  add_dependencies(package-windows windows-x86_64 windows-i686)
   set(QUERNAL_WIN64_BIN ${CMAKE_BINARY_DIR}/windows-x86_64/bin)
   set(QUERNAL_WIN32_BIN ${CMAKE_BINARY_DIR}/windows-i686/bin)
   add_subdirectory(tests/win32)
