@@ -24,7 +24,7 @@ packages=(
   libical-dev locales-all
   # the Windows Installer package (wixl builds it, msiinfo reads it) and the
   # portable zip
-  msitools wixl zip
+  msitools wixl zip unzip
   # the Linux menu entry, double-clickable calendars and the manual page
   desktop-file-utils xdg-utils shared-mime-info man-db
 )
