@@ -189,3 +189,14 @@ TEST_F(DesignerCliTest, HelpExplainsEachCommandAndAProgressLineShowsOnlyOnATermi
   EXPECT_TRUE(Has(r.out, "reading pictures 3/3")) << r.out;
   EXPECT_TRUE(Has(r.out, "saving the calendar")) << r.out;
 }
+
+TEST_F(DesignerCliTest, TheSampleCalendarIsFinished) {
+  const CliRun r = Cli("info " QUERNAL_SAMPLE);
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_EQ(Count(r.out, "\"Picture\": {\"width\": 1500, \"height\": 1000, \"bits\": 24,"), 12);
+  EXPECT_TRUE(Has(r.out, "\"CoverPicture\": {\"width\": 1500,"));
+  EXPECT_TRUE(Has(r.out, "\"CoverTitle\": \"A year in the hills\","));
+  EXPECT_TRUE(Has(r.out, "\"UseCurrentYear\": 1,"));
+  EXPECT_TRUE(Has(r.out, "\"CurrentPage\": 13,"));
+  EXPECT_EQ(Count(r.out, "\"LeftCaption\": \"\","), 0);
+}
