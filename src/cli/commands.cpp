@@ -8,7 +8,9 @@ const OptionSpec kAppDir{"--app-dir", "DIR", "the program's folder, where events
 const OptionSpec kLocale{"--locale", "NAME",
                          "day and month names from the system's locale NAME (de_DE, fr_FR.UTF-8, ...) instead of the "
                          "settings; refused when a name cannot be written in Windows-1252"};
-const OptionSpec kConfig{"--config", "DIR", "read the settings file QUERNL.INI of the folder DIR first"};
+const OptionSpec kConfig{"--config", "DIR",
+                         "read the settings file QUERNL.INI of the folder DIR first: the design of a new calendar, and "
+                         "the day and month names, which are settings of the program rather than of a calendar"};
 
 const std::vector<CommandSpec> kCommands = {
     {"new", "[--year Y] [--month M] [--config DIR] [--locale NAME] [--pictures F1 ... F12 | --picture-dir DIR]\n"
@@ -59,8 +61,8 @@ const std::vector<CommandSpec> kCommands = {
      {{"--ini", "FILE", "a settings file to read first"}, kLocale},
      SettingsCommand},
     {"render",
-     "(FILE.CLN | --new [--year Y] [--config DIR]) [--page N | --all | --booklet] [--halves both|upper|lower]\n"
-     "    [--screen] [--width W --height H | --paper a4|letter] [--dpi D] [--locale NAME]\n"
+     "(FILE.CLN | --new [--year Y]) [--config DIR] [--locale NAME] [--page N | --all | --booklet]\n"
+     "    [--halves both|upper|lower] [--screen] [--width W --height H | --paper a4|letter] [--dpi D]\n"
      "    [--bleed MM] [--crop-marks] [--app-dir DIR] --format png|pdf|svg|ops -o OUT",
      "Draws pages of a calendar as the program prints them: PNG, SVG and ops (a line per drawing call) write a "
      "file per page (OUT-01.png, ...), PDF writes one file.",

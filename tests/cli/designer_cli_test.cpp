@@ -165,6 +165,12 @@ TEST_F(DesignerCliTest, DayAndMonthNamesComeFromTheLocale) {
   EXPECT_TRUE(Has(ops, "\"M\xC3\xA4rz\"")) << ops.substr(0, 2000);  // the ops are UTF-8
   EXPECT_TRUE(Has(ops, "\"Fr\xC3\xBChlingsanfang\""));
   EXPECT_FALSE(Has(ops, "English key"));
+  // Imported holidays are written under the names they will be read with.
+  WriteFile(dir_.File("h.ics"), "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:1\r\nDTSTART;VALUE=DATE:20271224\r\n"
+                                "SUMMARY:Heiligabend\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n");
+  r = Cli("events import " + Q(dir_.File("h.ics")) + " --year 2027 --locale de_DE -o " + Q(dir_.File("Fest.CDF")));
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_TRUE(Has(ReadFile(dir_.File("Fest.CDF")), "\nDez24 Heiligabend\n"));
 }
 
 TEST_F(DesignerCliTest, HelpExplainsEachCommandAndAProgressLineShowsOnlyOnATerminal) {
