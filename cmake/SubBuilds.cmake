@@ -22,7 +22,7 @@ if(QUERNAL_WINDOWS_BUILDS)
   add_custom_target(package-windows
     COMMAND bash ${CMAKE_SOURCE_DIR}/tools/package.sh --no-build --build ${CMAKE_BINARY_DIR}
     USES_TERMINAL)
-  add_dependencies(package-windows windows-x86_64 windows-i686)
+  add_dependencies(package-windows windows-x86_64 windows-i686 sample-calendar)
   set(QUERNAL_WIN64_BIN ${CMAKE_BINARY_DIR}/windows-x86_64/bin)
   set(QUERNAL_WIN32_BIN ${CMAKE_BINARY_DIR}/windows-i686/bin)
   add_subdirectory(tests/win32)

@@ -33,7 +33,7 @@ done
 stage=$(mktemp -d)
 trap 'rm -rf "$stage"' EXIT
 for arch in "${arches[@]}"; do
-  [ -n "$no_build" ] || bash "$root/tools/build.sh" --target "windows-$arch"
+  [ -n "$no_build" ] || bash "$root/tools/build.sh" --target "windows-$arch" --target sample-calendar
   case $arch in x86_64) msi_arch=x64 ;; i686) msi_arch=x86 ;; esac
   bin=$build/windows-$arch/bin
   name=Quernal-$version-$arch
@@ -43,6 +43,7 @@ for arch in "${arches[@]}"; do
   mkdir -p "$stage/Quernal/html"
   cp "$bin/Quernal.exe" "$bin/THEME_Standard.dll" "$bin/THEME_Ink.dll" "$bin/General.CDF" "$bin/QUERNL.CCL" "$stage/Quernal/"
   cp "$bin/html/manual.htm" "$stage/Quernal/html/"
+  cp "$build/bin/Sample.CLN" "$stage/Quernal/"   # drawn by the native build
   # The debugging information stays in the build.
   "$arch-w64-mingw32-strip" "$stage/Quernal/Quernal.exe" "$stage/Quernal/"*.dll
   cp "$root/res/quernal.ico" "$stage/"
@@ -57,6 +58,9 @@ for arch in "${arches[@]}"; do
   for component in EventsList ColourTable; do
     msibuild "$out/$name.msi" -q "UPDATE \`Component\` SET \`Attributes\` = $attributes WHERE \`Component\` = '$component'"
   done
+  # A long name in the installer's tables goes with an 8.3 one; wixl writes
+  # the long one alone.
+  msibuild "$out/$name.msi" -q "UPDATE \`Shortcut\` SET \`Name\` = 'QSAMPLE.LNK|Quernal Sample Calendar' WHERE \`Shortcut\` = 'SampleShortcut'"
   # wixl drops IncludeMaximum: a package of the same version (a rebuild, the
   # other architecture) is to be replaced too. 0x100 | 0x200: both ends inclusive.
   # Attributes are part of the Upgrade table's key, so the table is rewritten.

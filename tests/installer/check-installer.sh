@@ -18,7 +18,7 @@ for tool in $tools; do
 done
 version=$(sed -n 's/^project(Quernal VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")
 package() { bash "$root/tools/package.sh" --no-build --build "$BUILD_DIR" --out "$WORK_DIR/$1" "${@:2}" >/dev/null || fail "package.sh $*"; }
-shipped="General.CDF QUERNL.CCL Quernal.exe THEME_Ink.dll THEME_Standard.dll html/manual.htm "
+shipped="General.CDF QUERNL.CCL Quernal.exe Sample.CLN THEME_Ink.dll THEME_Standard.dll html/manual.htm "
 
 if [ "$mode" = packages ]; then
   package packages
@@ -69,6 +69,9 @@ mkdir -p "$user/My Calendars"
 open "C:$shortcut" "$calendar"
 grep -qx 'program: C:\\Program Files\\Quernal\\Quernal.exe' <<<"$out" || fail "not the installed program"
 grep -q '^ApplicationPath = C:\\Program Files\\Quernal\\' "$user/AppData/Roaming/Tarnwick/QUERNL.INI" || fail "no settings"
+# The sample calendar's shortcut opens it from Program Files, spaces and all.
+open --title Sample.CLN "C:${shortcut%Quernal.lnk}Quernal Sample Calendar.lnk"
+grep -q '^title: Quernal \[ Sample.CLN' <<<"$out" || fail "the sample calendar did not open: $out"
 # A double click on the calendar opens it: the path, spaces and all.
 open "$calendar"
 grep -q '^title: Quernal \[ my cal.CLN' <<<"$out" && ! grep -v 'default printer' <<<"$out" | grep -q '^message' ||
@@ -88,7 +91,7 @@ grep -q "At home" "$dir/General.CDF" || fail "the edited events list was replace
 msiexec /x "$(msi upgrade "$later")" || fail "msiexec /x"
 [ -z "$(entries)" ] || fail "still in the list of programs"
 wine reg query 'HKCR\.CLN' >/dev/null 2>&1 && fail "the file type is still there"
-for f in Quernal.exe THEME_Standard.dll THEME_Ink.dll html "../../${shortcut//\\//}"; do
+for f in Quernal.exe THEME_Standard.dll THEME_Ink.dll Sample.CLN html "../../${shortcut//\\//}"; do
   [ ! -e "$dir/$f" ] || fail "$f is still there"
 done
 for f in "$user/My Calendars/my cal.CLN" "$user/AppData/Roaming/Tarnwick/QUERNL.INI" "$dir/General.BAK" "$dir/Ann.CDF" "$dir/QUERNL.CCL"; do

@@ -19,3 +19,10 @@ add_test(NAME windows.packages COMMAND ${check_installer} packages)
 add_test(NAME wine.installer COMMAND ${check_installer} install)
 set_tests_properties(windows.packages wine.installer PROPERTIES
   ENVIRONMENT "${installer_env}" SKIP_RETURN_CODE 77 TIMEOUT 300 RESOURCE_LOCK installer)
+
+# tools/install-linux.sh: the menu entry, the calendar type and the launcher
+# in a throwaway HOME.
+add_test(NAME wine.linux_install COMMAND ${CMAKE_CURRENT_LIST_DIR}/check-linux-install.sh)
+set_tests_properties(wine.linux_install PROPERTIES
+  ENVIRONMENT "BUILD_DIR=${CMAKE_BINARY_DIR};WORK_DIR=${CMAKE_BINARY_DIR}/linux-install-tests"
+  SKIP_RETURN_CODE 77 TIMEOUT 300)

@@ -2,7 +2,10 @@
 // through its file type), prints the program the shell started and its
 // title, optionally saves the calendar under a new name, and closes the
 // program as a user does, so that it writes its settings.
-//   quernal_shell_open.exe FILE [SAVE_AS]
+//   quernal_shell_open.exe [--title NAME] [--running] FILE [SAVE_AS]
+// A calendar is open once the title names it; --title names the calendar a
+// shortcut opens. --running opens nothing: the program was started by
+// another way (a Linux launcher) and FILE names what it opened.
 #include <windows.h>
 
 #include <cstdio>
@@ -31,13 +34,24 @@ void WaitForTitle(HWND& window, const std::string& prefix) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  std::string name;
+  bool running = false;
+  for (; argc > 2 && argv[1][0] == '-'; --argc, ++argv) {
+    if (std::string(argv[1]) == "--running") {
+      running = true;
+    } else if (std::string(argv[1]) == "--title" && argc > 3) {
+      name = argv[2];
+      --argc, ++argv;
+    }
+  }
   if (argc < 2) return 2;
-  if (reinterpret_cast<INT_PTR>(ShellExecuteA(nullptr, nullptr, argv[1], nullptr, nullptr, SW_SHOWNORMAL)) <= 32) return 1;
-  // A calendar is opened once the title names it.
-  const std::string file = argv[1], name = file.substr(file.find_last_of('\\') + 1);
-  const bool calendar = file.size() > 4 && lstrcmpiA(file.c_str() + file.size() - 4, ".CLN") == 0;
+  if (!running && reinterpret_cast<INT_PTR>(ShellExecuteA(nullptr, nullptr, argv[1], nullptr, nullptr, SW_SHOWNORMAL)) <= 32)
+    return 1;
+  const std::string file = argv[1];
+  if (name.empty() && file.size() > 4 && lstrcmpiA(file.c_str() + file.size() - 4, ".CLN") == 0)
+    name = file.substr(file.find_last_of('\\') + 1);
   HWND window = nullptr;
-  WaitForTitle(window, calendar ? "Quernal [ " + name : "Quernal [ ");
+  WaitForTitle(window, "Quernal [ " + name);
   if (!window) return 1;
   DWORD pid = 0;
   GetWindowThreadProcessId(window, &pid);
