@@ -8,6 +8,18 @@
 
 #include "unit/test_support.h"
 
+// Runs a shell command; its exit code, with stdout and stderr together in *out.
+inline int RunCommand(const std::string& command, std::string* out = nullptr) {
+  std::FILE* p = popen((command + " 2>&1").c_str(), "r");
+  char buffer[4096];
+  size_t n;
+  std::string text;
+  while ((n = std::fread(buffer, 1, sizeof buffer, p)) > 0) text.append(buffer, n);
+  const int status = pclose(p);
+  if (out) *out = text;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 struct CliRun {
   int status;
   std::string out;

@@ -1,6 +1,5 @@
 // quernal-cli render as a user runs it.
 #include <cairo.h>
-#include <sys/wait.h>
 
 #include <cmath>
 #include <cstdio>
@@ -10,26 +9,14 @@
 
 #include "base/dib.h"
 #include "calendar/calendar_file.h"
-#include "unit/test_support.h"
+#include "cli/cli_run.h"
 
 namespace {
 
-// Runs a shell command; its exit code, with stdout and stderr in *out.
-int RunCommand(const std::string& command, std::string* out = nullptr) {
-  std::FILE* p = popen((command + " 2>&1").c_str(), "r");
-  char buffer[4096];
-  size_t n;
-  std::string text;
-  while ((n = std::fread(buffer, 1, sizeof buffer, p)) > 0) text.append(buffer, n);
-  int status = pclose(p);
-  if (out) *out = text;
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-class RenderCliTest : public QuernalTest {
+class RenderCliTest : public CliTest {
  protected:
+  // The exit code, with stdout and stderr together in *out.
   int Cli(const std::string& args, std::string* out = nullptr) { return RunCommand(QUERNAL_CLI " " + args, out); }
-  std::string Q(const std::string& path) { return "'" + path + "'"; }
 };
 
 // A PNG read once, its pixels as 0xRRGGBB.
