@@ -16,7 +16,8 @@ prefix="$home/prefix"
 program_dir="$prefix/drive_c/Program Files/Quernal"
 manifest="$home/installed-files"   # what was installed, with checksums
 mime_type="application/x-quernal-calendar"
-shipped=(Quernal.exe THEME_Standard.dll THEME_Ink.dll General.CDF QUERNL.CCL Sample.CLN html/manual.htm)
+# The program's folder; install() adds the manual (everything in html/).
+shipped=(Quernal.exe THEME_Standard.dll THEME_Ink.dll General.CDF QUERNL.CCL Sample.CLN)
 export WINEPREFIX="$prefix" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
 
 refresh_desktop() {
@@ -66,6 +67,8 @@ install() {
     bash "$root/tools/build.sh" --target windows-x86_64 --target sample-calendar --target quernal-cli
   fi
   local win="$build/windows-x86_64/bin"
+  local manual
+  for manual in "$win"/html/*; do shipped+=("html/${manual##*/}"); done
   mkdir -p "$home" "$bin_dir" "$data/man/man1" "$data/applications" "$data/mime/packages" \
            "$data/icons/hicolor/48x48/apps" "$data/icons/hicolor/256x256/apps"
   if [ ! -f "$prefix/system.reg" ]; then

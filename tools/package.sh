@@ -42,7 +42,7 @@ for arch in "${arches[@]}"; do
   rm -rf "${stage:?}"/*
   mkdir -p "$stage/Quernal/html"
   cp "$bin/Quernal.exe" "$bin/THEME_Standard.dll" "$bin/THEME_Ink.dll" "$bin/General.CDF" "$bin/QUERNL.CCL" "$stage/Quernal/"
-  cp "$bin/html/manual.htm" "$stage/Quernal/html/"
+  cp "$bin/html/"* "$stage/Quernal/html/"   # the manual and its pictures
   cp "$build/bin/Sample.CLN" "$stage/Quernal/"   # drawn by the native build
   # The debugging information stays in the build.
   "$arch-w64-mingw32-strip" "$stage/Quernal/Quernal.exe" "$stage/Quernal/"*.dll

@@ -21,7 +21,7 @@ program_dir="$WINEPREFIX/drive_c/Program Files/Quernal"
 mkdir -p "$program_dir/html" "$WINEPREFIX/drive_c/users/$(id -un)/AppData/Roaming/Tarnwick"
 cp "$bin/Quernal.exe" "$bin/General.CDF" "$bin/QUERNL.CCL" "$program_dir/"
 cp "$bin/THEME_Standard.dll" "$bin/THEME_Ink.dll" "$program_dir/"
-cp "$bin/html/manual.htm" "$program_dir/html/"
+cp "$bin/html/"* "$program_dir/html/"   # the manual and its pictures
 cp build/bin/Sample.CLN "$program_dir/"   # the finished calendar a new user can open first
 program='C:\Program Files\Quernal\Quernal.exe'
 

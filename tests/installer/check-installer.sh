@@ -18,7 +18,9 @@ for tool in $tools; do
 done
 version=$(sed -n 's/^project(Quernal VERSION \([0-9.]*\).*/\1/p' "$root/CMakeLists.txt")
 package() { bash "$root/tools/package.sh" --no-build --build "$BUILD_DIR" --out "$WORK_DIR/$1" "${@:2}" >/dev/null || fail "package.sh $*"; }
-shipped="General.CDF QUERNL.CCL Quernal.exe Sample.CLN THEME_Ink.dll THEME_Standard.dll html/manual.htm "
+# The manual is everything in res/html, its pictures included.
+shipped="$(printf '%s\n' General.CDF QUERNL.CCL Quernal.exe Sample.CLN THEME_Ink.dll THEME_Standard.dll \
+  $(cd "$root/res/html" && ls | sed 's|^|html/|') | sort | tr '\n' ' ')"
 
 if [ "$mode" = packages ]; then
   package packages

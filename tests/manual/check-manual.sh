@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# The manual (res/html) as it ships: every place the program opens it at
+# exists, its links lead somewhere, its pictures are there, small, and go
+# into the installer, and it needs nothing from outside.
+#   check-manual.sh [SOURCE_DIR]
+set -u
+root=${1:-$(cd "$(dirname "$0")/../.." && pwd)}
+html=$root/res/html
+manual=$html/manual.htm
+failed=0
+fail() { echo "check-manual: $1" >&2; failed=1; }
+
+ids=$(grep -o ' id="[^"]*"' "$manual" | cut -d'"' -f2)
+has_id() { grep -qx -- "$1" <<<"$ids"; }
+
+# The anchors the program opens: its Help buttons and F1 (OpenManual), and
+# the property sheets' help topics; then those the manual has always had,
+# which other people's links may use.
+opened=$(grep -rhoE 'OpenManual\([^,]+, *"[A-Za-z_]+"' "$root/src" | cut -d'"' -f2
+         grep -rhoE 'RunSheet\(\{[^,]+, *"[^"]*", *[^,]+, *[^,]+, *"[A-Za-z_]+"' "$root/src" | cut -d'"' -f4)
+[ "$(sort -u <<<"$opened" | wc -l)" -ge 6 ] || fail "found only these anchors in the program: $(echo $opened)"
+for anchor in $(printf '%s\n' $opened DOCUMENTATION FILES VIEW Month Year SETUP EVENTS REPLICATE PRINTING COLORS SETTINGS | sort -u); do
+  has_id "$anchor" || fail "no anchor $anchor"
+done
+dups=$(sort <<<"$ids" | uniq -d)
+[ -z "$dups" ] || fail "anchors given twice: $(echo $dups)"
+
+for link in $(grep -o 'href="#[^"]*"' "$manual" | cut -d'"' -f2 | cut -c2- | sort -u); do
+  has_id "$link" || fail "a link to #$link, which is nowhere"
+done
+grep -qiE '(src|href)="(https?:|//|file:)|url\(|@import' "$manual" && fail "the manual loads something from outside"
+
+pictures=$(grep -o '<img [^>]*src="[^"]*"' "$manual" | sed 's/.*src="//; s/"$//' | sort -u)
+[ -n "$pictures" ] || fail "the manual shows no pictures"
+for picture in $pictures; do
+  [ -f "$html/$picture" ] || { fail "missing picture $picture"; continue; }
+  size=$(stat -c %s "$html/$picture")
+  [ "$size" -lt 100000 ] || fail "$picture is $size bytes, 100 KB or more"
+  head -c 8 "$html/$picture" | od -An -tx1 | grep -q '89 50 4e 47 0d 0a 1a 0a' || fail "$picture is not a PNG"
+done
+for file in $(cd "$html" && ls); do
+  [ "$file" = manual.htm ] || grep -qx -- "$file" <<<"$pictures" || fail "$file ships but the manual never shows it"
+  # wixl takes no wildcards: each file of the folder is listed.
+  grep -q "Source=\"Quernal/html/$file\"" "$root/installer/quernal.wxs" || fail "$file is not in installer/quernal.wxs"
+done
+exit $failed
