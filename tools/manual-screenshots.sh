@@ -48,15 +48,7 @@ if [ -n "${QUERNAL_SHOTS_ON_XVFB:-}" ]; then
   exit
 fi
 
-for tool in wine xvfb-run import convert identify; do
-  command -v $tool >/dev/null || { echo "manual-screenshots: $tool is missing (run tools/setup-debian.sh)" >&2; exit 1; }
-done
-# Wine draws the title bars' buttons with its own fonts.
-if [ ! -d /usr/share/wine/fonts ]; then
-  echo "manual-screenshots: installing Wine's fonts (fonts-wine)"
-  DEBIAN_FRONTEND=noninteractive apt-get install -y -q fonts-wine >/dev/null ||
-    { echo "manual-screenshots: fonts-wine is missing: apt-get install fonts-wine" >&2; exit 1; }
-fi
+bash "$root/tools/setup-debian.sh"
 if [ -z "$no_build" ]; then
   bash "$root/tools/build.sh" --target windows-x86_64 --target sample-calendar
 fi

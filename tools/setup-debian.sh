@@ -15,8 +15,9 @@ packages=(
   # tests: GoogleTest (native package and the sources for the cross builds),
   # libFuzzer with the sanitizers
   googletest libgtest-dev clang libclang-rt-14-dev
-  # running the Windows build
-  wine wine64 xvfb xauth x11-utils
+  # running the Windows build (Wine draws the title bars' buttons with its own
+  # fonts, which the manual's screenshots show)
+  wine wine64 fonts-wine xvfb xauth x11-utils
   # real printing in tests, screenshots
   cups cups-client printer-driver-cups-pdf poppler-utils imagemagick
   # the command line: holidays from iCalendar files, day and month names of
