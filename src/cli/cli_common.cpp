@@ -32,8 +32,10 @@ class CliProgress : public FileProgress {
   void End() override {}
   bool AskYesNo(const char*) override {
     std::fprintf(stderr, "quernal-cli: %s: a damaged picture was skipped\n", path_.c_str());
+    ++skipped;
     return true;
   }
+  int skipped = 0;
 
  private:
   std::string path_;
@@ -94,10 +96,11 @@ void SetApplicationPath(const Arguments& args) {
                 args.Has("--app-dir") ? args.options.at("--app-dir").c_str() : ".");
 }
 
-CalendarDocument Load(const std::string& path) {
+CalendarDocument Load(const std::string& path, int* skipped) {
   CliProgress progress(path, "reading the calendar");
   LoadFailure failure;
   CalendarDocument document = LoadCalendar(&progress, path.c_str(), &failure);
+  if (skipped) *skipped = progress.skipped;
   if (!document)
     std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(),
                  failure == LoadFailure::kOutOfMemory ? kMemoryFailedMessage : kLoadFailedMessage);

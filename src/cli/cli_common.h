@@ -46,7 +46,8 @@ class ProgressLine {
 void SetApplicationPath(const Arguments& args);
 // Loads a calendar, dropping damaged pictures with a line on stderr; 0 (and the
 // program's message on stderr) when the file cannot be read.
-CalendarDocument Load(const std::string& path);
+// `skipped` (when given) receives the number of damaged pictures dropped.
+CalendarDocument Load(const std::string& path, int* skipped = nullptr);
 // Saves; 1 (and the program's message on stderr) on failure, else 0.
 int Save(const std::string& path, CalendarDocument document);
 // A picture file read as the page editor's "Select..." reads it: 0 after the

@@ -191,8 +191,17 @@ int SetCommand(const Arguments& args) {
     return Usage("set needs a FIELD=VALUE, --picture or --no-picture");
   if (args.Has("--picture") && args.Has("--no-picture")) return Usage("--picture and --no-picture exclude each other");
   SetApplicationPath(args);
-  CalendarDocument document = Load(path);
+  int damaged = 0;
+  CalendarDocument document = Load(path, &damaged);
   if (!document) return 1;
+  // Saving would drop the damaged pictures' bytes for good: that is resave's
+  // choice to make, not a side effect of changing a field.
+  if (damaged) {
+    std::fprintf(stderr, "quernal-cli: %s: nothing changed; `quernal-cli resave` repairs the calendar without its "
+                 "damaged pictures\n", path.c_str());
+    FreeCalendar(document);
+    return 1;
+  }
   std::vector<int> pages;
   std::vector<Assignment> assignments;
   int status = ChosenPages(args, document, &pages);

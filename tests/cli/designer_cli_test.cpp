@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "calendar/records.h"
 #include "cli/cli_run.h"
 #include "pictures/image_files.h"
 
@@ -135,6 +136,14 @@ TEST_F(DesignerCliTest, SetChangesNamedFieldsAndLeavesTheFileAloneWhenAnythingIs
   EXPECT_EQ(Count(info, "\"DateBackColour\": 33023,"), 1);
   EXPECT_TRUE(Has(info, "\"Year\": 2030,"));
   EXPECT_FALSE(Has(info, "\"DateRound\": 3,"));
+  // A calendar with a damaged picture is left for resave to repair.
+  std::string bytes = ReadFile(cal);
+  bytes[kHeaderSize + 30] ^= 0x33;  // inside the cover's picture stream
+  WriteFile(cal, bytes);
+  const CliRun r = Cli("set " + Q(cal) + " PageMargin=9");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_TRUE(Has(r.err, "nothing changed; `quernal-cli resave` repairs")) << r.err;
+  EXPECT_TRUE(ReadFile(cal) == bytes);
 }
 
 TEST_F(DesignerCliTest, DayAndMonthNamesComeFromTheLocale) {
