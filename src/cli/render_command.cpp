@@ -89,7 +89,12 @@ void DrawPage(Canvas& canvas, const RenderJob& job, const Side& side, bool backg
     DrawCalendarPage(canvas, job.PageRect(), job.document, half.page, !job.screen, half.upper, half.lower);
 }
 
-bool Failed(const std::string& path, const char* what) {
+constexpr char kPart[] = ".part";  // a file being written, renamed when done (see Written)
+
+// Names the file the user asked for, also while its ".part" is being written.
+bool Failed(std::string path, const char* what) {
+  const size_t n = sizeof kPart - 1;
+  if (path.size() > n && path.compare(path.size() - n, n, kPart) == 0) path.resize(path.size() - n);
   std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), what);
   return false;
 }
@@ -196,9 +201,9 @@ void DrawCropMarks(cairo_t* cr, const RenderJob& job, const PdfSheet& sheet) {
 
 // Every page of the job into one PDF; with a bleed or crop marks, a page
 // grown round its trim, whose TrimBox and BleedBox say where.
-bool RenderPdf(const RenderJob& job, ProgressLine& progress) {
+bool RenderPdf(const RenderJob& job, const std::string& path, ProgressLine& progress) {
   const PdfSheet sheet = SheetOf(job);
-  cairo_surface_t* surface = cairo_pdf_surface_create(job.out.c_str(), sheet.Width(), sheet.Height());
+  cairo_surface_t* surface = cairo_pdf_surface_create(path.c_str(), sheet.Width(), sheet.Height());
   // In the page's pixels, as ScaleToPixels but to the sheet's own scale.
   cairo_surface_set_device_scale(surface, job.pointsPerPixelX, job.pointsPerPixelY);
   cairo_t* cr = cairo_create(surface);
@@ -219,21 +224,29 @@ bool RenderPdf(const RenderJob& job, ProgressLine& progress) {
   cairo_surface_finish(surface);
   bool ok = cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS;
   cairo_surface_destroy(surface);
-  if (!ok) return Failed(job.out, "cannot be written");
+  if (!ok) return Failed(path, "cannot be written");
   std::string problem;
-  if (sheet.Printed() && !SetPageBoxes(job.out, sheet.Trim(), sheet.Bleed(), &problem))
-    return Failed(job.out, ("its page boxes cannot be set: it " + problem).c_str());
+  if (sheet.Printed() && !SetPageBoxes(path, sheet.Trim(), sheet.Bleed(), &problem))
+    return Failed(path, ("its page boxes cannot be set: it " + problem).c_str());
   return true;
+}
+
+// Every file is written beside its name and renamed over it once complete,
+// so a render that fails never leaves half a file where an earlier one stood.
+bool Written(bool ok, const std::string& temporary, const std::string& path) {
+  if (ok && std::rename(temporary.c_str(), path.c_str()) == 0) return true;
+  std::remove(temporary.c_str());
+  return ok ? Failed(path, "cannot be written") : false;
 }
 
 bool Render(const RenderJob& job) {
   ProgressLine progress;
-  if (job.format == "pdf") return RenderPdf(job, progress);
+  if (job.format == "pdf") return Written(RenderPdf(job, job.out + kPart, progress), job.out + kPart, job.out);
   const std::function<bool(const RenderJob&, const Side&, const std::string&)> one =
       job.format == "png" ? RenderPng : job.format == "svg" ? RenderSvg : RenderOps;
-  if (job.sides.size() == 1) return one(job, job.sides[0], job.out);
   for (size_t i = 0; i < job.sides.size(); ++i) {
-    if (!one(job, job.sides[i], NumberedPath(job.out, static_cast<int>(i + 1)))) return false;
+    const std::string path = job.sides.size() == 1 ? job.out : NumberedPath(job.out, static_cast<int>(i + 1));
+    if (!Written(one(job, job.sides[i], path + kPart), path + kPart, path)) return false;
     progress.Show("rendering page", static_cast<int>(i + 1), static_cast<int>(job.sides.size()));
   }
   return true;

@@ -1,5 +1,6 @@
 // quernal-cli render as a user runs it.
 #include <cairo.h>
+#include <sys/stat.h>
 
 #include <cmath>
 #include <cstdio>
@@ -103,6 +104,13 @@ TEST_F(RenderCliTest, AllPagesMakeOneFourteenPagePdf) {
   ASSERT_EQ(RunCommand("pdfinfo " + Q(pdf), &info), 0) << info;
   EXPECT_NE(info.find("Pages:           14"), std::string::npos) << info;
   EXPECT_NE(info.find("595.276 x 841.89 pts (A4)"), std::string::npos) << "the paper's own size" << info;
+  // A render that cannot be written leaves the earlier file as it was.
+  const std::string before = ReadFile(pdf);
+  ASSERT_EQ(mkdir((pdf + ".part").c_str(), 0755), 0);
+  std::string err;
+  EXPECT_EQ(Cli("render --new --year 2027 --page 0 --format pdf -o " + Q(pdf), &err), 1);
+  EXPECT_EQ(err, "quernal-cli: " + pdf + ": cannot be written\n");
+  EXPECT_TRUE(ReadFile(pdf) == before);
 }
 
 TEST_F(RenderCliTest, OtherFormatsNumberTheirFilesCoverFirst) {
