@@ -63,26 +63,28 @@ void ShowTab(HWND sheet, int index) {
   Sleep(300);
 }
 
+struct WindowSearch {
+  DWORD pid;
+  const std::string* prefix;
+  HWND found;
+};
+
+BOOL CALLBACK MatchWindow(HWND w, LPARAM p) {
+  auto* s = reinterpret_cast<WindowSearch*>(p);
+  DWORD owner = 0;
+  GetWindowThreadProcessId(w, &owner);
+  char text[256] = "";
+  GetWindowTextA(w, text, sizeof text);
+  if (owner != s->pid || !IsWindowVisible(w) || std::string(text).rfind(*s->prefix, 0) != 0) return TRUE;
+  s->found = w;
+  return FALSE;
+}
+
 // A window of the program whose title starts with `prefix`.
 HWND WaitStartingWith(DWORD pid, const std::string& prefix) {
-  struct Search {
-    DWORD pid;
-    const std::string* prefix;
-    HWND found;
-  } search{pid, &prefix, nullptr};
+  WindowSearch search{pid, &prefix, nullptr};
   for (int i = 0; i < 300 && !search.found; ++i) {
-    EnumWindows(
-        [](HWND w, LPARAM p) -> BOOL {
-          auto* s = reinterpret_cast<Search*>(p);
-          DWORD owner = 0;
-          GetWindowThreadProcessId(w, &owner);
-          char text[256] = "";
-          GetWindowTextA(w, text, sizeof text);
-          if (owner != s->pid || !IsWindowVisible(w) || std::string(text).rfind(*s->prefix, 0) != 0) return TRUE;
-          s->found = w;
-          return FALSE;
-        },
-        reinterpret_cast<LPARAM>(&search));
+    EnumWindows(MatchWindow, reinterpret_cast<LPARAM>(&search));
     if (!search.found) Sleep(100);
   }
   return search.found;
