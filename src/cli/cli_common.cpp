@@ -55,24 +55,24 @@ int Usage(const char* problem) {
   return 2;
 }
 
-bool ParseArguments(int argc, char** argv, const CommandSpec& command, Arguments* out, std::string* problem) {
+bool ParseArguments(int argc, char** argv, const Command& command, Arguments* out, std::string* problem) {
   auto isOption = [](const std::string& arg) { return arg.size() >= 2 && arg[0] == '-'; };
   for (int i = 2; i < argc; ++i) {
     const std::string arg = argv[i];
-    const OptionSpec* spec = nullptr;
-    for (const OptionSpec& option : command.options)
-      if (arg == option.name) spec = &option;
+    const CommandOption* known = nullptr;
+    for (const CommandOption& option : command.options)
+      if (arg == option.name) known = &option;
     if (!isOption(arg)) {
       out->positional.push_back(arg);
-    } else if (!spec) {
+    } else if (!known) {
       *problem = "unknown option " + arg + " (quernal-cli help " + command.name + " lists them)";
       return false;
-    } else if (!spec->value) {
+    } else if (!known->value) {
       out->options[arg] = "";
-    } else if (i + 1 >= argc || (std::strstr(spec->value, "...") && isOption(argv[i + 1]))) {
+    } else if (i + 1 >= argc || (std::strstr(known->value, "...") && isOption(argv[i + 1]))) {
       *problem = arg + " needs a value";
       return false;
-    } else if (std::strstr(spec->value, "...")) {
+    } else if (std::strstr(known->value, "...")) {
       std::vector<std::string>& values = out->lists[arg];
       while (i + 1 < argc && !isOption(argv[i + 1])) values.push_back(argv[++i]);
     } else {

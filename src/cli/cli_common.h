@@ -7,7 +7,7 @@
 
 #include "calendar/calendar_model.h"
 
-struct CommandSpec;
+struct Command;
 
 struct Arguments {
   std::vector<std::string> positional;
@@ -22,7 +22,7 @@ int Usage(const char* problem);
 // Splits argv[2..] into positional arguments and the command's options: a
 // flag, an option with one value, or a list option taking every value up to
 // the next option.
-bool ParseArguments(int argc, char** argv, const CommandSpec& command, Arguments* out, std::string* problem);
+bool ParseArguments(int argc, char** argv, const Command& command, Arguments* out, std::string* problem);
 bool ParseInt(const std::string& text, long low, long high, int* value);
 
 // A line on stderr saying how far a long command has come ("loading

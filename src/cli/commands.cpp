@@ -4,15 +4,15 @@
 
 namespace {
 
-const OptionSpec kAppDir{"--app-dir", "DIR", "the program's folder, where events files (NAME.CDF) are read; \".\" when not given"};
-const OptionSpec kLocale{"--locale", "NAME",
+const CommandOption kAppDir{"--app-dir", "DIR", "the program's folder, where events files (NAME.CDF) are read; \".\" when not given"};
+const CommandOption kLocale{"--locale", "NAME",
                          "day and month names from the system's locale NAME (de_DE, fr_FR.UTF-8, ...) instead of the "
                          "settings; refused when a name cannot be written in Windows-1252"};
-const OptionSpec kConfig{"--config", "DIR",
+const CommandOption kConfig{"--config", "DIR",
                          "read the settings file QUERNL.INI of the folder DIR first: the design of a new calendar, and "
                          "the day and month names, which are settings of the program rather than of a calendar"};
 
-const std::vector<CommandSpec> kCommands = {
+const std::vector<Command> kCommands = {
     {"new", "[--year Y] [--month M] [--config DIR] [--locale NAME] [--pictures F1 ... F12 | --picture-dir DIR]\n"
             "    [--cover-picture F] [--title TEXT] -o FILE.CLN",
      "Makes a new calendar as the program's New command does, from the settings, and saves it. Pictures are read "
@@ -122,25 +122,25 @@ void PrintWrapped(std::FILE* out, const char* text, int indent) {
 
 }  // namespace
 
-const std::vector<CommandSpec>& Commands() { return kCommands; }
+const std::vector<Command>& Commands() { return kCommands; }
 
-const CommandSpec* FindCommand(const std::string& name) {
-  for (const CommandSpec& command : kCommands)
+const Command* FindCommand(const std::string& name) {
+  for (const Command& command : kCommands)
     if (name == command.name) return &command;
   return nullptr;
 }
 
 void PrintUsage(std::FILE* out) {
   std::fputs("usage:\n", out);
-  for (const CommandSpec& command : kCommands) std::fprintf(out, "  quernal-cli %s %s\n", command.name, command.synopsis);
+  for (const Command& command : kCommands) std::fprintf(out, "  quernal-cli %s %s\n", command.name, command.synopsis);
   std::fputs("  quernal-cli help [COMMAND]\n  quernal-cli --version\n", out);
 }
 
-void PrintCommandHelp(std::FILE* out, const CommandSpec& command) {
+void PrintCommandHelp(std::FILE* out, const Command& command) {
   std::fprintf(out, "usage: quernal-cli %s %s\n\n", command.name, command.synopsis);
   PrintWrapped(out, command.purpose, 0);
   if (!command.options.empty()) std::fputs("\noptions:\n", out);
-  for (const OptionSpec& option : command.options) {
+  for (const CommandOption& option : command.options) {
     std::fprintf(out, "  %s%s%s\n", option.name, option.value ? " " : "", option.value ? option.value : "");
     PrintWrapped(out, option.help, 6);
   }
@@ -167,16 +167,16 @@ void PrintManPage(std::FILE* out) {
   std::fprintf(out, ".TH QUERNAL-CLI 1 \"\" \"quernal-cli %s\" \"User Commands\"\n", QUERNAL_VERSION);
   std::fputs(".SH NAME\nquernal-cli \\- make, change, inspect and print Quernal calendar files from the command line\n"
              ".SH SYNOPSIS\n", out);
-  for (const CommandSpec& command : kCommands)
+  for (const Command& command : kCommands)
     std::fprintf(out, ".B quernal-cli %s\n%s\n.br\n", command.name, Roff(command.synopsis).c_str());
   std::fputs(".B quernal-cli help\n[COMMAND]\n.br\n.B quernal-cli \\-\\-version\n.SH DESCRIPTION\n"
              "The command-line companion of the Quernal calendar designer, over the same calendar files, settings, "
              "pictures and drawing as the program itself. Every command exits 0 when it succeeded, 1 when a file "
              "could not be read or written, and 2 when its arguments were wrong; a file is never left half "
              "written.\n.SH COMMANDS\n", out);
-  for (const CommandSpec& command : kCommands) {
+  for (const Command& command : kCommands) {
     std::fprintf(out, ".SS %s\n%s\n", command.name, Roff(command.purpose).c_str());
-    for (const OptionSpec& option : command.options)
+    for (const CommandOption& option : command.options)
       std::fprintf(out, ".TP\n.B %s%s%s\n%s\n", Roff(option.name).c_str(), option.value ? " " : "",
                    option.value ? Roff(option.value).c_str() : "", Roff(option.help).c_str());
   }

@@ -6,26 +6,26 @@
 
 #include "cli/cli_common.h"
 
-struct OptionSpec {
+struct CommandOption {
   const char* name;   // "--year"
   const char* value;  // "Y", "F..." for a list of values, or nullptr for a flag
   const char* help;
 };
 
-struct CommandSpec {
+struct Command {
   const char* name;
   const char* synopsis;  // the arguments after the command's name
   const char* purpose;   // a paragraph for `help COMMAND`
-  std::vector<OptionSpec> options;
+  std::vector<CommandOption> options;
   int (*run)(const Arguments&);
 };
 
-const std::vector<CommandSpec>& Commands();
-const CommandSpec* FindCommand(const std::string& name);
+const std::vector<Command>& Commands();
+const Command* FindCommand(const std::string& name);
 // "usage:" and one synopsis line per command.
 void PrintUsage(std::FILE* out);
 // The purpose, synopsis and options of one command.
-void PrintCommandHelp(std::FILE* out, const CommandSpec& command);
+void PrintCommandHelp(std::FILE* out, const Command& command);
 
 // The manual page quernal-cli(1), made from the same table.
 void PrintManPage(std::FILE* out);

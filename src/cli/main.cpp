@@ -109,12 +109,12 @@ int main(int argc, char** argv) {
       PrintManPage(stdout);
       return 0;
     }
-    const CommandSpec* command = FindCommand(argv[2]);
+    const Command* command = FindCommand(argv[2]);
     if (!command || argc > 3) return Usage(("no help for " + std::string(argv[2])).c_str());
     PrintCommandHelp(stdout, *command);
     return 0;
   }
-  const CommandSpec* command = FindCommand(name);
+  const Command* command = FindCommand(name);
   if (!command) return Usage(("unknown command " + name).c_str());
   for (int i = 2; i < argc; ++i) {
     if (std::strcmp(argv[i], "--help") == 0) {
