@@ -63,33 +63,6 @@ void ShowTab(HWND sheet, int index) {
   Sleep(300);
 }
 
-struct WindowSearch {
-  DWORD pid;
-  const std::string* prefix;
-  HWND found;
-};
-
-BOOL CALLBACK MatchWindow(HWND w, LPARAM p) {
-  auto* s = reinterpret_cast<WindowSearch*>(p);
-  DWORD owner = 0;
-  GetWindowThreadProcessId(w, &owner);
-  char text[256] = "";
-  GetWindowTextA(w, text, sizeof text);
-  if (owner != s->pid || !IsWindowVisible(w) || std::string(text).rfind(*s->prefix, 0) != 0) return TRUE;
-  s->found = w;
-  return FALSE;
-}
-
-// A window of the program whose title starts with `prefix`.
-HWND WaitStartingWith(DWORD pid, const std::string& prefix) {
-  WindowSearch search{pid, &prefix, nullptr};
-  for (int i = 0; i < 300 && !search.found; ++i) {
-    EnumWindows(MatchWindow, reinterpret_cast<LPARAM>(&search));
-    if (!search.found) Sleep(100);
-  }
-  return search.found;
-}
-
 // Selects the first file of the open dialog's list, as a click would, so
 // that the preview shows it.
 void SelectFirstFile(HWND dialog) {
@@ -151,7 +124,7 @@ void TwoTabs(const Quernal& quernal, int command, const char* title, const char*
 
 void Events(const Quernal& quernal) {
   quernal.Command(IDM_EVENTS);
-  HWND events = WaitStartingWith(quernal.pid(), "Edit [");
+  HWND events = quernal.Wait("Edit [ General ]");  // the sample's pages show the list General
   Shot("events", events);
   if (!events) return;
   Press(events, IDC_EVENT_NEW);
