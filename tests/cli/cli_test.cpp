@@ -2,6 +2,8 @@
 // output and its exit code.
 #include <cstring>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "calendar/calendar_file.h"
 #include "cli/cli_run.h"
@@ -34,14 +36,32 @@ TEST_F(CliTest, NewReadsTheSettingsOfTheConfigFolder) {
   EXPECT_TRUE(Has(r.out, "\"YagRound\": 3,"));
 }
 
-TEST_F(CliTest, BadArgumentsAreRefused) {
-  EXPECT_EQ(Cli("new --year 1200 -o " + Q(dir_.File("a.CLN"))).status, 2);
-  EXPECT_EQ(Cli("new --month 13 -o " + Q(dir_.File("a.CLN"))).status, 2);
-  EXPECT_EQ(Cli("new --year 2026").status, 2);
-  EXPECT_EQ(Cli("resave a.CLN -o b.CLN --level 0").status, 2);
-  EXPECT_EQ(Cli("info").status, 2);
-  EXPECT_EQ(Cli("frobnicate").status, 2);
-  EXPECT_FALSE(FileExists(dir_.File("a.CLN")));
+// Every command refuses what it cannot do, with exit 2 (1 for a file that is
+// not there), and writes nothing.
+TEST_F(CliTest, WrongArgumentsAreRefusedAndWriteNothing) {
+  const std::string cal = " -o " + Q(dir_.File("a.CLN")), png = " -o " + Q(dir_.File("x.png")),
+                    cdf = " -o " + Q(dir_.File("Holidays.CDF")), ics = Q(dir_.File("feed.ics"));
+  WriteFile(dir_.File("feed.ics"), "BEGIN:VCALENDAR\r\nEND:VCALENDAR\r\n");
+  std::vector<std::pair<std::string, int>> cases = {
+      {"frobnicate", 2}, {"info", 2}, {"new --year 1200" + cal, 2}, {"new --month 13" + cal, 2}, {"new --year 2026", 2},
+      {"resave a.CLN --level 0" + cal, 2},
+      {"render --new --format gif" + png, 2}, {"render --new --page 14 --format png" + png, 2},
+      {"render --new --page 1 --all --format png" + png, 2}, {"render a.CLN --new --format png" + png, 2},
+      {"render a.CLN --year 2026 --format png" + png, 2}, {"render --new --width 700 --format png" + png, 2},
+      {"render --new --paper a3 --format png" + png, 2}, {"render --new --format png", 2},
+      {"render --new --bleed 3 --format png" + png, 2}, {"render --new --crop-marks --format png" + png, 2},
+      {"render --new --screen --crop-marks --format pdf" + png, 2},
+      {"render " + Q(dir_.File("absent.CLN")) + " --format png" + png, 1},
+      {"events", 2}, {"events frobnicate", 2}, {"events import " + ics + cdf, 2},
+      {"events import " + ics + " --year 2027", 2}, {"events import " + ics + " --year 99" + cdf, 2},
+      {"events import " + ics + " --year 2027 -o " + Q(dir_.File("x.txt")), 2},
+      {"events import " + ics + " --year 2027 -o " + Q(dir_.File("CON.CDF")), 2}, {"events list", 2},
+      {"events list " + ics, 2}, {"events import " + Q(dir_.File("absent.ics")) + " --year 2027" + cdf, 1},
+  };
+  for (const char* bleed : {"20.5", "-1", "3.", ".5", "3mm", "1e1", ""})
+    cases.push_back({std::string("render --new --bleed '") + bleed + "' --format pdf" + png, 2});
+  for (const auto& c : cases) EXPECT_EQ(Cli(c.first).status, c.second) << c.first;
+  for (const char* file : {"a.CLN", "x.png", "Holidays.CDF", "x.txt"}) EXPECT_FALSE(FileExists(dir_.File(file))) << file;
 }
 
 TEST_F(CliTest, InfoShowsEventsPicturesAndTextsInUtf8) {

@@ -173,24 +173,6 @@ TEST_F(RenderCliTest, PngPagesHaveThePaperSizeAndTheLayoutsColours) {
   EXPECT_NE(ReadFile(svg).find("<svg"), std::string::npos);
 }
 
-TEST_F(RenderCliTest, BadRequestsAreRefused) {
-  std::string out = " -o " + Q(dir_.File("x.png"));
-  EXPECT_EQ(Cli("render --new --format gif" + out), 2);
-  EXPECT_EQ(Cli("render --new --page 14 --format png" + out), 2);
-  EXPECT_EQ(Cli("render --new --page 1 --all --format png" + out), 2);
-  EXPECT_EQ(Cli("render a.CLN --new --format png" + out), 2);
-  EXPECT_EQ(Cli("render a.CLN --year 2026 --format png" + out), 2);
-  EXPECT_EQ(Cli("render --new --width 700 --format png" + out), 2);
-  EXPECT_EQ(Cli("render --new --paper a3 --format png" + out), 2);
-  EXPECT_EQ(Cli("render --new --format png"), 2);
-  for (const char* print : {"--bleed 3", "--crop-marks"}) EXPECT_EQ(Cli(std::string("render --new ") + print + " --format png" + out), 2);
-  for (const char* bleed : {"20.5", "-1", "3.", ".5", "3mm", "1e1", ""})
-    EXPECT_EQ(Cli(std::string("render --new --bleed '") + bleed + "' --format pdf" + out), 2) << bleed;
-  EXPECT_EQ(Cli("render --new --screen --crop-marks --format pdf" + out), 2);
-  EXPECT_EQ(Cli("render " + Q(dir_.File("absent.CLN")) + " --format png" + out), 1);
-  EXPECT_FALSE(FileExists(dir_.File("x.png")));
-}
-
 TEST_F(RenderCliTest, BookletSidesComeInTheOrderOfTheTwoPasses) {
   std::string base = dir_.File("side.ops");
   ASSERT_EQ(Cli("render --new --year 2026 --booklet --width 700 --height 1000 --format ops -o " + Q(base)), 0);
