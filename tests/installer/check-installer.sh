@@ -35,8 +35,13 @@ if [ "$mode" = packages ]; then
       fail "$arch: the zip holds other files"
     # The PE header's machine: the program of this architecture.
     exe=$(find "$msi" -name Quernal.exe)
-    [ "$(od -An -tx2 -j$(($(od -An -tu4 -j60 -N4 "$exe") + 4)) -N2 "$exe" | tr -d ' ')" = "$machine" ] ||
+    pe=$(od -An -tu4 -j60 -N4 "$exe")
+    [ "$(od -An -tx2 -j$((pe + 4)) -N2 "$exe" | tr -d ' ')" = "$machine" ] ||
       fail "$arch: Quernal.exe is not built for $arch"
+    # Its characteristics: large address aware (0x20), so that the 32-bit
+    # program has 4 GB for its photographs on 64-bit Windows.
+    (( 0x$(od -An -tx2 -j$((pe + 22)) -N2 "$exe" | tr -d ' ') & 0x20 )) ||
+      fail "$arch: Quernal.exe is not large address aware"
   done
   exit 0
 fi
