@@ -15,6 +15,7 @@
 #include "cli/locale_names.h"
 #include "config/settings.h"
 #include "pictures/image_files.h"
+#include "pictures/picture_import.h"
 #include "pictures/picture_kind.h"
 #include "config/settings_file.h"
 
@@ -114,15 +115,23 @@ int Save(const std::string& path, CalendarDocument document) {
   return 1;
 }
 
-BlockHandle LoadPagePicture(const std::string& path) {
-  BlockHandle picture = ReadImageFile(path.c_str(), nullptr);
-  if (!picture) {
-    std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), kImageLoadFailedMessage);
+BlockHandle LoadPagePicture(const std::string& path, Colour background, const Arguments& args, bool quiet) {
+  ImportRequest request;
+  request.background = background;
+  request.longestSide = args.Has("--full-size") ? 0 : kImportLongestSide;
+  request.formats = ImportFormats::kByContent;
+  const ImportedPicture picture = ImportPictureFile(path.c_str(), request);
+  if (!picture.dib) {
+    // A damaged picture gets the program's own message after the reason.
+    if (!quiet)
+      std::fprintf(stderr, "quernal-cli: %s: %s%s%s\n", path.c_str(), ImportErrorText(picture).c_str(),
+                   picture.error == ImportError::kDamaged ? ": " : "",
+                   picture.error == ImportError::kDamaged ? kImageLoadFailedMessage : "");
     return 0;
   }
-  if (WantsPaletteWarning(ClassifyPicture(picture)))
+  if (picture.paletteWarning)
     std::fprintf(stderr, "quernal-cli: %s: warning: %s\n", path.c_str(), kPaletteWarningMessage);
-  return picture;
+  return picture.dib;
 }
 
 CalendarDocument NewCalendar(const Arguments& args, int* status) {

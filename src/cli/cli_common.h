@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "base/geometry.h"
 #include "calendar/calendar_model.h"
 
 struct Command;
@@ -50,10 +51,12 @@ void SetApplicationPath(const Arguments& args);
 CalendarDocument Load(const std::string& path, int* skipped = nullptr);
 // Saves; 1 (and the program's message on stderr) on failure, else 0.
 int Save(const std::string& path, CalendarDocument document);
-// A picture file read as the page editor's "Select..." reads it: 0 after the
-// program's message when it cannot be read; a palette picture is warned
-// about on stderr.
-BlockHandle LoadPagePicture(const std::string& path);
+// A picture file imported as the page editor's "Select..." imports it, but
+// read by its content in any format this build reads: transparent parts
+// laid over `background`, reduced to 4000 pixels unless --full-size was
+// given. 0 after a line naming the reason on stderr (`quiet`: no line) when
+// it cannot be read; a palette picture is warned about on stderr.
+BlockHandle LoadPagePicture(const std::string& path, Colour background, const Arguments& args, bool quiet = false);
 // A calendar from --year, --month and --config as `new` makes it; 0 with an
 // exit code in *status when the options are wrong or memory runs out.
 CalendarDocument NewCalendar(const Arguments& args, int* status);

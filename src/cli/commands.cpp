@@ -1,6 +1,9 @@
 #include "cli/commands.h"
 
 #include <cstring>
+#include <string>
+
+#include "pictures/picture_import.h"
 
 namespace {
 
@@ -12,19 +15,34 @@ const CommandOption kConfig{"--config", "DIR",
                          "read the settings file QUERNL.INI of the folder DIR first: the design of a new calendar, and "
                          "the day and month names, which are settings of the program rather than of a calendar"};
 
+// The folder option's help names the extensions the import reads.
+const char* PictureDirHelp() {
+  static const std::string help = "the first twelve image files of DIR (by their extensions: " +
+                                  PictureExtensionList() + ") in name order, January first; every one must be readable";
+  return help.c_str();
+}
+
+const CommandOption kFullSize{"--full-size", nullptr,
+                           "keep each picture at the file's size instead of reducing its longer side to 4000 pixels"};
+
 const std::vector<Command> kCommands = {
-    {"new", "[--year Y] [--month M] [--config DIR] [--locale NAME] [--pictures F1 ... F12 | --picture-dir DIR]\n"
-            "    [--cover-picture F] [--title TEXT] -o FILE.CLN",
+    {"new", "[--year Y] [--month M] [--config DIR] [--locale NAME] [--pictures F1 ... F12 | --picture-dir DIR\n"
+            "    [--skip-unreadable]] [--cover-picture F] [--title TEXT] [--full-size] -o FILE.CLN",
      "Makes a new calendar as the program's New command does, from the settings, and saves it. Pictures are read "
-     "as the page editor's \"Select...\" reads them: a palette picture is warned about, a picture that cannot be "
-     "read stops the command before anything is written.",
+     "by their content (JPEG, PNG, BMP, GIF, PCX, TGA, TIFF, WebP, HEIC/HEIF, AVIF) and imported as the page "
+     "editor's \"Select...\" imports them: turned upright by their EXIF orientation, converted from their colour "
+     "profile to sRGB, transparent parts laid over the page's background, reduced to 4000 pixels on the longer "
+     "side; a palette picture is warned about, a picture that cannot be read stops the command before anything "
+     "is written.",
      {{"--year", "Y", "the calendar's year, 1583 to 2583; this year when not given"},
       {"--month", "M", "the month (1 to 12) the calendar opens on; this month when not given"},
       kConfig,
       kLocale,
-      {"--pictures", "F...", "up to twelve image files (jpg, bmp, gif, pcx, tga, png) for the months, January first"},
-      {"--picture-dir", "DIR", "the first twelve image files of DIR in name order, January first"},
+      {"--pictures", "F...", "up to twelve image files for the months, January first"},
+      {"--picture-dir", "DIR", PictureDirHelp()},
+      {"--skip-unreadable", nullptr, "with --picture-dir: leave out the files that cannot be read, naming them"},
       {"--cover-picture", "F", "an image file for the cover page, shown there"},
+      kFullSize,
       {"--title", "TEXT", "the cover's title (UTF-8, at most 260 characters in Windows-1252)"},
       kAppDir,
       {"-o", "FILE.CLN", "the calendar file to write"}},
@@ -52,8 +70,9 @@ const std::vector<Command> kCommands = {
       {"--months", nullptr, "all twelve month pages"},
       {"--year-page", nullptr, "the year-at-a-glance page (the header's Yag... fields)"},
       {"--cover", nullptr, "the cover page (the header's Cover... fields)"},
-      {"--picture", "F", "the image file that becomes the page's picture"},
+      {"--picture", "F", "the image file that becomes the page's picture, imported as `new` imports pictures"},
       {"--no-picture", nullptr, "the page loses its picture"},
+      kFullSize,
       kAppDir},
      SetCommand},
     {"settings", "[--ini FILE] [--locale NAME]",

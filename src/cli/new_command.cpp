@@ -10,12 +10,12 @@
 #include "base/text.h"
 #include "calendar/calendar_model.h"
 #include "cli/commands.h"
-#include "pictures/image_files.h"
+#include "pictures/picture_import.h"
 
 namespace {
 
-// The image files of `folder` by name, as the program would read them:
-// regular files with one of the six extensions, hidden ones left out.
+// The image files of `folder` by name: regular files with an extension of a
+// format the import reads, hidden ones left out.
 bool ImageFilesIn(const std::string& folder, std::vector<std::string>* paths) {
   DIR* dir = opendir(folder.c_str());
   if (!dir) return false;
@@ -23,7 +23,7 @@ bool ImageFilesIn(const std::string& folder, std::vector<std::string>* paths) {
   while (const dirent* entry = readdir(dir)) {
     const std::string name = entry->d_name;
     struct stat info;
-    if (name[0] == '.' || FindImageFormat(name.c_str()) < 0) continue;
+    if (name[0] == '.' || !HasPictureExtension(name.c_str())) continue;
     if (stat(JoinPath(folder, name).c_str(), &info) == 0 && S_ISREG(info.st_mode)) names.push_back(name);
   }
   closedir(dir);
@@ -45,25 +45,48 @@ int MonthPicturePaths(const Arguments& args, std::vector<std::string>* paths) {
       return 1;
     }
     if (paths->empty()) {
-      std::fprintf(stderr, "quernal-cli: %s: no jpg, bmp, gif, pcx, tga or png files in the folder\n", folder.c_str());
+      std::fprintf(stderr, "quernal-cli: %s: no image files (%s) in the folder\n", folder.c_str(),
+                   PictureExtensionList().c_str());
       return 1;
     }
-    if (paths->size() > 12) paths->resize(12);
+    // Without --skip-unreadable the first twelve are the months', readable or not.
+    if (!args.Has("--skip-unreadable") && paths->size() > 12) paths->resize(12);
+  } else if (args.Has("--skip-unreadable")) {
+    return Usage("--skip-unreadable goes with --picture-dir");
   }
   return -1;
 }
 
 // Reads every picture before the calendar gets any, so a failure writes
-// nothing; the cover's comes last.
-bool LoadPictures(const std::vector<std::string>& paths, std::vector<BlockHandle>* pictures) {
+// nothing: every file that cannot be read is named before the command
+// stops. With --skip-unreadable such files are named and left out, and the
+// next files take their months. Each picture is laid over the background of
+// the page it goes to; the cover's comes last.
+bool LoadPictures(const std::vector<std::string>& paths, size_t months, CalendarDocument document,
+                  const Arguments& args, std::vector<BlockHandle>* pictures) {
+  const bool skip = args.Has("--skip-unreadable");
   ProgressLine progress;
-  for (const std::string& path : paths) {
-    BlockHandle picture = LoadPagePicture(path);
-    if (!picture) break;
-    pictures->push_back(picture);
-    progress.Show("reading pictures", static_cast<int>(pictures->size()), static_cast<int>(paths.size()));
+  int failed = 0;
+  for (size_t i = 0; i < paths.size(); ++i) {
+    const bool cover = i >= months;
+    if (!cover && pictures->size() >= 12) continue;
+    MonthPage page;
+    CalendarHeader header;
+    GetHeader(document, &header);
+    const Colour background = cover || !GetMonthPage(document, static_cast<int>(pictures->size()), &page)
+                                  ? header.CoverBackgroundColour
+                                  : page.PageBackgroundColour;
+    BlockHandle picture = LoadPagePicture(paths[i], background, args);
+    if (picture) {
+      pictures->push_back(picture);
+    } else if (skip && !cover) {
+      std::fprintf(stderr, "quernal-cli: %s: skipped\n", paths[i].c_str());
+    } else {
+      ++failed;
+    }
+    progress.Show("reading pictures", static_cast<int>(i + 1), static_cast<int>(paths.size()));
   }
-  if (pictures->size() == paths.size()) return true;
+  if (!failed) return true;
   for (BlockHandle picture : *pictures) GlobalBlockFree(picture);
   pictures->clear();
   return false;
@@ -103,17 +126,18 @@ int NewCommand(const Arguments& args) {
       return Usage(("--title has a character Windows-1252 cannot hold (shown as ?): " + Cp1252ToUtf8(title)).c_str());
     if (title.size() > 260) return Usage("--title takes at most 260 characters");
   }
-  const size_t monthCount = paths.size();
-  if (args.Has("--cover-picture")) paths.push_back(args.options.at("--cover-picture"));
+  const size_t candidates = paths.size();
+  const bool hasCover = args.Has("--cover-picture");
+  if (hasCover) paths.push_back(args.options.at("--cover-picture"));
   CalendarDocument document = NewCalendar(args, &status);
   if (!document) return status;
   std::vector<BlockHandle> pictures;
-  if (!LoadPictures(paths, &pictures)) {
+  if (!LoadPictures(paths, candidates, document, args, &pictures)) {
     FreeCalendar(document);
     return 1;
   }
-  const BlockHandle cover = pictures.size() > monthCount ? pictures.back() : 0;
-  pictures.resize(monthCount);
+  const BlockHandle cover = hasCover ? pictures.back() : 0;
+  if (hasCover) pictures.pop_back();
   GivePictures(document, pictures, cover, title);
   const int result = Save(args.options.at("-o"), document);
   FreeCalendar(document);

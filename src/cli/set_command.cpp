@@ -16,6 +16,15 @@ namespace {
 
 constexpr int kYearPage = 12, kCoverPage = 13;
 
+// Where a new picture's transparent parts show: the page's background, or
+// the cover's.
+Colour PageBackground(CalendarDocument document, int page) {
+  MonthPage month;
+  CalendarHeader header;
+  if (page < kYearPage && GetMonthPage(document, page, &month)) return month.PageBackgroundColour;
+  return GetHeader(document, &header) ? header.CoverBackgroundColour : 0xFFFFFF;
+}
+
 bool EndsWith(const std::string& text, const char* end) {
   const size_t n = std::strlen(end);
   return text.size() >= n && text.compare(text.size() - n, n, end) == 0;
@@ -209,7 +218,9 @@ int SetCommand(const Arguments& args) {
   if (status < 0) status = ReadAssignments(values, pages[0], &assignments);
   if (status < 0 && hasPicture && pages[0] == kYearPage) status = Usage("the year page has no picture");
   BlockHandle picture = 0;
-  if (status < 0 && args.Has("--picture") && !(picture = LoadPagePicture(args.options.at("--picture")))) status = 1;
+  if (status < 0 && args.Has("--picture") &&
+      !(picture = LoadPagePicture(args.options.at("--picture"), PageBackground(document, pages[0]), args)))
+    status = 1;
   for (size_t i = 0; status < 0 && i < pages.size(); ++i) {
     // Every page gets a picture of its own; the last one takes the one read.
     const bool last = i + 1 == pages.size();

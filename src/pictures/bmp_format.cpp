@@ -77,7 +77,7 @@ bool ReadBmpHeader(ByteSource& file, ImageHeader* header) {
   return ReadLayout(file, header, &layout);
 }
 
-BlockHandle ReadBmpPicture(const uint8_t* data, size_t size) {
+BlockHandle ReadBmpPicture(const uint8_t* data, size_t size, PictureDecode* decode) {
   MemorySource source(data, size);
   ImageHeader header;
   BmpLayout layout;
@@ -86,5 +86,5 @@ BlockHandle ReadBmpPicture(const uint8_t* data, size_t size) {
   uint64_t stride = DibRowStride(header.width, layout.bitsPerPixel);
   if (layout.pixelOffset > size || stride * static_cast<uint64_t>(header.height) > size - layout.pixelOffset) return 0;
   if (!IndexesAreInTable(data + layout.pixelOffset, stride, header, layout)) return 0;
-  return DecodeWithStb(data, size, header);
+  return DecodeWithStb(data, size, header, *decode);
 }

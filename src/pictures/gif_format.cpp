@@ -91,7 +91,7 @@ bool ReadGifHeader(ByteSource& file, ImageHeader* header) {
   return ReadLayout(r, header);
 }
 
-BlockHandle ReadGifPicture(const uint8_t* data, size_t size) {
+BlockHandle ReadGifPicture(const uint8_t* data, size_t size, PictureDecode* decode) {
   MemorySource source(data, size);
   FieldReader r(source);
   ImageHeader header;
@@ -100,5 +100,5 @@ BlockHandle ReadGifPicture(const uint8_t* data, size_t size) {
   // file cut inside the first image's data is damaged, not small.
   r.Skip(1);  // LZW code size
   if (!SkipSubBlocks(r)) return 0;
-  return DecodeWithStb(data, size, header);
+  return DecodeWithStb(data, size, header, *decode);
 }

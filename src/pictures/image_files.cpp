@@ -9,13 +9,14 @@
 #include "base/text.h"
 #include "pictures/byte_source.h"
 #include "pictures/image_format.h"
+#include "pictures/picture_import.h"
 
 namespace {
 
 struct ImageFormat {
   const char* extension;
   bool (*readHeader)(ByteSource& file, ImageHeader* header);
-  BlockHandle (*readPicture)(const uint8_t* data, size_t size);
+  BlockHandle (*readPicture)(const uint8_t* data, size_t size, PictureDecode* decode);
 };
 
 // The order is the format index, which the open dialog's filters follow.
@@ -89,14 +90,16 @@ int GetImageFileInformation(const char* path, int32_t* width, int32_t* height, u
   return 1;
 }
 
+bool ReadFormatHeader(int index, ByteSource& file, ImageHeader* header) {
+  return IsFormatIndex(index) && kImageFormats[index].readHeader(file, header);
+}
+
+BlockHandle ReadFormatPicture(int index, const uint8_t* data, size_t size, PictureDecode* decode) {
+  return IsFormatIndex(index) ? kImageFormats[index].readPicture(data, size, decode) : 0;
+}
+
 BlockHandle ReadImageFile(const char* path, uint16_t* bitCount) {
-  int index = FindImageFormat(path);
-  if (index < 0) return 0;
-  BlockHandle dib = 0;
-  {
-    FileBytes file = ReadWholeFile(path);
-    if (file.data) dib = kImageFormats[index].readPicture(file.data.get(), file.size);
-  }
+  BlockHandle dib = ImportPictureFile(path, ImportRequest{}).dib;
   uint16_t bits;
   if (dib && bitCount && GetImageFileInformation(path, nullptr, nullptr, &bits, nullptr)) *bitCount = bits;
   return dib;

@@ -31,8 +31,10 @@ int ImageFormatFilterName(int index, char* buffer, int size);
 // that cannot be read.
 int GetImageFileInformation(const char* path, int32_t* width, int32_t* height, uint16_t* bitCount,
                             uint8_t* colourTable);
-// Decodes the file into a new Dib, or 0. When `bitCount` is given it receives
-// the bit count GetImageFileInformation reports for the file.
+// The file as a new Dib, imported as ImportPictureFile imports it for a
+// white page (upright, in sRGB, reduced to kImportLongestSide), or 0. When
+// `bitCount` is given it receives the bit count GetImageFileInformation
+// reports for the file.
 BlockHandle ReadImageFile(const char* path, uint16_t* bitCount);
 
 // Writes a Dib as a BMP file (file header, then the block as it stands), the

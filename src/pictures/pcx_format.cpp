@@ -165,7 +165,7 @@ bool ReadPcxHeader(ByteSource& file, ImageHeader* header) {
   return ReadLayout(file, header, &layout);
 }
 
-BlockHandle ReadPcxPicture(const uint8_t* data, size_t size) {
+BlockHandle ReadPcxPicture(const uint8_t* data, size_t size, PictureDecode* /*decode: PCX has no profile, orientation or alpha*/) {
   MemorySource source(data, size);
   ImageHeader header;
   PcxLayout layout;

@@ -1,10 +1,13 @@
 // PNG: IHDR gives size, colour type and bit depth; palette files take their
 // table from PLTE. stb_image decodes every standard colour type, interlaced
 // or not; 16-bit samples come out as 8.
+#include <zlib.h>
+
 #include <cstring>
 #include <memory>
 #include <new>
 
+#include "pictures/exif_orientation.h"
 #include "pictures/image_format.h"
 
 namespace {
@@ -120,6 +123,55 @@ std::unique_ptr<uint8_t[]> WithFullPalette(const uint8_t* data, size_t size, con
   return copy;
 }
 
+// Real profiles are a few kilobytes; camera and print profiles with large
+// tables stay well under this.
+constexpr uLongf kMaxProfileBytes = 16u << 20;
+
+uint32_t U32be(const uint8_t* p) {
+  return static_cast<uint32_t>(p[0]) << 24 | static_cast<uint32_t>(p[1]) << 16 | static_cast<uint32_t>(p[2]) << 8 | p[3];
+}
+
+// iCCP: a name of 1 to 79 characters, its terminator, the method (0), and
+// the profile as one zlib stream. A profile that cannot be had is left out.
+std::vector<uint8_t> InflatedProfile(const uint8_t* chunk, uint32_t length) {
+  std::vector<uint8_t> icc;
+  const void* end = std::memchr(chunk, 0, length < 80 ? length : 80);
+  if (!end) return icc;
+  const size_t at = static_cast<size_t>(static_cast<const uint8_t*>(end) - chunk) + 2;
+  if (at >= length || chunk[at - 1] != 0) return icc;
+  // The profile's own header says how long it is; the stream must give exactly that.
+  uint8_t head[4];
+  uLongf got = sizeof head;
+  if (uncompress(head, &got, chunk + at, length - at) == Z_DATA_ERROR) return icc;
+  if (got < sizeof head) return icc;
+  uLongf size = U32be(head);
+  if (size < 128 || size > kMaxProfileBytes) return icc;
+  try {
+    icc.resize(size);
+  } catch (const std::bad_alloc&) {
+    return icc;
+  }
+  if (uncompress(icc.data(), &size, chunk + at, length - at) != Z_OK || size != icc.size()) icc.clear();
+  return icc;
+}
+
+// The chunks before the image data that the decoder does not read: the
+// colour profile, the EXIF orientation, and how transparent each palette
+// entry is.
+void ReadChunksBeforeData(const uint8_t* data, size_t size, ImageHeader* header, PictureDecode* decode) {
+  size_t at = 8;
+  while (at + 8 <= size) {
+    const uint32_t length = U32be(data + at), type = U32be(data + at + 4);
+    if (length > size - at - 8 || type == ChunkType("IDAT") || type == ChunkType("IEND")) return;
+    const uint8_t* chunk = data + at + 8;
+    if (type == ChunkType("iCCP") && decode->icc.empty()) decode->icc = InflatedProfile(chunk, length);
+    if (type == ChunkType("eXIf")) decode->orientation = ExifOrientation(chunk, length);
+    if (type == ChunkType("tRNS") && header->bitCount <= 8 && header->alpha == AlphaUse::kIgnore)
+      for (uint32_t i = 0; i < length && i < 256; ++i) header->entryAlpha[i] = chunk[i];
+    at += 12 + static_cast<size_t>(length);
+  }
+}
+
 }  // namespace
 
 bool ReadPngHeader(ByteSource& file, ImageHeader* header) {
@@ -127,15 +179,16 @@ bool ReadPngHeader(ByteSource& file, ImageHeader* header) {
   return ReadLayout(file, header, &layout);
 }
 
-BlockHandle ReadPngPicture(const uint8_t* data, size_t size) {
+BlockHandle ReadPngPicture(const uint8_t* data, size_t size, PictureDecode* decode) {
   MemorySource source(data, size);
   ImageHeader header;
   PngLayout layout;
   if (!ReadLayout(source, &header, &layout)) return 0;
+  ReadChunksBeforeData(data, size, &header, decode);
   // stb_image checks the rest: chunks that run past the end, missing image
   // data, a stream that inflates to too few bytes.
-  if (layout.paletteLength == 0 || layout.paletteLength == kFullPalette) return DecodeWithStb(data, size, header);
+  if (layout.paletteLength == 0 || layout.paletteLength == kFullPalette) return DecodeWithStb(data, size, header, *decode);
   size_t grown = 0;
   std::unique_ptr<uint8_t[]> copy = WithFullPalette(data, size, layout, &grown);
-  return copy ? DecodeWithStb(copy.get(), grown, header) : 0;
+  return copy ? DecodeWithStb(copy.get(), grown, header, *decode) : 0;
 }

@@ -1,4 +1,4 @@
-// stb_image is compiled here and nowhere else, for the five formats it reads
+// stb_image is compiled here and nowhere else, for the four formats it reads
 // for us. Its memory comes from a budget: every block it holds counts, so a
 // hostile file cannot make it hold more than kMaxImageBytes at once, however
 // its headers lie.
@@ -62,7 +62,6 @@ void* BudgetRealloc(void* p, size_t size) {
 #define STBI_ASSERT(x) ((void)0)
 #define STBI_MAX_DIMENSIONS kMaxImageSide
 #define STBI_NO_STDIO
-#define STBI_ONLY_JPEG
 #define STBI_ONLY_PNG
 #define STBI_ONLY_BMP
 #define STBI_ONLY_GIF

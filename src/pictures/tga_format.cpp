@@ -115,7 +115,7 @@ bool ReadTgaHeader(ByteSource& file, ImageHeader* header) {
   return ReadLayout(file, header, &layout);
 }
 
-BlockHandle ReadTgaPicture(const uint8_t* data, size_t size) {
+BlockHandle ReadTgaPicture(const uint8_t* data, size_t size, PictureDecode* decode) {
   MemorySource source(data, size);
   ImageHeader header;
   TgaLayout layout;
@@ -127,5 +127,5 @@ BlockHandle ReadTgaPicture(const uint8_t* data, size_t size) {
                       ? RunsCoverPicture(data, size, layout, pixels)
                       : layout.dataOffset <= size && pixels * layout.bytesPerPixel <= size - layout.dataOffset;
   if (!complete) return 0;
-  return DecodeWithStb(data, size, header);
+  return DecodeWithStb(data, size, header, *decode);
 }
