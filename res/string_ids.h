@@ -34,6 +34,12 @@
 #define IDS_MANUAL_MISSING 161
 // The page sheet's "Paint" without a paint program.
 #define IDS_NO_PAINT_PROGRAM 162
+// Pictures the import cannot take: a dropped file that is no picture, a
+// picture with too many pixels.
+#define IDS_NOT_A_PICTURE 163
+#define IDS_PICTURE_TOO_LARGE 164
+// A calendar whose pictures together are more than a calendar file may hold.
+#define IDS_PICTURES_TOO_LARGE 165
 // The colour dialog's questions.
 #define IDS_COLOUR_EXISTS 170
 #define IDS_COLOUR_DELETE 171

@@ -28,6 +28,7 @@
 #include "editors/setup_sheet_win32.h"
 #include "editors/year_sheet_win32.h"
 #include "pictures/page_picture_win32.h"
+#include "pictures/picture_import.h"
 #include "print/print_job_win32.h"
 #include "print/printer_win32.h"
 #include "print/status_box_win32.h"
@@ -205,7 +206,8 @@ void SetPagePicture(HWND window, BlockHandle picture) {
 void ClipboardCommand(HWND window, int id) {
   if (CurrentPage() >= 12) return;
   if (id == IDM_PASTE) {
-    BlockHandle picture = PictureFromClipboard(window);
+    // A bitmap from another program is reduced as a picture file would be.
+    BlockHandle picture = ImportPictureDib(PictureFromClipboard(window), ImportRequest{});
     return picture ? SetPagePicture(window, picture) : (void)ShowMessage(window, IDS_CLIPBOARD_FAILED);
   }
   const BlockHandle picture = PagePicture();
@@ -220,8 +222,9 @@ void FilesDropped(HWND window, HDROP drop) {
   char path[MAX_PATH] = "";
   const bool one = DragQueryFileA(drop, 0, path, sizeof path) > 0;
   DragFinish(drop);
-  if (!one || CurrentPage() >= 12) return;
-  if (BlockHandle picture = LoadPagePicture(window, path)) SetPagePicture(window, picture);
+  MonthPage page;
+  if (!one || CurrentPage() >= 12 || !GetMonthPage(App.document, CurrentPage(), &page)) return;
+  if (BlockHandle picture = LoadDroppedPicture(window, path, page.PageBackgroundColour)) SetPagePicture(window, picture);
 }
 
 // Edit month: the page sheet over the month page shown. What OK gives back
@@ -368,6 +371,7 @@ void OpenCalendar(HWND window) {
 }
 
 bool SaveTo(HWND window, const std::string& path) {
+  if (!PicturesFitOneFile(App.document)) return ShowMessage(window, IDS_PICTURES_TOO_LARGE), false;
   WindowProgress progress(window);
   if (!SaveCalendar(&progress, path.c_str(), App.document)) {
     ShowMessage(window, IDS_WRITE_FAILED);

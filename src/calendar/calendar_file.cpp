@@ -759,7 +759,27 @@ bool Loader::CommitBefore(int index) {
 
 StreamCounts LastSaveStreamCounts() { return g_lastSave; }
 
+bool PicturesFitOneFile(CalendarDocument document, uint64_t* total) {
+  uint64_t sum = 0;
+  bool fit = true;
+  CalendarHeader header;
+  std::vector<BlockHandle> pictures;
+  if (GetHeader(document, &header)) pictures.push_back(header.CoverPicture);
+  for (int month = 0; month < 12; ++month) {
+    MonthPage page;
+    if (GetMonthPage(document, month, &page)) pictures.push_back(page.Picture);
+  }
+  for (BlockHandle picture : pictures) {
+    const uint32_t size = picture ? GlobalBlockSize(picture) : 0;
+    fit = fit && size <= kMaxPictureBytes;
+    sum += size;
+  }
+  if (total) *total = sum;
+  return fit && sum <= kMaxDocumentPictureBytes;
+}
+
 int SaveCalendar(FileProgress* progress, const char* path, CalendarDocument document) {
+  if (!PicturesFitOneFile(document)) return 0;
   progress->Begin(Caption("Saving", path).c_str());
   g_lastSave = StreamCounts{};
   const int level = static_cast<int>(std::min<uint32_t>(std::max<uint32_t>(Settings.ImageCompression, 1), 9));

@@ -23,11 +23,17 @@ constexpr uint32_t kMaxPictureBytes = 512u << 20;
 // small file of well-made huge pictures cannot demand many gigabytes.
 constexpr uint32_t kMaxDocumentPictureBytes = 3u << 29;  // 1.5 GiB
 
+// True when the loader would take every picture of `document` back: each at
+// most kMaxPictureBytes, all together at most kMaxDocumentPictureBytes.
+// `total` (when given) receives the pictures' bytes.
+bool PicturesFitOneFile(CalendarDocument document, uint64_t* total = nullptr);
+
 // Writes `document` to `path` at the ImageCompression level, compressing
 // pictures on all cores; a picture whose stream lies unchanged in a file it
 // was loaded from or saved to (at the same level) is copied from there. The file is
 // written beside the target under a name of its own and replaces it only when
 // complete and on the disk, so on failure (0) the previous file is untouched.
+// A calendar whose pictures do not fit one file is not written at all.
 int SaveCalendar(FileProgress* progress, const char* path, CalendarDocument document);
 // How the last save made its picture streams: copied from the file a
 // picture came from (unchanged since), or compressed.

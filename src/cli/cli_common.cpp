@@ -109,6 +109,15 @@ CalendarDocument Load(const std::string& path, int* skipped) {
 }
 
 int Save(const std::string& path, CalendarDocument document) {
+  uint64_t total = 0;
+  if (!PicturesFitOneFile(document, &total)) {
+    std::fprintf(stderr,
+                 "quernal-cli: %s: the pictures are too large for one calendar file (%llu MB; each at most %u MB, all "
+                 "together at most %u MB): nothing was written; leave out --full-size\n",
+                 path.c_str(), static_cast<unsigned long long>(total >> 20), kMaxPictureBytes >> 20,
+                 kMaxDocumentPictureBytes >> 20);
+    return 1;
+  }
   CliProgress progress(path, "saving the calendar");
   if (SaveCalendar(&progress, path.c_str(), document)) return 0;
   std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), kSaveFailedMessage);

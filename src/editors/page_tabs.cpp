@@ -58,7 +58,8 @@ const FontButtonBinding kDateFont[] = {{IDC_DATE_FONT, IDC_DATE_SAMPLE, FONT(Dat
 const FontButtonBinding kDaysFont[] = {{IDC_DAYS_FONT, IDC_DAYS_SAMPLE, FONT(Days)}};
 const FontButtonBinding kCapFont[] = {{IDC_CAP_FONT, IDC_CAP_SAMPLE, FONT(Cap)}};
 // The placement is the picture tab's fourth control.
-const PictureBinding kPictureBlock{offsetof(MonthPage, Picture), 3, false, IDC_PICTURE_PAINT};
+const PictureBinding kPictureBlock{offsetof(MonthPage, Picture), 3, false, IDC_PICTURE_PAINT,
+                                   offsetof(MonthPage, PageBackgroundColour)};
 
 const ColourButtonBinding kHeadColours[] = {{IDC_HEAD_COLOUR, offsetof(MonthPage, HeadFontColour)},
                                             {IDC_HEAD_FRAME, offsetof(MonthPage, HeadFrameColour)},

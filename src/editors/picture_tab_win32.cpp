@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 #include "base/program_win32.h"
 #include "base/text.h"
@@ -45,7 +46,9 @@ void SelectPicture(HWND tab, void* record, const SheetTab& sheet) {
   BlockHandle* picture = PictureOf(record, sheet);
   if (*picture) GlobalBlockFree(*picture);
   *picture = 0;
-  *picture = LoadPagePicture(tab, path);
+  Colour background;
+  std::memcpy(&background, static_cast<const char*>(record) + sheet.picture->background, sizeof background);
+  *picture = LoadPagePicture(tab, path, background);
   if (sheet.picture->showChosen) CheckDlgButton(tab, kPictureShow, *picture ? BST_CHECKED : BST_UNCHECKED);
   ApplyPictureState(tab, record, sheet);
 }

@@ -25,14 +25,16 @@ struct ColourButtonBinding {
 };
 // A tab's picture: its block field, the radio group of its placement (an
 // index into the tab's controls), whether a picture chosen with
-// "Select..." ticks "Show picture" (and a failed one clears it), and its
-// "Paint" button. The other picture controls have the same numbers on
+// "Select..." ticks "Show picture" (and a failed one clears it), its
+// "Paint" button, and the colour field of the background its transparent
+// parts are laid over. The other picture controls have the same numbers on
 // every tab that has a picture.
 struct PictureBinding {
   size_t picture;
   size_t placement;
   bool showChosen;
   int paint;
+  size_t background;
 };
 
 struct SheetTab {

@@ -53,7 +53,7 @@ const ColourButtonBinding kCoverColours[] = {{IDC_COVER_BACKGROUND, AT(CoverBack
                                              {IDC_COVER_FRAME, AT(CoverPictureFrameColour)},
                                              {IDC_COVER_TITLE_COLOUR, AT(CoverFontColour)}};
 // The placement is the cover tab's fourth control; a chosen picture is shown.
-const PictureBinding kCoverPicture{AT(CoverPicture), 3, true, IDC_COVER_PAINT};
+const PictureBinding kCoverPicture{AT(CoverPicture), 3, true, IDC_COVER_PAINT, AT(CoverBackgroundColour)};
 
 }  // namespace
 

@@ -103,9 +103,10 @@ bool ReadJpegHeader(ByteSource& file, ImageHeader* header) {
     return false;
   header->bitCount = components == 1 ? 8 : 24;
   if (components == 1) SetGreyTable(header, 256);
-  // Decoded a band at a time, a JPEG may hold more than a whole Dib could;
-  // its reader holds it to kMaxJpegPixels.
-  return header->width >= 1 && header->height >= 1;
+  // Decoded a band at a time, a JPEG may hold more than a whole Dib could,
+  // up to kMaxJpegPixels.
+  header->tooLarge = static_cast<uint64_t>(header->width) * static_cast<uint64_t>(header->height) > kMaxJpegPixels;
+  return header->width >= 1 && header->height >= 1 && !header->tooLarge;
 }
 
 
@@ -296,13 +297,6 @@ BlockHandle ReadJpegPicture(const uint8_t* data, size_t size, PictureDecode* dec
   MemorySource source(data, size);
   ImageHeader header;
   if (!ReadJpegHeader(source, &header)) return 0;
-  const uint64_t pixels = static_cast<uint64_t>(header.width) * static_cast<uint64_t>(header.height);
-  if (pixels > kMaxJpegPixels) {
-    decode->error = ImportError::kTooLarge;
-    decode->filePixels = pixels;
-    decode->maxPixels = kMaxJpegPixels;
-    return 0;
-  }
   // The first scan that reaches a block spends at least one bit of Huffman
   // code on it, so a file of n bytes holds at most 8n blocks of its finest
   // component; a header claiming more lies about the size.

@@ -4,11 +4,18 @@
 #pragma once
 #include <windows.h>
 
+#include "base/geometry.h"
 #include "base/global_block.h"
 
-// The picture in `path` as a new Dib, or 0 after message 105 when it cannot
-// be read. A monochrome or palette picture brings the palette warning first
-// (unless WarnPaletteColour is 0; its check box clears that setting).
-BlockHandle LoadPagePicture(HWND owner, const char* path);
+// The picture in `path` imported as a new Dib for a page whose background is
+// `background`, or 0 after a message when it cannot be read: message 105,
+// or what is wrong when the import knows better (too large, out of memory).
+// A monochrome or palette picture brings the palette warning first (unless
+// WarnPaletteColour is 0; its check box clears that setting).
+BlockHandle LoadPagePicture(HWND owner, const char* path, Colour background);
+// The same for a file dropped on the window: a file that none of the six
+// formats reads is read through Windows Imaging Component (HEIC, WebP, TIFF
+// where Windows has their codecs), and one that is no picture at all says so.
+BlockHandle LoadDroppedPicture(HWND owner, const char* path, Colour background);
 // The palette warning box alone.
 void WarnAboutPalette(HWND owner);

@@ -40,9 +40,10 @@ int FormatOfContent(const uint8_t* data, size_t size, const char* path) {
   return -1;
 }
 
-// The most pixels a whole Dib of `bitCount` may hold.
-uint64_t MaxPixelsOfDib(uint16_t bitCount) {
-  return static_cast<uint64_t>(kMaxImageBytes) * 8 / (bitCount ? bitCount : 24);
+// The most pixels format `index` may hold: JPEGs are decoded a band at a
+// time, the others into a whole Dib of the header's bit count.
+uint64_t MaxPixelsOf(int index, uint16_t bitCount) {
+  return index == kJpeg ? kMaxJpegPixels : static_cast<uint64_t>(kMaxImageBytes) * 8 / (bitCount ? bitCount : 24);
 }
 
 // Each pixel laid over the background, then the rows reduced.
@@ -102,7 +103,7 @@ ImportedPicture ImportFormat(int index, const uint8_t* data, size_t size, const 
     result.error = header.tooLarge ? ImportError::kTooLarge : ImportError::kDamaged;
     if (header.tooLarge) {
       result.filePixels = static_cast<uint64_t>(header.width) * static_cast<uint64_t>(header.height);
-      result.maxPixels = MaxPixelsOfDib(header.bitCount);
+      result.maxPixels = MaxPixelsOf(index, header.bitCount);
     }
     return result;
   }

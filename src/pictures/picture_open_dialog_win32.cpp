@@ -8,12 +8,15 @@
 #include "base/text.h"
 #include "config/settings.h"
 #include "pictures/image_files.h"
+#include "pictures/picture_import.h"
 #include "pictures/picture_preview.h"
 #include "res/picture_dialog_ids.h"
 
 namespace {
 
 constexpr UINT kCentre = WM_USER + 1;  // posted on initialisation
+// Over the preview box's size on any display, and quick to decode.
+constexpr int32_t kPreviewLongestSide = 512;
 const char kFilter[] =
     "JPEG files\0*.jpg\0BMP files\0*.bmp\0GIF files\0*.gif\0PCX files\0*.pcx\0TGA files\0*.tga\0PNG files\0*.png\0"
     "All files\0*.jpg;*.bmp;*.gif;*.pcx;*.tga;*.png\0";
@@ -56,13 +59,14 @@ void SelectionChanged(HWND hook, PreviewState* state) {
       SendMessageA(GetParent(hook), CDM_GETFILEPATH, sizeof path, reinterpret_cast<LPARAM>(path));
   if (length <= 0 || length > MAX_PATH) return;
   FreePicture(state);
-  state->picture = ReadImageFile(path, nullptr);
+  // The preview is small: the import decodes large photographs smaller
+  // from the start. The facts describe the file, upright.
+  ImportRequest request;
+  request.longestSide = kPreviewLongestSide;
+  const ImportedPicture picture = ImportPictureFile(path, request);
+  state->picture = picture.dib;
   std::string facts;
-  if (state->picture) {
-    BlockLock lock(state->picture);
-    const auto& h = *lock.as<BitmapInfoHeader>();
-    facts = PictureFacts(h.biWidth, h.biHeight < 0 ? -h.biHeight : h.biHeight, h.biBitCount);
-  }
+  if (state->picture) facts = PictureFacts(picture.fileWidth, picture.fileHeight, picture.fileBitCount);
   SetDlgItemTextA(hook, IDC_PICTURE_FACTS, facts.c_str());
   InvalidateRect(GetDlgItem(hook, IDC_PICTURE_PREVIEW), nullptr, TRUE);
 }

@@ -71,8 +71,8 @@ TEST_F(DesignerCliTest, APhotoCalendarFromAFolderOfPictures) {
     int status;
     std::string message;
   } refused[] = {
-      {"--picture-dir " + Q(dir_.File("photos")), 1, std::string("p00.bmp: ") + kImageLoadFailed},
-      {"--cover-picture " + Q(dir_.File("absent.png")), 1, kImageLoadFailed},
+      {"--picture-dir " + Q(dir_.File("photos")), 1, std::string("p00.bmp: damaged: ") + kImageLoadFailed},
+      {"--cover-picture " + Q(dir_.File("absent.png")), 1, "absent.png: cannot be read"},
       {"--picture-dir " + Q(dir_.File("none")), 1, "the folder cannot be read"},
       {"--pictures" + std::string(13 * 6, ' ').replace(0, 78, " a b c d e f g h i j k l m"), 2, "at most twelve"},
       {"--title '\xC5\x81\xC3\xB3\x64\xC5\xBA'", 2, "cannot hold (shown as ?): ?\xC3\xB3\x64?"},
@@ -116,7 +116,7 @@ TEST_F(DesignerCliTest, SetChangesNamedFieldsAndLeavesTheFileAloneWhenAnythingIs
       {"RightCaption=" + std::string(2050, 'x'), 2, "RightCaption is longer than 2049"},
       {"Picture=0", 2, "Picture is kept by the program"},
       {"--year-page --picture " + Q(photo), 2, "the year page has no picture"},
-      {"--page 1 --picture " + Q(dir_.File("absent.jpg")), 1, kImageLoadFailed},
+      {"--page 1 --picture " + Q(dir_.File("absent.jpg")), 1, "absent.jpg: cannot be read"},
       {"--page 1 DateRound=3 DateShadow=x", 2, "DateShadow takes 0 or 1"},  // the good field is not kept either
   };
   for (const auto& step : steps) {

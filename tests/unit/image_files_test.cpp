@@ -101,8 +101,10 @@ class Picture {
 };
 
 // The Dib has the promised shape and a well-formed header, and the
-// information call describes it exactly, colour table included.
-void ExpectDib(const Picture& picture, int width, int height, int bits) {
+// information call describes it exactly, colour table included, but for a
+// transparent entry, which the file keeps and the Dib shows as the page's
+// background (white).
+void ExpectDib(const Picture& picture, int width, int height, int bits, int transparentEntry = -1) {
   ASSERT_TRUE(picture.ok()) << picture.path();
   BitmapInfoHeader h = picture.Header();
   EXPECT_EQ(h.biSize, 40u);
@@ -128,6 +130,10 @@ void ExpectDib(const Picture& picture, int width, int height, int bits) {
   expected.resize(256, bits <= 8 ? 0 : 0xABABAB);
   for (int i = 0; i < 256; ++i)
     got.push_back(static_cast<uint32_t>(table[3 * i]) << 16 | table[3 * i + 1] << 8 | table[3 * i + 2]);
+  if (transparentEntry >= 0) {
+    EXPECT_EQ(expected[transparentEntry], 0xFFFFFFu);
+    expected[transparentEntry] = got[transparentEntry];
+  }
   EXPECT_EQ(got, expected) << picture.path();
 }
 
@@ -391,10 +397,11 @@ TEST_F(ImageFiles, PngsOfEveryColourType) {
 }
 
 TEST_F(ImageFiles, GifsKeepTheirTablesAndTransparentIndex) {
-  // Transparent pixels get index 2; opaque ones of the same colour keep index 0.
+  // Transparent pixels get index 2, whose colour is the page's background;
+  // opaque ones of the same colour keep index 0.
   Picture four(Write("four.gif", TransparentGif()));
-  ExpectDib(four, 3, 2, 4);
-  EXPECT_EQ(four.Colours(5), (Values{0x112233, 0xFF0000, 0x112233, 0x00FF00, 0}));
+  ExpectDib(four, 3, 2, 4, 2);
+  EXPECT_EQ(four.Colours(5), (Values{0x112233, 0xFF0000, 0xFFFFFF, 0x00FF00, 0}));
   EXPECT_EQ(four.Pixels(), (Values{0, 1, 2, 3, 2, 0}));
   // The first image has a table of its own and covers part of the screen;
   // the rest is the background, index 9.
