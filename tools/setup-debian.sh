@@ -90,7 +90,8 @@ if [ ${#missing[@]} -eq 0 ] && [ ${#missing_sources[@]} -eq 0 ]; then
 fi
 
 if [ "$(id -u)" -ne 0 ]; then
-  echo "setup: missing, and getting them needs root: ${missing[*]} ${missing_sources[*]/%/ (source)}" >&2
+  needed=("${missing[@]}" "${missing_sources[@]/%/ (source)}")
+  echo "setup: missing, and getting them needs root: ${needed[*]}" >&2
   exit 1
 fi
 
