@@ -49,9 +49,9 @@ packages=(
   # test photographs like real ones: EXIF orientation and embedded profiles,
   # HEIC, WebP and AVIF encoders
   libimage-exiftool-perl libheif-examples webp libavif-bin
-  # ICC profiles for the colour tests: sRGB, grey, an Adobe RGB compatible
-  # one, and colord's wide-gamut and swapped-channel RGB profiles
-  icc-profiles-free colord-data
+  # ICC profiles for the colour tests: sRGB, colord's Adobe RGB, and
+  # Ghostscript's CMYK and grey profiles
+  icc-profiles-free colord-data libgs-common
   # tests: GoogleTest (native package and the sources for the cross builds),
   # libFuzzer with the sanitizers
   googletest libgtest-dev clang libclang-rt-14-dev

@@ -1,0 +1,143 @@
+#include "unit/test_photos.h"
+
+#ifndef _WIN32
+#include <jpeglib.h>
+#endif
+#include <lcms2.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "base/dib.h"
+#include "pictures/picture_reduce.h"
+
+std::string PreparedPhotos() {
+  const char* folder = std::getenv("QUERNAL_TEST_PHOTOS");
+  return folder ? folder : "";
+}
+
+namespace {
+
+RgbPixels ReadPpm(std::FILE* f) {
+  RgbPixels out;
+  int maxValue = 0;
+  if (std::fscanf(f, "P6 %d %d %d", &out.width, &out.height, &maxValue) == 3 && maxValue == 255 && out.width > 0 &&
+      out.height > 0) {
+    std::fgetc(f);
+    out.rgb.resize(static_cast<size_t>(out.width) * out.height * 3);
+    if (std::fread(out.rgb.data(), 1, out.rgb.size(), f) != out.rgb.size()) out.rgb.clear();
+  }
+  return out;
+}
+
+}  // namespace
+
+RgbPixels ReadPpm(const std::string& path) {
+  std::FILE* f = std::fopen(path.c_str(), "rb");
+  if (!f) return RgbPixels{};
+  RgbPixels out = ReadPpm(f);
+  std::fclose(f);
+  return out;
+}
+
+#ifndef _WIN32
+bool Shell(const std::string& command) { return std::system((command + " >/dev/null 2>&1").c_str()) == 0; }
+
+bool MakeColourfulPicture(const std::string& path, int width, int height, const std::string& options) {
+  const std::string size = std::to_string(width) + "x" + std::to_string(height);
+  const int w = width - 1, h = height - 1;
+  const std::string corners = "0,0 #FF1010 " + std::to_string(w) + ",0 #10FF30 0," + std::to_string(h) + " #2020FF " +
+                              std::to_string(w) + "," + std::to_string(h) + " #FFE000";
+  const std::string patches = "-fill white -draw 'rectangle 0,0 " + std::to_string(width / 5) + "," +
+                              std::to_string(height / 5) + "' -fill black -draw 'rectangle " +
+                              std::to_string(w - width / 5) + "," + std::to_string(h - height / 5) + " " +
+                              std::to_string(w) + "," + std::to_string(h) + "'";
+  return Shell("convert -size " + size + " xc: -sparse-color Bilinear '" + corners + "' " + patches + " " + options +
+               " -quality 95 '" + path + "'");
+}
+
+bool WriteLargeJpeg(const std::string& path, int width, int height, int quality, bool progressive, bool fullChroma) {
+  std::FILE* f = std::fopen(path.c_str(), "wb");
+  if (!f) return false;
+  jpeg_compress_struct c{};
+  jpeg_error_mgr errors;
+  c.err = jpeg_std_error(&errors);
+  jpeg_create_compress(&c);
+  jpeg_stdio_dest(&c, f);
+  c.image_width = static_cast<JDIMENSION>(width);
+  c.image_height = static_cast<JDIMENSION>(height);
+  c.input_components = 3;
+  c.in_color_space = JCS_RGB;
+  jpeg_set_defaults(&c);
+  jpeg_set_quality(&c, quality, TRUE);
+  if (progressive) jpeg_simple_progression(&c);
+  if (fullChroma) c.comp_info[0].h_samp_factor = c.comp_info[0].v_samp_factor = 1;
+  jpeg_start_compress(&c, TRUE);
+  std::unique_ptr<uint8_t[]> row(new uint8_t[static_cast<size_t>(width) * 3]);
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      uint8_t* p = row.get() + 3 * static_cast<size_t>(x);
+      const bool band = (x / 97 + y / 131) % 7 == 0;  // sharp edges, as buildings and horizons have
+      p[0] = static_cast<uint8_t>(band ? 240 : 255 * x / width);
+      p[1] = static_cast<uint8_t>(band ? 230 : 255 * y / height);
+      p[2] = static_cast<uint8_t>(band ? 40 : 128 + 100 * std::sin(x * 0.001 + y * 0.002));
+    }
+    JSAMPROW rows[1] = {row.get()};
+    jpeg_write_scanlines(&c, rows, 1);
+  }
+  jpeg_finish_compress(&c);
+  jpeg_destroy_compress(&c);
+  return std::fclose(f) == 0;
+}
+
+RgbPixels MagickPixels(const std::string& path, const std::string& options) {
+  RgbPixels out;
+  std::FILE* p = popen(("convert '" + path + "' " + options + " -depth 8 ppm:-").c_str(), "r");
+  if (!p) return out;
+  out = ReadPpm(p);
+  pclose(p);
+  return out;
+}
+
+#endif
+
+RgbPixels DibPixels(BlockHandle dib) {
+  RgbPixels out;
+  if (!DibBlockIsValid(dib)) return out;
+  BlockLock lock(dib);
+  const auto& h = *lock.as<BitmapInfoHeader>();
+  out.width = h.biWidth;
+  out.height = h.biHeight < 0 ? -h.biHeight : h.biHeight;
+  out.rgb.resize(static_cast<size_t>(out.width) * out.height * 3);
+  for (int y = 0; y < out.height; ++y) {
+    uint8_t* row = out.rgb.data() + static_cast<size_t>(y) * out.width * 3;
+    DibRowBgr(lock.bytes(), y, row);
+    for (int x = 0; x < out.width; ++x) std::swap(row[3 * x], row[3 * x + 2]);
+  }
+  return out;
+}
+
+double MeanDeltaE(const RgbPixels& a, const RgbPixels& b) {
+  if (a.width != b.width || a.height != b.height || a.rgb.size() != b.rgb.size() || a.rgb.empty()) return 1e9;
+  cmsHPROFILE srgb = cmsCreate_sRGBProfile(), lab = cmsCreateLab4Profile(nullptr);
+  cmsHTRANSFORM toLab = cmsCreateTransform(srgb, TYPE_RGB_8, lab, TYPE_Lab_DBL, INTENT_RELATIVE_COLORIMETRIC, 0);
+  const size_t n = a.rgb.size() / 3;
+  std::vector<cmsCIELab> la(n), lb(n);
+  cmsDoTransform(toLab, a.rgb.data(), la.data(), static_cast<cmsUInt32Number>(n));
+  cmsDoTransform(toLab, b.rgb.data(), lb.data(), static_cast<cmsUInt32Number>(n));
+  cmsDeleteTransform(toLab);
+  cmsCloseProfile(srgb);
+  cmsCloseProfile(lab);
+  double sum = 0;
+  for (size_t i = 0; i < n; ++i) sum += cmsCIE2000DeltaE(&la[i], &lb[i], 1, 1, 1);
+  return sum / static_cast<double>(n);
+}
+
+double MeanDifference(const RgbPixels& a, const RgbPixels& b) {
+  if (a.width != b.width || a.height != b.height || a.rgb.size() != b.rgb.size() || a.rgb.empty()) return 1e9;
+  double sum = 0;
+  for (size_t i = 0; i < a.rgb.size(); ++i) sum += std::abs(a.rgb[i] - b.rgb[i]);
+  return sum / static_cast<double>(a.rgb.size());
+}
