@@ -8,6 +8,7 @@
 #include <string>
 
 #include "base/dib.h"
+#include "bench/photo_jpeg.h"
 #include "pictures/picture_import.h"
 #include "pictures/picture_reduce.h"
 #include "unit/image_bytes.h"
@@ -114,7 +115,7 @@ TEST_F(PictureImport, LargePhotosAreReducedToTheLongestSideKeepingTheirShape) {
   };
   for (const auto& c : cases) {
     const std::string path = dir_.File("large.jpg");
-    ASSERT_TRUE(WriteLargeJpeg(path, c.width, c.height, 80, c.progressive, c.fullChroma));
+    ASSERT_TRUE(WritePhotoJpeg(path, {c.width, c.height, 80, c.progressive, c.fullChroma}));
     const RgbPixels ours = Imported(path, ByContent(c.longest));
     EXPECT_EQ(ours.width, c.wantW) << c.width;
     EXPECT_EQ(ours.height, c.wantH) << c.width;
@@ -158,7 +159,7 @@ TEST_F(PictureImport, EveryFileThatIsNoUsablePictureSaysWhy) {
   WriteFile(dir_.File("notes.txt"), "Shopping: bread, milk.");
   WriteFile(dir_.File("cut.jpg"), ReadFile(Colourful("whole.jpg")).substr(0, 3000));
   // A JPEG whose frame claims 20000 x 10050 pixels.
-  ASSERT_TRUE(WriteLargeJpeg(dir_.File("huge.jpg"), 16, 16));
+  ASSERT_TRUE(WritePhotoJpeg(dir_.File("huge.jpg"), {16, 16}));
   std::string huge = ReadFile(dir_.File("huge.jpg"));
   huge.replace(huge.find("\xFF\xC0") + 5, 4, image_bytes::Bytes({10050 >> 8, 10050 & 255, 20000 >> 8, 20000 & 255}));
   WriteFile(dir_.File("huge.jpg"), huge);

@@ -1,8 +1,5 @@
 #include "unit/test_photos.h"
 
-#ifndef _WIN32
-#include <jpeglib.h>
-#endif
 #include <lcms2.h>
 
 #include <cmath>
@@ -56,40 +53,6 @@ bool MakeColourfulPicture(const std::string& path, int width, int height, const 
                               std::to_string(w) + "," + std::to_string(h) + "'";
   return Shell("convert -size " + size + " xc: -sparse-color Bilinear '" + corners + "' " + patches + " " + options +
                " -quality 95 '" + path + "'");
-}
-
-bool WriteLargeJpeg(const std::string& path, int width, int height, int quality, bool progressive, bool fullChroma) {
-  std::FILE* f = std::fopen(path.c_str(), "wb");
-  if (!f) return false;
-  jpeg_compress_struct c{};
-  jpeg_error_mgr errors;
-  c.err = jpeg_std_error(&errors);
-  jpeg_create_compress(&c);
-  jpeg_stdio_dest(&c, f);
-  c.image_width = static_cast<JDIMENSION>(width);
-  c.image_height = static_cast<JDIMENSION>(height);
-  c.input_components = 3;
-  c.in_color_space = JCS_RGB;
-  jpeg_set_defaults(&c);
-  jpeg_set_quality(&c, quality, TRUE);
-  if (progressive) jpeg_simple_progression(&c);
-  if (fullChroma) c.comp_info[0].h_samp_factor = c.comp_info[0].v_samp_factor = 1;
-  jpeg_start_compress(&c, TRUE);
-  std::unique_ptr<uint8_t[]> row(new uint8_t[static_cast<size_t>(width) * 3]);
-  for (int y = 0; y < height; ++y) {
-    for (int x = 0; x < width; ++x) {
-      uint8_t* p = row.get() + 3 * static_cast<size_t>(x);
-      const bool band = (x / 97 + y / 131) % 7 == 0;  // sharp edges, as buildings and horizons have
-      p[0] = static_cast<uint8_t>(band ? 240 : 255 * x / width);
-      p[1] = static_cast<uint8_t>(band ? 230 : 255 * y / height);
-      p[2] = static_cast<uint8_t>(band ? 40 : 128 + 100 * std::sin(x * 0.001 + y * 0.002));
-    }
-    JSAMPROW rows[1] = {row.get()};
-    jpeg_write_scanlines(&c, rows, 1);
-  }
-  jpeg_finish_compress(&c);
-  jpeg_destroy_compress(&c);
-  return std::fclose(f) == 0;
 }
 
 RgbPixels MagickPixels(const std::string& path, const std::string& options) {

@@ -30,12 +30,6 @@ bool Shell(const std::string& command);
 // blended across, with a white and a black patch, as `path` in the format
 // its extension names, after `options` (a profile to assign, say).
 bool MakeColourfulPicture(const std::string& path, int width, int height, const std::string& options = "");
-// A photograph-like JPEG of w x h written with libjpeg, row by row (no
-// picture of that size is ever held): smooth gradients with sharp-edged
-// bands, at `quality`, progressive or baseline, 4:4:4 or 4:2:0 sampling.
-bool WriteLargeJpeg(const std::string& path, int width, int height, int quality = 85, bool progressive = false,
-                    bool fullChroma = false);
-
 // What ImageMagick reads from `path` after `options` (-auto-orient,
 // -profile sRGB.icc, -resize ...), as 8-bit RGB.
 RgbPixels MagickPixels(const std::string& path, const std::string& options);
