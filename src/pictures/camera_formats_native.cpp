@@ -252,8 +252,8 @@ DecodedPixels DecodeWebp(const uint8_t* data, size_t size, uint64_t maxPixels) {
     if (!Allocate(width, height, &pixels)) return pixels;
     std::memcpy(pixels.rgba.get(), frame, size_t{width} * height * 4);
   }
-  // An opaque still picture decodes with every alpha byte 255.
-  if (features.has_alpha || features.has_animation) SetHasAlpha(&pixels);
+  // Not from the features: a lossless picture's alpha flag is only a hint.
+  SetHasAlpha(&pixels);
 
   WebPChunkIterator chunk;
   if (WebPDemuxGetChunk(demux.get(), "ICCP", 1, &chunk)) {

@@ -102,6 +102,10 @@ const Encoding kEncodings[] = {
      "photo.png", 1, false, 8, true},
     {"WebP, lossless with alpha", "alpha.webp", "cwebp -quiet -lossless -exact {alpha} -o {out}", nullptr, 0, true, 1,
      false},
+    // The flag is a hint; libwebp decodes the alpha whatever it says.
+    {"WebP, lossless, its alpha flag wrongly clear", "hint.webp",
+     "cwebp -quiet -lossless -exact {alpha} -o {out} && perl -0777 -pi -e 'substr($_, 24, 1) &= \"\\xEF\"' {out}",
+     "alpha.png", 0, true, 1, false},
     {"WebP, the first frame of an animation", "animation.webp", "img2webp -lossless {alpha} {upside} -o {out} 2>/dev/null",
      nullptr, 0, true, 1, false},
     {"HEIC", "photo.heic", "heif-enc -q 90 {photo} -o {out} >/dev/null", "photo.png", 1, false, 1, true},
@@ -156,6 +160,9 @@ TEST(CameraFormats, DecodeAsImageMagickDoes) {
     ASSERT_EQ(pixels.width, kWidth);
     ASSERT_EQ(pixels.height, kHeight);
     EXPECT_EQ(pixels.hasAlpha, e.alpha);
+    bool transparent = false;
+    for (size_t i = 3; i < expected.size(); i += 4) transparent |= pixels.rgba[i] != 255;
+    EXPECT_EQ(transparent, pixels.hasAlpha);
     EXPECT_EQ(pixels.orientation, e.orientation);
     EXPECT_TRUE(std::string(pixels.icc.begin(), pixels.icc.end()) == (e.icc ? profile : ""))
         << pixels.icc.size() << " bytes of profile";
