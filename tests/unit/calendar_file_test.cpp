@@ -595,6 +595,43 @@ TEST_F(CalendarFileTest, DamagedPicturesAskInMonthOrderWhileTheOthersInflate) {
   }
 }
 
+// What the import keeps (4000 pixels on the longer side) always opens again,
+// in the 32-bit program too; what a save would write that the loader could
+// not take back is refused before the old file is touched.
+TEST_F(CalendarFileTest, SavesKeepToWhatTheLoaderTakesBack) {
+  uint32_t size;
+  const std::string stream = BlankPictureStream(4000, 4000, &size);
+  int questions = 0;
+  {
+    Doc thirteen(LoadBytes(CalendarFileWithPictures(13, stream, size), false, &questions));
+    ASSERT_NE(thirteen, 0u);
+    EXPECT_EQ(questions, 0);
+    for (int m = 0; m < 12; ++m) EXPECT_EQ(GlobalBlockSize(Page(thirteen, m).Picture), size) << m;
+    EXPECT_TRUE(PicturesFitOneFile(thirteen));
+  }
+  const std::string before = ReadFile(path_);
+  // Untouched blocks cost no memory: one picture over its limit, then four
+  // that are each allowed but together too many.
+  const struct {
+    int pictures;
+    uint32_t bytes;
+  } cases[] = {{1, kMaxPictureBytes + 1}, {4, 400u << 20}};
+  for (const auto& c : cases) {
+    Doc doc(CreateCalendar(2027, 0));
+    for (int m = 0; m < c.pictures; ++m) {
+      MonthPage p = Page(doc, m);
+      p.Picture = GlobalBlockAlloc(c.bytes);
+      ASSERT_NE(p.Picture, 0u);
+      PutMonthPage(doc, m, &p);
+    }
+    uint64_t total = 0;
+    EXPECT_FALSE(PicturesFitOneFile(doc, &total)) << c.pictures;
+    EXPECT_EQ(total, uint64_t{c.bytes} * c.pictures);
+    EXPECT_EQ(Save(doc, path_), 0) << c.pictures;
+    EXPECT_TRUE(ReadFile(path_) == before) << c.pictures;
+  }
+}
+
 TEST(BlockChecksumTest, AnyChangedByteOrLengthGivesAnotherSum) {
   std::vector<uint8_t> bytes(1003);
   for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i * 7);

@@ -1,0 +1,92 @@
+// quernal-cli with a folder of photographs as phones and cameras leave them:
+// every common format, EXIF-rotated, 48 megapixels, a broken file among them.
+#include <sys/stat.h>
+
+#include <string>
+
+#include "bench/photo_jpeg.h"
+#include "cli/cli_run.h"
+
+namespace {
+
+class PhotosCliTest : public CliTest {
+ protected:
+  // A small picture whose width tells it apart, in the format of `name`'s
+  // extension, made by ImageMagick and, for WebP and HEIC, the codecs' own
+  // encoders.
+  std::string Photo(const std::string& name, int width) {
+    const std::string path = dir_.File(name), png = dir_.File("source.png");
+    const std::string make = "convert -size " + std::to_string(width) + "x60 gradient:orange-navy '" + png + "'";
+    const std::string extension = name.substr(name.rfind('.') + 1);
+    std::string encode = "convert '" + png + "' '" + path + "'";
+    if (extension == "webp") encode = "cwebp -quiet '" + png + "' -o '" + path + "'";
+    if (extension == "heic") encode = "heif-enc -q 80 '" + png + "' -o '" + path + "'";
+    EXPECT_EQ(RunCommand(make + " && " + encode), 0) << name;
+    return path;
+  }
+  static int Count(const std::string& text, const std::string& part) {
+    int n = 0;
+    for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; ++at) ++n;
+    return n;
+  }
+  static std::string Size(int width, int height) {
+    return "\"Picture\": {\"width\": " + std::to_string(width) + ", \"height\": " + std::to_string(height) + ",";
+  }
+};
+
+}  // namespace
+
+TEST_F(PhotosCliTest, AFolderOfEveryFormatBecomesTheMonthsInNameOrder) {
+  ASSERT_EQ(mkdir(dir_.File("phone").c_str(), 0755), 0);
+  const char* names[] = {"a.heic", "b.webp", "c.tif", "d.jpeg", "e.JPG", "f.png", "g.jpe"};
+  for (int i = 0; i < 7; ++i) Photo(std::string("phone/") + names[i], 40 + i);
+  WriteFile(dir_.File("phone/notes.txt"), "not a picture, not an image file either");
+  WriteFile(dir_.File("phone/c2.jpg"), "\xFF\xD8\xFF\xE0 broken");
+  const std::string cal = dir_.File("phone.CLN");
+
+  // One unreadable file stops the command, names it, and writes nothing.
+  CliRun r = Cli("new --picture-dir " + Q(dir_.File("phone")) + " -o " + Q(cal));
+  EXPECT_EQ(r.status, 1);
+  EXPECT_TRUE(Has(r.err, "c2.jpg: damaged")) << r.err;
+  EXPECT_FALSE(FileExists(cal));
+  // Asked to, it leaves that one out, and every month keeps its order.
+  r = Cli("new --picture-dir " + Q(dir_.File("phone")) + " --skip-unreadable -o " + Q(cal));
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_TRUE(Has(r.err, "c2.jpg: skipped")) << r.err;
+  const std::string info = Cli("info " + Q(cal)).out;
+  for (int month = 0; month < 7; ++month) EXPECT_TRUE(Has(info, Size(40 + month, 60))) << names[month];
+  EXPECT_EQ(Count(info, "\"Picture\": null,"), 5);
+  // A file no reader knows is named with the reason.
+  r = Cli("set " + Q(cal) + " --page 8 --picture " + Q(dir_.File("phone/notes.txt")));
+  EXPECT_EQ(r.status, 1);
+  EXPECT_TRUE(Has(r.err, "notes.txt: not a picture")) << r.err;
+}
+
+TEST_F(PhotosCliTest, ACalendarOf48MegapixelPhotographsSavesAndOpensAgain) {
+  const std::string photo = dir_.File("camera.jpg"), rotated = dir_.File("portrait.jpg");
+  ASSERT_TRUE(WritePhotoJpeg(photo, {8000, 6000}));
+  ASSERT_EQ(RunCommand("cp '" + photo + "' '" + rotated + "' && exiftool -q -overwrite_original -Orientation#=6 '" +
+                       rotated + "'"),
+            0);
+  std::string twelve;
+  for (int month = 0; month < 12; ++month) twelve += " " + Q(month == 1 ? rotated : photo);
+  // The fastest compression: the streams' size is not what is tested here.
+  ASSERT_EQ(mkdir(dir_.File("conf").c_str(), 0755), 0);
+  ASSERT_EQ(RunCommand(std::string(QUERNAL_CLI) + " settings | sed 's/^ImageCompression = .*/ImageCompression = 1/' > " +
+                       Q(dir_.File("conf/QUERNL.INI"))),
+            0);
+  const std::string cal = dir_.File("cal.CLN"), config = " --config " + Q(dir_.File("conf"));
+  CliRun r = Cli("new --pictures" + twelve + " --cover-picture " + Q(photo) + config + " -o " + Q(cal));
+  ASSERT_EQ(r.status, 0) << r.err;
+  // Reduced to 4000 pixels, February's upright; nothing is damaged on the way back.
+  r = Cli("info " + Q(cal));
+  EXPECT_TRUE(r.err.empty()) << r.err;
+  EXPECT_EQ(Count(r.out, Size(4000, 3000)), 11);
+  EXPECT_EQ(Count(r.out, Size(3000, 4000)), 1);
+  // Kept at full size they are more than one calendar file holds: refused, the old file kept.
+  const std::string before = ReadFile(cal);
+  r = Cli("new --full-size --pictures" + twelve + config + " -o " + Q(cal));
+  EXPECT_EQ(r.status, 1);
+  EXPECT_TRUE(Has(r.err, "too large for one calendar file")) << r.err;
+  EXPECT_TRUE(ReadFile(cal) == before);
+}
