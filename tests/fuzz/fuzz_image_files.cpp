@@ -8,6 +8,8 @@
 #include "base/dib.h"
 #include "fuzz_support.h"
 #include "pictures/image_files.h"
+#include "pictures/picture_import.h"
+#include "pictures/picture_reduce.h"
 
 namespace {
 
@@ -18,8 +20,14 @@ void CheckPicture(const char* path, BlockHandle dib, uint16_t reportedBits) {
   int32_t width = 0, height = 0;
   uint16_t bits = 0;
   if (!GetImageFileInformation(path, &width, &height, &bits, nullptr)) __builtin_trap();
-  if (width != h.biWidth || height != h.biHeight || reportedBits != bits) __builtin_trap();
-  // Only a palette file whose pixels name missing entries turns to 24 bits.
+  // The picture is reduced to the import's longest side, and turned upright
+  // (sides swapped) by an EXIF orientation.
+  int32_t w, ht;
+  ReducedSize(width, height, kImportLongestSide, &w, &ht);
+  const bool sameSides = w == h.biWidth && ht == h.biHeight, swapped = w == h.biHeight && ht == h.biWidth;
+  if ((!sameSides && !swapped) || reportedBits != bits) __builtin_trap();
+  // Only a palette file whose pixels name missing entries, or one that was
+  // reduced, turns to 24 bits (a grey one stays grey).
   if (bits != h.biBitCount && h.biBitCount != 24) __builtin_trap();
 
   uint32_t size = GlobalBlockSize(dib);

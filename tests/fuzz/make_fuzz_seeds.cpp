@@ -8,6 +8,9 @@
 #include <ctime>
 #include <string>
 
+#include <jpeglib.h>
+#include <lcms2.h>
+
 #include "base/dib.h"
 #include "calendar/calendar_file.h"
 #include "config/settings.h"
@@ -113,7 +116,71 @@ void SaveExtremeSeed(const std::string& path, uint32_t value) {
   WriteBytes(path, bytes);
 }
 
+// An sRGB profile as files embed it.
+std::string SrgbProfile() {
+  cmsHPROFILE srgb = cmsCreate_sRGBProfile();
+  cmsUInt32Number size = 0;
+  cmsSaveProfileToMem(srgb, nullptr, &size);
+  std::string icc(size, '\0');
+  cmsSaveProfileToMem(srgb, &icc[0], &size);
+  cmsCloseProfile(srgb);
+  return icc;
+}
+
+// EXIF data whose first directory turns the picture (orientation 6), in
+// the big-endian byte order cameras often write.
+std::string Exif() {
+  return std::string("Exif\0\0MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0\x06\0\0\0\0\0\0", 32);
+}
+
+// A small colour JPEG as a phone writes it: EXIF with the orientation, and
+// the colour profile in APP2.
+std::string PhoneJpeg() {
+  unsigned char* bytes = nullptr;
+  unsigned long size = 0;
+  jpeg_compress_struct c{};
+  jpeg_error_mgr errors;
+  c.err = jpeg_std_error(&errors);
+  jpeg_create_compress(&c);
+  jpeg_mem_dest(&c, &bytes, &size);
+  c.image_width = 9;
+  c.image_height = 5;
+  c.input_components = 3;
+  c.in_color_space = JCS_RGB;
+  jpeg_set_defaults(&c);
+  jpeg_start_compress(&c, TRUE);
+  const std::string exif = Exif(), icc = SrgbProfile();
+  jpeg_write_marker(&c, JPEG_APP0 + 1, reinterpret_cast<const JOCTET*>(exif.data()), static_cast<unsigned>(exif.size()));
+  jpeg_write_icc_profile(&c, reinterpret_cast<const JOCTET*>(icc.data()), static_cast<unsigned>(icc.size()));
+  unsigned char row[9 * 3];
+  for (int y = 0; y < 5; ++y) {
+    for (int i = 0; i < 27; ++i) row[i] = static_cast<unsigned char>(i * 9 + y * 40);
+    JSAMPROW rows[1] = {row};
+    jpeg_write_scanlines(&c, rows, 1);
+  }
+  jpeg_finish_compress(&c);
+  jpeg_destroy_compress(&c);
+  std::string jpeg(reinterpret_cast<const char*>(bytes), size);
+  std::free(bytes);
+  return jpeg;
+}
+
+// A PNG with a colour profile (iCCP) and EXIF (eXIf) before its data.
+std::string ProfiledPng() {
+  std::string png = Png(3, 3, 8, 6, 12, "");
+  const std::string icc = SrgbProfile();
+  uLongf packed = compressBound(icc.size());
+  std::string deflated(packed, '\0');
+  compress(reinterpret_cast<Bytef*>(&deflated[0]), &packed, reinterpret_cast<const Bytef*>(icc.data()), icc.size());
+  deflated.resize(packed);
+  const std::string chunks =
+      PngChunk("iCCP", std::string("sRGB\0\0", 6) + deflated) + PngChunk("eXIf", Exif().substr(6));
+  return png.insert(33, chunks);  // after the signature and IHDR
+}
+
 void WriteImageSeeds(const std::string& folder) {
+  WriteBytes(folder + "/phone.jpg", PhoneJpeg());
+  WriteBytes(folder + "/profiled.png", ProfiledPng());
   WriteBytes(folder + "/grey.jpg", std::string(reinterpret_cast<const char*>(kGreyJpeg), sizeof kGreyJpeg));
 
   for (int bits : {1, 4, 8, 24}) {
