@@ -8,6 +8,7 @@
 #include <shlobj.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -361,11 +362,31 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   EXPECT_EQ(may.Picture, 0u);
   GlobalBlockFree(art);
 
+  // A file of no picture format at all is said to be no picture.
+  const std::string notes = dir_.File("notes.txt");
+  WriteFile(notes, "Shopping: bread, milk.");
+  driver.Then("Message", [&](HWND box) {
+    said = MessageText(box);
+    Press(box, IDOK);
+  });
+  Drop(window(), notes);
+  EXPECT_EQ(said, "The file you dropped is not a picture Quernal can read.");
+
   // A photograph dropped from the file manager.
   Drop(window(), ProgramFolder() + "Meadow.jpg");
   ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
   ASSERT_NE(may.Picture, 0u);
+  {
+    BlockLock lock(may.Picture);
+    EXPECT_EQ(lock.as<BitmapInfoHeader>()->biWidth, 640);
+    EXPECT_EQ(lock.as<BitmapInfoHeader>()->biBitCount, 24);
+  }
+  // One a phone took held upright (EXIF orientation 6) comes in upright.
+  const char* photos = std::getenv("QUERNAL_TEST_PHOTOS");
+  ASSERT_TRUE(photos) << "the prepared photographs";
+  Drop(window(), std::string(photos) + "/II6.jpg");
+  ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
   BlockLock lock(may.Picture);
-  EXPECT_EQ(lock.as<BitmapInfoHeader>()->biWidth, 640);
-  EXPECT_EQ(lock.as<BitmapInfoHeader>()->biBitCount, 24);
+  EXPECT_EQ(lock.as<BitmapInfoHeader>()->biWidth, 200);
+  EXPECT_EQ(lock.as<BitmapInfoHeader>()->biHeight, 300);
 }
