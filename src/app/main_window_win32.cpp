@@ -28,7 +28,6 @@
 #include "editors/setup_sheet_win32.h"
 #include "editors/year_sheet_win32.h"
 #include "pictures/page_picture_win32.h"
-#include "pictures/picture_import.h"
 #include "print/print_job_win32.h"
 #include "print/printer_win32.h"
 #include "print/status_box_win32.h"
@@ -206,8 +205,9 @@ void SetPagePicture(HWND window, BlockHandle picture) {
 void ClipboardCommand(HWND window, int id) {
   if (CurrentPage() >= 12) return;
   if (id == IDM_PASTE) {
-    // A bitmap from another program is reduced as a picture file would be.
-    BlockHandle picture = ImportPictureDib(PictureFromClipboard(window), ImportRequest{});
+    MonthPage page;
+    BlockHandle picture =
+        GetMonthPage(App.document, CurrentPage(), &page) ? PictureFromClipboard(window, page.PageBackgroundColour) : 0;
     return picture ? SetPagePicture(window, picture) : (void)ShowMessage(window, IDS_CLIPBOARD_FAILED);
   }
   const BlockHandle picture = PagePicture();

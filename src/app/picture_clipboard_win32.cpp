@@ -1,9 +1,12 @@
 #include "app/picture_clipboard_win32.h"
 
+#include <cstdlib>
 #include <cstring>
+#include <new>
 #include <vector>
 
 #include "base/dib.h"
+#include "pictures/picture_import.h"
 
 namespace {
 
@@ -39,6 +42,39 @@ BlockHandle FromBitmap(HBITMAP bitmap) {
   return 0;
 }
 
+// A BITMAPV5HEADER's 32-bit pixels with the alpha or the profile they
+// carry; false for any other bitmap, which CF_DIB gives as well.
+bool FromDibV5(const uint8_t* bytes, SIZE_T size, DecodedPixels* out) {
+  if (size < sizeof(BITMAPV5HEADER)) return false;
+  BITMAPV5HEADER h;
+  std::memcpy(&h, bytes, sizeof h);
+  const bool masks = h.bV5Compression == BI_BITFIELDS && h.bV5RedMask == 0x00FF0000 && h.bV5GreenMask == 0x0000FF00 &&
+                     h.bV5BlueMask == 0x000000FF;
+  const bool alpha = h.bV5AlphaMask == 0xFF000000u;
+  const bool profile = h.bV5CSType == PROFILE_EMBEDDED && h.bV5ProfileSize > 0;
+  if (h.bV5Size < sizeof h || h.bV5BitCount != 32 || h.bV5Width <= 0 || h.bV5Height == 0 || h.bV5Height == INT32_MIN ||
+      (h.bV5Compression != BI_RGB && !masks) || (!alpha && !profile))
+    return false;
+  const uint64_t width = static_cast<uint64_t>(h.bV5Width), height = static_cast<uint64_t>(std::abs(h.bV5Height));
+  if (width * height > kMaxDecodedPixels || h.bV5Size + width * height * 4 > size) return false;
+  if (profile && (h.bV5ProfileData > size || h.bV5ProfileSize > size - h.bV5ProfileData)) return false;
+  out->rgba.reset(new (std::nothrow) uint8_t[width * height * 4]);
+  if (!out->rgba) return false;
+  out->width = static_cast<int32_t>(width);
+  out->height = static_cast<int32_t>(height);
+  out->hasAlpha = alpha;
+  if (profile) out->icc.assign(bytes + h.bV5ProfileData, bytes + h.bV5ProfileData + h.bV5ProfileSize);
+  for (uint64_t y = 0; y < height; ++y) {
+    const uint8_t* row = bytes + h.bV5Size + 4 * width * (h.bV5Height < 0 ? y : height - 1 - y);
+    uint8_t* to = out->rgba.get() + 4 * width * y;
+    for (uint64_t x = 0; x < width; ++x, row += 4, to += 4) {
+      to[0] = row[2], to[1] = row[1], to[2] = row[0];
+      to[3] = alpha ? row[3] : 255;
+    }
+  }
+  return true;
+}
+
 }  // namespace
 
 bool ClipboardHasPicture() { return IsClipboardFormatAvailable(CF_DIB) || IsClipboardFormatAvailable(CF_BITMAP); }
@@ -65,10 +101,18 @@ bool CopyPictureToClipboard(HWND window, BlockHandle dib) {
   return done;
 }
 
-BlockHandle PictureFromClipboard(HWND window) {
+BlockHandle PictureFromClipboard(HWND window, Colour background) {
   if (!OpenClipboard(window)) return 0;
+  ImportRequest request;
+  request.background = background;
   BlockHandle dib = 0;
-  if (HGLOBAL packed = GetClipboardData(CF_DIB)) {
+  if (HGLOBAL packed = IsClipboardFormatAvailable(CF_DIBV5) ? GetClipboardData(CF_DIBV5) : nullptr) {
+    const auto* bytes = static_cast<const uint8_t*>(GlobalLock(packed));
+    DecodedPixels pixels;
+    if (bytes && FromDibV5(bytes, GlobalSize(packed), &pixels)) dib = ImportDecodedPixels(pixels, request).dib;
+    if (bytes) GlobalUnlock(packed);
+  }
+  if (HGLOBAL packed = dib ? nullptr : GetClipboardData(CF_DIB)) {
     const void* bytes = GlobalLock(packed);
     if (bytes) dib = DibFromPacked(bytes, GlobalSize(packed));
     if (bytes) GlobalUnlock(packed);
@@ -77,5 +121,5 @@ BlockHandle PictureFromClipboard(HWND window) {
   // GDI as a bitmap instead.
   if (!dib) dib = FromBitmap(static_cast<HBITMAP>(GetClipboardData(CF_BITMAP)));
   CloseClipboard();
-  return dib;
+  return ImportPictureDib(dib, request);
 }

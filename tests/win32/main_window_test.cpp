@@ -347,6 +347,34 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
     EXPECT_EQ(lock.as<BitmapInfoHeader>()->biBitCount, 24);
   }
 
+  // A cut-out another program copied with its alpha (CF_DIBV5): what shows
+  // through is August's background.
+  MonthPage august;
+  ASSERT_TRUE(GetMonthPage(App.document, 7, &august));
+  august.PageBackgroundColour = RGB(0, 0, 255);
+  ASSERT_TRUE(PutMonthPage(App.document, 7, &august));
+  HGLOBAL cutOut = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, sizeof(BITMAPV5HEADER) + 8);
+  auto* v5 = static_cast<BITMAPV5HEADER*>(GlobalLock(cutOut));
+  *v5 = BITMAPV5HEADER{sizeof(BITMAPV5HEADER), 2, 1, 1, 32, BI_BITFIELDS};
+  v5->bV5RedMask = 0x00FF0000, v5->bV5GreenMask = 0x0000FF00, v5->bV5BlueMask = 0x000000FF;
+  v5->bV5AlphaMask = 0xFF000000, v5->bV5CSType = LCS_sRGB;
+  const uint32_t pixels[2] = {0x00FF0000, 0xFF00FF00};  // a red nobody sees, an opaque green
+  std::memcpy(v5 + 1, pixels, sizeof pixels);
+  GlobalUnlock(cutOut);
+  ASSERT_TRUE(OpenClipboard(window()));
+  EmptyClipboard();
+  SetClipboardData(CF_DIBV5, cutOut);
+  CloseClipboard();
+  Command(317);
+  Command(IDM_PASTE);
+  ASSERT_TRUE(GetMonthPage(App.document, 7, &august));
+  EXPECT_EQ(Bytes(august.Picture).size(), 40u + 8u);
+  {
+    BlockLock lock(august.Picture);
+    const uint8_t* bgr = DibBits(lock.bytes());
+    EXPECT_EQ(std::vector<uint8_t>(bgr, bgr + 6), (std::vector<uint8_t>{255, 0, 0, 0, 255, 0}));
+  }
+
   // Not on the cover; and a file that is no picture is said so.
   Command(IDM_PAGE_COVER);
   EXPECT_TRUE(Greyed(IDM_CUT) && Greyed(IDM_COPY) && Greyed(IDM_PASTE));
