@@ -36,6 +36,7 @@ target_sources(quernal_win32_tests PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/page_sheet_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/year_sheet_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/setup_sheet_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/wic_picture_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/test_pages.rc)
 target_link_libraries(quernal_win32_tests PRIVATE quernal_app_shell quernal_sheets_ui)
 # name, lacks ThemeDrawButton, what its ThemeLoad answers
