@@ -53,9 +53,13 @@ BlockHandle LoadPagePicture(HWND owner, const char* path, Colour background) {
   return Taken(owner, ImportPictureFile(path, PageRequest(background)), false);
 }
 
+// A dropped file is read by its content, so a .jpeg or a misnamed PNG meets
+// the program's own readers; what they do not read goes to WIC.
 BlockHandle LoadDroppedPicture(HWND owner, const char* path, Colour background) {
-  ImportedPicture picture = ImportPictureFile(path, PageRequest(background));
-  if (!picture.dib && picture.error == ImportError::kNotAPicture) {
+  ImportRequest request = PageRequest(background);
+  request.formats = ImportFormats::kByContent;
+  ImportedPicture picture = ImportPictureFile(path, request);
+  if (!picture.dib && (picture.error == ImportError::kNotAPicture || picture.error == ImportError::kUnsupported)) {
     DecodedPixels pixels = DecodeWithWic(path, kMaxDecodedPixels);
     picture = ImportDecodedPixels(pixels, PageRequest(background));
   }

@@ -13,9 +13,10 @@
 // A monochrome or palette picture brings the palette warning first (unless
 // WarnPaletteColour is 0; its check box clears that setting).
 BlockHandle LoadPagePicture(HWND owner, const char* path, Colour background);
-// The same for a file dropped on the window: a file that none of the six
-// formats reads is read through Windows Imaging Component (HEIC, WebP, TIFF
-// where Windows has their codecs), and one that is no picture at all says so.
+// The same for a file dropped on the window, read by its content: a file
+// that none of the six formats' readers takes is read through Windows
+// Imaging Component (TIFF; HEIC and WebP where Windows has their codecs),
+// and one that is no picture at all says so.
 BlockHandle LoadDroppedPicture(HWND owner, const char* path, Colour background);
 // The palette warning box alone.
 void WarnAboutPalette(HWND owner);

@@ -281,7 +281,7 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   }
   const std::string file = dir_.File("Poster.bmp"), broken = dir_.File("Broken.jpg");
   ASSERT_TRUE(WriteBmpFile(file.c_str(), art));
-  WriteFile(broken, "not a picture");
+  WriteFile(broken, "not a picture, though named like one");
   EXPECT_TRUE(Greyed(IDM_CUT) && Greyed(IDM_COPY)) << "May has no picture yet";
   // Paste follows what the clipboard holds: text is no picture.
   ASSERT_TRUE(OpenClipboard(window()));
@@ -385,20 +385,20 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
     Press(box, IDOK);
   });
   Drop(window(), broken);
-  EXPECT_EQ(said.rfind("There has been an error loading the image", 0), 0u) << said;
+  EXPECT_EQ(said, "The file you dropped is not a picture Quernal can read.");
   ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
   EXPECT_EQ(may.Picture, 0u);
   GlobalBlockFree(art);
 
-  // A file of no picture format at all is said to be no picture.
-  const std::string notes = dir_.File("notes.txt");
-  WriteFile(notes, "Shopping: bread, milk.");
+  // A JPEG cut short is damaged: message 105.
+  const std::string cut = dir_.File("Cut.jpg");
+  WriteFile(cut, ReadFile(ProgramFolder() + "Meadow.jpg").substr(0, 2000));
   driver.Then("Message", [&](HWND box) {
     said = MessageText(box);
     Press(box, IDOK);
   });
-  Drop(window(), notes);
-  EXPECT_EQ(said, "The file you dropped is not a picture Quernal can read.");
+  Drop(window(), cut);
+  EXPECT_EQ(said.rfind("There has been an error loading the image", 0), 0u) << said;
 
   // A photograph dropped from the file manager.
   Drop(window(), ProgramFolder() + "Meadow.jpg");
