@@ -65,5 +65,13 @@ set(meadow ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/Meadow.jpg)
 add_custom_command(OUTPUT ${meadow}
   COMMAND ${QUERNAL_CONVERT} -size 640x480 "xc:#3C9646" -quality 92 ${meadow}
   VERBATIM)
-add_custom_target(quernal_test_photograph DEPENDS ${meadow})
+# A 16-bit TIFF with alpha, as scanners and raw converters write them, for
+# Windows Imaging Component: meadow green on the left half, a half
+# transparent brick red on the right.
+set(shore ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/Shore16.tif)
+add_custom_command(OUTPUT ${shore}
+  COMMAND ${QUERNAL_CONVERT} -size 64x48 "xc:#3C9646FF" ( -size 32x48 "xc:#C8321480" ) -geometry +32+0
+    -compose Copy -composite -depth 16 -compress zip ${shore}
+  VERBATIM)
+add_custom_target(quernal_test_photograph DEPENDS ${meadow} ${shore})
 add_dependencies(quernal_win32_tests quernal_test_photograph)

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/dib.h"
+#include "base/program_win32.h"
 #include "image_bytes.h"
 #include "pictures/camera_formats.h"
 #include "pictures/page_picture_win32.h"
@@ -160,6 +161,22 @@ TEST_F(QuernalTest, WicKeepsStraightAlphaAndUndoesPremultipliedAlpha) {
   EXPECT_EQ(p[3], 128);
   EXPECT_EQ(std::string(reinterpret_cast<const char*>(p + 4), 4), Bytes({10, 20, 30, 255}));
   EXPECT_TRUE(b.hasAlpha);
+}
+
+TEST_F(QuernalTest, WicReadsASixteenBitTiffWithAlphaByImageMagick) {
+  // Beside the tests: meadow green on the left half, a half transparent
+  // brick red on the right, 16 bits a sample.
+  const DecodedPixels pixels = DecodeWithWic((ProgramFolder() + "Shore16.tif").c_str(), kPlenty);
+  ASSERT_EQ(pixels.error, ImportError::kNone);
+  ASSERT_EQ(pixels.width, 64);
+  ASSERT_EQ(pixels.height, 48);
+  EXPECT_TRUE(pixels.hasAlpha);
+  for (int y : {0, 47})
+    for (int x : {0, 31, 32, 63}) {
+      const std::string expected = x < 32 ? Bytes({0x3C, 0x96, 0x46, 0xFF}) : Bytes({0xC8, 0x32, 0x14, 0x80});
+      const char* at = reinterpret_cast<const char*>(pixels.rgba.get()) + (size_t(y) * 64 + x) * 4;
+      EXPECT_EQ(std::string(at, 4), expected) << x << ", " << y;
+    }
 }
 
 TEST_F(QuernalTest, WicHandsOverTheEmbeddedColourProfile) {
