@@ -762,17 +762,17 @@ StreamCounts LastSaveStreamCounts() { return g_lastSave; }
 bool PicturesFitOneFile(CalendarDocument document, uint64_t* total) {
   uint64_t sum = 0;
   bool fit = true;
-  CalendarHeader header;
-  std::vector<BlockHandle> pictures;
-  if (GetHeader(document, &header)) pictures.push_back(header.CoverPicture);
-  for (int month = 0; month < 12; ++month) {
-    MonthPage page;
-    if (GetMonthPage(document, month, &page)) pictures.push_back(page.Picture);
-  }
-  for (BlockHandle picture : pictures) {
+  // The records are packed: their handles are copied, never referred to.
+  const auto count = [&](BlockHandle picture) {
     const uint32_t size = picture ? GlobalBlockSize(picture) : 0;
     fit = fit && size <= kMaxPictureBytes;
     sum += size;
+  };
+  CalendarHeader header;
+  if (GetHeader(document, &header)) count(BlockHandle{header.CoverPicture});
+  for (int month = 0; month < 12; ++month) {
+    MonthPage page;
+    if (GetMonthPage(document, month, &page)) count(BlockHandle{page.Picture});
   }
   if (total) *total = sum;
   return fit && sum <= kMaxDocumentPictureBytes;
