@@ -31,7 +31,7 @@ bool WritePhotoJpeg(const std::string& path, const PhotoJpeg& photo) {
   for (int y = 0; y < h; ++y) {
     for (int x = 0; x < w; ++x) {
       noise ^= noise << 13, noise ^= noise >> 17, noise ^= noise << 5;
-      const int grain = static_cast<int>(noise % 9) - 4;
+      const int grain = static_cast<int>(noise % 25) - 12;  // a camera sensor's grain
       uint8_t* p = row.get() + 3 * static_cast<size_t>(x);
       const bool band = (x / 97 + y / 131) % 7 == 0;  // sharp edges, as buildings and horizons have
       const int r = band ? 240 : 255 * x / w, g = band ? 230 : 255 * y / h;

@@ -8,7 +8,7 @@
 struct PhotoJpeg {
   int width = 4000;
   int height = 3000;
-  int quality = 85;
+  int quality = 92;
   bool progressive = false;
   bool fullChroma = false;  // 4:4:4 instead of the cameras' 4:2:0
 };
