@@ -1,5 +1,6 @@
 #include "cli/cli_common.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -15,6 +16,7 @@
 #include "cli/locale_names.h"
 #include "config/settings.h"
 #include "pictures/image_files.h"
+#include "base/replace_file.h"
 #include "pictures/picture_import.h"
 #include "pictures/picture_kind.h"
 #include "config/settings_file.h"
@@ -98,6 +100,12 @@ void SetApplicationPath(const Arguments& args) {
 }
 
 CalendarDocument Load(const std::string& path, int* skipped) {
+  // A FIFO or a device would keep the reader waiting, or reading, forever.
+  struct stat info;
+  if (stat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
+    std::fprintf(stderr, "quernal-cli: %s: %s (it is not a regular file)\n", path.c_str(), kLoadFailedMessage);
+    return 0;
+  }
   CliProgress progress(path, "reading the calendar");
   LoadFailure failure;
   CalendarDocument document = LoadCalendar(&progress, path.c_str(), &failure);
@@ -120,7 +128,15 @@ int Save(const std::string& path, CalendarDocument document) {
   }
   CliProgress progress(path, "saving the calendar");
   if (SaveCalendar(&progress, path.c_str(), document)) return 0;
-  std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), kSaveFailedMessage);
+  // The save's message, but for a folder that refuses the new file: no
+  // room is not the problem then.
+  const WriteProblem problem = LastWriteProblem();
+  if (problem == WriteProblem::kFolderRefuses)
+    std::fprintf(stderr, "quernal-cli: %s: %s; nothing was written\n", path.c_str(), WriteProblemText(problem));
+  else if (problem == WriteProblem::kNotAFile || problem == WriteProblem::kWriteProtected)
+    std::fprintf(stderr, "quernal-cli: %s: %s (it %s)\n", path.c_str(), kSaveFailedMessage, WriteProblemText(problem));
+  else
+    std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), kSaveFailedMessage);
   return 1;
 }
 

@@ -119,7 +119,11 @@ bool WriteListFile(const ListFile& list, const std::string& heading, const std::
   if (out.file() && std::fputs(contents.c_str(), out.file()) >= 0 &&
       out.Commit(JoinPath(list.folder, list.name + ".BAK").c_str()))
     return true;
-  std::fprintf(stderr, "quernal-cli: %s: cannot be written: %s\n", path.c_str(), std::strerror(errno));
+  const WriteProblem problem = LastWriteProblem();
+  if (problem == WriteProblem::kNone || problem == WriteProblem::kWriteFailed)
+    std::fprintf(stderr, "quernal-cli: %s: cannot be written: %s\n", path.c_str(), std::strerror(errno));
+  else
+    std::fprintf(stderr, "quernal-cli: %s: %s; nothing was written\n", path.c_str(), WriteProblemText(problem));
   return false;
 }
 

@@ -1,18 +1,23 @@
 // quernal-cli: the calendar files and settings of Quernal from the command line.
 #include <cerrno>
 #include <cstdio>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <map>
+#include <new>
 #include <string>
 #include <vector>
+
+#include <glib.h>
 
 #include "base/dib.h"
 #include "calendar/calendar_dates.h"
 #include "calendar/calendar_file.h"
 #include "calendar/calendar_model.h"
 #include "calendar/event_list.h"
+#include "cli/calendar_lock.h"
 #include "cli/cli_common.h"
 #include "cli/commands.h"
 #include "cli/locale_names.h"
@@ -69,6 +74,9 @@ int ResaveCommand(const Arguments& args) {
     return Usage("--level takes a compression level from 1 to 9");
   Settings.ImageCompression = static_cast<uint32_t>(level);
   SetApplicationPath(args);
+  // Resaving a calendar in place is a change like any other.
+  const CalendarLock lock(args.options.at("-o"));
+  if (!lock.ok()) return 1;
   CalendarDocument document = Load(args.positional[0]);
   if (!document) return 1;
   int result = Save(args.options.at("-o"), document);
@@ -93,7 +101,38 @@ int SettingsCommand(const Arguments& args) {
   return 0;
 }
 
+namespace {
+
+// GLib (under Pango) ends the process when an allocation or a thread
+// (whose stack is memory too) fails; the command ends with the program's
+// own message instead.
+GLogWriterOutput OnGLibMessage(GLogLevelFlags level, const GLogField* fields, gsize count, gpointer data) {
+  for (gsize i = 0; i < count; ++i)
+    if (std::strcmp(fields[i].key, "MESSAGE") == 0 && fields[i].length < 0 && (level & G_LOG_LEVEL_ERROR) &&
+        (std::strstr(static_cast<const char*>(fields[i].value), "failed to allocate") ||
+         std::strstr(static_cast<const char*>(fields[i].value), "Error creating thread"))) {
+      std::fprintf(stderr, "quernal-cli: %s\n", kMemoryFailedMessage);
+      std::_Exit(1);
+    }
+  return g_log_writer_default(level, fields, count, data);
+}
+
+int Run(const Command& command, const Arguments& args) {
+  try {
+    return command.run(args);
+  } catch (const std::bad_alloc&) {
+    std::fprintf(stderr, "quernal-cli: %s\n", kMemoryFailedMessage);
+    return 1;
+  }
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+  // A file-size limit fails the write that passes it, which the writers
+  // report and clean up after, instead of ending the process mid-file.
+  std::signal(SIGXFSZ, SIG_IGN);
+  g_log_set_writer_func(OnGLibMessage, nullptr, nullptr);
   if (argc < 2) return Usage(nullptr);
   const std::string name = argv[1];
   if (name == "--version") {
@@ -125,5 +164,5 @@ int main(int argc, char** argv) {
   Arguments args;
   std::string problem;
   if (!ParseArguments(argc, argv, *command, &args, &problem)) return Usage(problem.c_str());
-  return command->run(args);
+  return Run(*command, args);
 }

@@ -9,6 +9,7 @@
 
 #include "base/text.h"
 #include "calendar/calendar_model.h"
+#include "cli/calendar_lock.h"
 #include "cli/commands.h"
 #include "pictures/picture_import.h"
 
@@ -139,7 +140,8 @@ int NewCommand(const Arguments& args) {
   const BlockHandle cover = hasCover ? pictures.back() : 0;
   if (hasCover) pictures.pop_back();
   GivePictures(document, pictures, cover, title);
-  const int result = Save(args.options.at("-o"), document);
+  const CalendarLock lock(args.options.at("-o"));
+  const int result = lock.ok() ? Save(args.options.at("-o"), document) : 1;
   FreeCalendar(document);
   return result;
 }

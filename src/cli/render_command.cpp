@@ -6,10 +6,13 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "base/replace_file.h"
+#include "calendar/calendar_file.h"
 #include "cli/locale_names.h"
 #include "cli/pdf_boxes.h"
 #include "config/settings_file.h"
@@ -239,8 +242,32 @@ bool Written(bool ok, const std::string& temporary, const std::string& path) {
   return ok ? Failed(path, "cannot be written") : false;
 }
 
+// An output that is not a regular file (a device, a FIFO, a folder) is
+// never replaced, nor is a write-protected one.
+bool MayWrite(const std::string& path) {
+  const WriteProblem problem = replace_file::CheckTarget(path);
+  return problem == WriteProblem::kNone || Failed(path, WriteProblemText(problem));
+}
+
+// Drawing needs memory the libraries below it take without checking
+// (fontconfig crashes, GLib ends the process when theirs runs out): room
+// for a page image and their own working sets must be there before the
+// first page, or the command ends with the program's message.
+bool HasRoomToDraw(const RenderJob& job) {
+  constexpr size_t kLibraries = 64u << 20;
+  const size_t page = static_cast<size_t>(job.SurfaceWidth()) * static_cast<size_t>(job.SurfaceHeight()) * 4;
+  void* room = std::malloc(kLibraries + page);
+  std::free(room);
+  if (room) return true;
+  std::fprintf(stderr, "quernal-cli: %s\n", kMemoryFailedMessage);
+  return false;
+}
+
 bool Render(const RenderJob& job) {
   ProgressLine progress;
+  for (size_t i = 0; i < (job.format == "pdf" ? 1 : job.sides.size()); ++i)
+    if (!MayWrite(job.format == "pdf" || job.sides.size() == 1 ? job.out : NumberedPath(job.out, static_cast<int>(i + 1))))
+      return false;
   if (job.format == "pdf") return Written(RenderPdf(job, job.out + kPart, progress), job.out + kPart, job.out);
   const std::function<bool(const RenderJob&, const Side&, const std::string&)> one =
       job.format == "png" ? RenderPng : job.format == "svg" ? RenderSvg : RenderOps;
@@ -365,7 +392,7 @@ int RenderCommand(const Arguments& args) {
     GetHeader(job.document, &header);
     job.sides = {{header.CurrentPage >= 0 && header.CurrentPage <= 13 ? header.CurrentPage : 0}};
   }
-  bool ok = Render(job);
+  bool ok = HasRoomToDraw(job) && Render(job);
   FreeCalendar(job.document);
   return ok ? 0 : 1;
 }

@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "calendar/calendar_file.h"
 #include "calendar/calendar_model.h"
+#include "cli/calendar_lock.h"
 #include "cli/commands.h"
 #include "cli/record_fields.h"
 
@@ -200,6 +201,8 @@ int SetCommand(const Arguments& args) {
     return Usage("set needs a FIELD=VALUE, --picture or --no-picture");
   if (args.Has("--picture") && args.Has("--no-picture")) return Usage("--picture and --no-picture exclude each other");
   SetApplicationPath(args);
+  const CalendarLock lock(path);
+  if (!lock.ok()) return 1;
   int damaged = 0;
   CalendarDocument document = Load(path, &damaged);
   if (!document) return 1;
