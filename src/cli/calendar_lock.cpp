@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <thread>
@@ -30,8 +29,9 @@ CalendarLock::CalendarLock(const std::string& path, double waitSeconds) {
     // the save refuses it.
     fd_ = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd_ < 0) {
-      ok_ = errno == ENOENT;  // a new file has nobody to wait for
-      if (!ok_) std::fprintf(stderr, "quernal-cli: %s: cannot be opened to be locked\n", path.c_str());
+      // A new file has nobody to wait for; one that cannot be opened (a
+      // socket, no permission) is for the read or the save to refuse.
+      ok_ = true;
       return;
     }
     if (flock(fd_, LOCK_EX | LOCK_NB) == 0) {
