@@ -40,6 +40,10 @@
 #define IDS_PICTURE_TOO_LARGE 164
 // A calendar whose pictures together are more than a calendar file may hold.
 #define IDS_PICTURES_TOO_LARGE 165
+// Saving over a calendar file another program changed since it was opened
+// or saved; a folder in which no new file may be made.
+#define IDS_FILE_CHANGED_ON_DISK 166
+#define IDS_FOLDER_REFUSES 167
 // The colour dialog's questions.
 #define IDS_COLOUR_EXISTS 170
 #define IDS_COLOUR_DELETE 171

@@ -6,6 +6,7 @@
 
 #include "base/program_win32.h"
 #include "calendar/calendar_model.h"
+#include "calendar/picture_streams.h"
 #include "render/screen_picture_win32.h"
 
 struct AppState {
@@ -17,6 +18,10 @@ struct AppState {
   HBRUSH faceBrush = nullptr, blackBrush = nullptr, barBrush = nullptr;
   CalendarDocument document = 0;
   std::string path = "Untitled.CLN";
+  // The file as it was when opened or last saved: a save over it that finds
+  // it changed since asks first.
+  FileStamp stamp;
+  bool stamped = false;
   int zoom = 100;
   int scrollX = 0, scrollY = 0;  // the zoomed page's offset in the window
   ScreenPictureCache pictures;    // the page's picture as the view last showed it

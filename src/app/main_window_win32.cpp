@@ -17,6 +17,7 @@
 #include "app/toolbar_win32.h"
 #include "app/window_layout.h"
 #include "base/manual_win32.h"
+#include "base/replace_file.h"
 #include "base/text.h"
 #include "calendar/calendar_dates.h"
 #include "calendar/calendar_file.h"
@@ -304,11 +305,15 @@ void CheckUnsavedChanges(HWND window) {
     SendMessageA(window, WM_COMMAND, IDM_SAVE, 0);
 }
 
+// Remembers how the calendar's file looks now that it was opened or saved.
+void StampFile() { App.stamped = ReadFileStamp(App.path.c_str(), &App.stamp); }
+
 void Adopt(HWND window, CalendarDocument document, const std::string& path) {
   App.pictures.Drop();
   FreeCalendar(App.document);
   App.document = document;
   App.path = path;
+  StampFile();
   UpdateTitle();
   UpdatePageCommands(window);
   InvalidateRect(window, nullptr, TRUE);
@@ -370,14 +375,24 @@ void OpenCalendar(HWND window) {
   Adopt(window, document, path);
 }
 
+// True when `path` is the calendar's own file and another program changed
+// it since it was opened or saved, and the user does not want it replaced.
+bool KeepsChangedFile(HWND window, const std::string& path) {
+  FileStamp now;
+  if (!App.stamped || path != App.path || !ReadFileStamp(path.c_str(), &now) || now == App.stamp) return false;
+  return ShowMessage(window, IDS_FILE_CHANGED_ON_DISK, MB_YESNO | MB_ICONQUESTION) != IDYES;
+}
+
 bool SaveTo(HWND window, const std::string& path) {
   if (!PicturesFitOneFile(App.document)) return ShowMessage(window, IDS_PICTURES_TOO_LARGE), false;
+  if (KeepsChangedFile(window, path)) return false;
   WindowProgress progress(window);
   if (!SaveCalendar(&progress, path.c_str(), App.document)) {
-    ShowMessage(window, IDS_WRITE_FAILED);
+    ShowMessage(window, LastWriteProblem() == WriteProblem::kFolderRefuses ? IDS_FOLDER_REFUSES : IDS_WRITE_FAILED);
     return false;
   }
   App.path = path;
+  StampFile();
   UpdateTitle();
   CalendarHeader header;
   if (!GetHeader(App.document, &header)) return ShowMessage(window, IDS_PAGE_ACCESS_FAILED), true;

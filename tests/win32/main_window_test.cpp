@@ -268,6 +268,51 @@ std::vector<uint8_t> Bytes(BlockHandle block) {
 
 }  // namespace
 
+// A calendar in a folder deep enough that its path has 245 characters saves
+// like any other, leaves no temporary file, and a file another program
+// changed since is not replaced without asking.
+TEST_F(MainWindowTest, SavesReachLongPathsAndAskBeforeReplacingAChangedFile) {
+  // File, Save; what a message box said (answered with `answer`), or "".
+  const auto save = [this](int answer) {
+    std::string asked;
+    DialogDriver driver;
+    driver.Then("Message", [&](HWND box) {
+      asked = MessageText(box);
+      Press(box, answer);
+    });
+    Command(IDM_SAVE);
+    return asked;
+  };
+  std::string folder = dir_.path();
+  while (folder.size() < 226) {
+    folder += "\\" + std::string(std::min<size_t>(60, 236 - folder.size() - 1), 'd');
+    ASSERT_TRUE(CreateDirectoryA(folder.c_str(), nullptr)) << folder.size();
+  }
+  App.path = folder + "\\" + std::string(245 - folder.size() - 5, 'c') + ".CLN";
+  ASSERT_EQ(App.path.size(), 245u);
+  EXPECT_EQ(save(IDOK), "");
+  ASSERT_TRUE(FileExists(App.path));
+  const std::string saved = ReadFile(App.path);
+  WIN32_FIND_DATAA found;
+  HANDLE search = FindFirstFileA((folder + "\\*").c_str(), &found);
+  int files = 0;
+  do files += !(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY);
+  while (FindNextFileA(search, &found));
+  FindClose(search);
+  EXPECT_EQ(files, 1) << "a temporary file was left";
+
+  // Another program writes the file; No keeps what it wrote, Yes replaces it.
+  for (const int answer : {IDNO, IDYES}) {
+    WriteFile(App.path, "another program's calendar");
+    const std::string asked = save(answer);
+    EXPECT_EQ(asked.rfind("This calendar's file has been changed by another program", 0), 0u) << asked;
+    EXPECT_EQ(ReadFile(App.path) == saved, answer == IDYES);
+  }
+  // Unchanged since: saved without a question.
+  EXPECT_EQ(save(IDYES), "");
+  EXPECT_EQ(ReadFile(App.path), saved);
+}
+
 // A photograph dropped on the window, cut, pasted onto another month, and a
 // bitmap another program copied pasted too; the commands are there only
 // where they can act.
