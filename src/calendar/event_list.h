@@ -15,11 +15,9 @@ std::string EventFilePath(const char* name);
 // file loads no list (it is read once for every month page that names it).
 constexpr long kMaxEventFileBytes = 1 << 20;
 
-// True for a name that is a plain file name in the program's folder. A list
-// name comes from calendar files, so it is refused when it could reach
-// anywhere else or a device: empty, separators or a drive, "." or "..",
-// characters Windows refuses, a trailing dot or blank, or a reserved device
-// name (CON, PRN, AUX, NUL, COM1-9, LPT1-9) before its first dot.
+// True for a name that is a plain file name in the program's folder
+// (IsPlainFileName): a list name comes from calendar files, so it is refused
+// when it could reach anywhere else or a device.
 bool IsPlainListName(const char* name);
 
 // Loads the list into a block of consecutive NUL-terminated lines ended by an

@@ -12,6 +12,7 @@
 #include "base/program_win32.h"
 #include "base/text.h"
 #include "colours/colour_table.h"
+#include "config/plain_name.h"
 #include "config/settings.h"
 #include "editors/editor_controls_win32.h"
 #include "res/colour_dialog_ids.h"
@@ -20,8 +21,6 @@ namespace {
 
 constexpr UINT kFinishLayout = WM_USER + 25, kSelectCurrent = WM_USER + 26;
 constexpr int kRgbEdits[3] = {COLOR_RED, COLOR_GREEN, COLOR_BLUE};
-
-std::string TablePath() { return JoinPath(Settings.ApplicationPath, Settings.ColourTableFile); }
 
 HWND List(HWND dialog) { return GetDlgItem(dialog, IDC_COLOUR_LIST); }
 
@@ -120,7 +119,7 @@ void AddColour(HWND dialog) {
     if (!Ask(dialog, question.data())) return;
   }
   if (!AddColourDialog(dialog, colour, IDC_COLOUR_LIST)) return;
-  SaveColourTable(dialog, TablePath().c_str(), IDC_COLOUR_LIST);
+  SaveColourTable(dialog, ColourTablePath().c_str(), IDC_COLOUR_LIST);
   PostMessageA(dialog, kSelectCurrent, 0, 0);
 }
 
@@ -129,7 +128,7 @@ void DeleteColour(HWND dialog) {
   const int at = static_cast<int>(SendMessageA(list, LB_GETCURSEL, 0, 0));
   if (at < 0 || !Ask(dialog, StringTableText(IDS_COLOUR_DELETE))) return;
   SendMessageA(list, LB_DELETESTRING, at, 0);
-  SaveColourTable(dialog, TablePath().c_str(), IDC_COLOUR_LIST);
+  SaveColourTable(dialog, ColourTablePath().c_str(), IDC_COLOUR_LIST);
   SendMessageA(list, LB_SETCURSEL, at > 0 ? at - 1 : 0, 0);
 }
 
@@ -138,7 +137,7 @@ void OpenTable(HWND dialog) {
   CopyText(name, sizeof name, Settings.ColourTableFile);
   if (!OpenColourTableDialog(dialog, name)) return;
   CopyText(Settings.ColourTableFile, sizeof Settings.ColourTableFile, name);
-  LoadColourTable(dialog, TablePath().c_str(), IDC_COLOUR_LIST);
+  LoadColourTable(dialog, ColourTablePath().c_str(), IDC_COLOUR_LIST);
   InvalidateRect(List(dialog), nullptr, TRUE);
   PostMessageA(dialog, kSelectCurrent, 0, 0);
 }
@@ -178,7 +177,7 @@ UINT_PTR CALLBACK ColourHook(HWND dialog, UINT message, WPARAM wParam, LPARAM lP
                     {IDC_COLOUR_HUE_ARROWS, 0, 239}, {IDC_COLOUR_SAT_ARROWS, 0, 240}, {IDC_COLOUR_LUM_ARROWS, 0, 240}};
       for (const auto& r : ranges) SendDlgItemMessageA(dialog, r.id, UDM_SETRANGE, 0, MAKELPARAM(r.maximum, r.minimum));
       PostMessageA(dialog, kFinishLayout, 0, 0);
-      LoadColourTable(dialog, TablePath().c_str(), IDC_COLOUR_LIST);
+      LoadColourTable(dialog, ColourTablePath().c_str(), IDC_COLOUR_LIST);
       PostMessageA(dialog, kSelectCurrent, 0, 0);
       return TRUE;
     }
@@ -286,8 +285,10 @@ INT_PTR CALLBACK OpenTableProc(HWND box, UINT message, WPARAM wParam, LPARAM lPa
       if (LOWORD(wParam) == IDOK || (LOWORD(wParam) == IDC_OPEN_TABLE_NAMES && HIWORD(wParam) == CBN_DBLCLK)) {
         char name[256] = "";
         GetDlgItemTextA(box, IDC_OPEN_TABLE_NAMES, name, sizeof name);
-        if (!name[0]) return TRUE;
-        CopyText(fileName, 261, (std::string(name) + ".CCL").c_str());
+        // The box takes typed names too; only a table of the program's folder is opened.
+        const std::string chosen = std::string(name) + ".CCL";
+        if (!name[0] || !IsPlainFileName(chosen.c_str())) return TRUE;
+        CopyText(fileName, 261, chosen.c_str());
         EndDialog(box, 1);
       }
       if (LOWORD(wParam) == IDCANCEL) EndDialog(box, 0);

@@ -3,6 +3,10 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/text.h"
+#include "config/plain_name.h"
+#include "config/settings.h"
+
 namespace {
 
 constexpr size_t kLineChars = 260;
@@ -53,6 +57,12 @@ bool ReadColourTable(const std::string& path, std::vector<NamedColour>* out) {
     if (ParseColourLine(line, &colour)) out->push_back(colour);
   std::fclose(file);
   return true;
+}
+
+std::string ColourTablePath() {
+  static const SettingsValues defaults{};
+  const char* name = IsPlainFileName(Settings.ColourTableFile) ? Settings.ColourTableFile : defaults.ColourTableFile;
+  return JoinPath(Settings.ApplicationPath, name);
 }
 
 std::string ColourLine(const NamedColour& c) {

@@ -20,6 +20,11 @@ bool ParseColourLine(const std::string& line, NamedColour* out);
 bool ReadColourTable(const std::string& path, std::vector<NamedColour>* out);
 // "name=r,g,b\n"
 std::string ColourLine(const NamedColour& colour);
+// The file of the table in use: ColourTableFile in the program's folder.
+// The setting comes from the settings file, so a name that is not a plain
+// file name there (IsPlainFileName) is ignored and the default table's file
+// is used instead.
+std::string ColourTablePath();
 // Writes the table over `path` after deleting `path`.bak. With no colours
 // to write (`colours` null: the list could not be counted) the new file is
 // deleted and `path`.bak renamed back, which finds nothing, as no backup was

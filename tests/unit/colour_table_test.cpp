@@ -1,5 +1,7 @@
 // Colour-table files: the lines that name colours, and writing a table back.
+#include "base/text.h"
 #include "colours/colour_table.h"
+#include "config/settings.h"
 #include "editors/colour_caption.h"
 #include "test_support.h"
 
@@ -52,6 +54,23 @@ TEST(ColourTable, ATableReadsInFileOrderAndWritesBackWithoutItsBackup) {
   // A list that could not be counted leaves no file, and no backup to restore.
   EXPECT_FALSE(WriteColourTable(path, nullptr));
   EXPECT_FALSE(FileExists(path));
+}
+
+// ColourTableFile comes from the settings file; the dialog reads, and on
+// Add or Delete rewrites, the file it names.
+TEST_F(QuernalTest, TheTableInUseIsAlwaysAFileOfTheProgramsFolder) {
+  const std::string app = dir_.File("app");
+  CopyText(Settings.ApplicationPath, sizeof Settings.ApplicationPath, app.c_str());
+  const struct {
+    const char* setting;
+    const char* used;
+  } cases[] = {{"Ink.CCL", "Ink.CCL"},           {"CONSOLE.CCL", "CONSOLE.CCL"},  {"..\\outside\\victim.txt", "QUERNL.CCL"},
+               {"../victim.txt", "QUERNL.CCL"}, {"C:victim.CCL", "QUERNL.CCL"},  {"..", "QUERNL.CCL"},
+               {"", "QUERNL.CCL"},              {"nul.ccl", "QUERNL.CCL"},       {"LPT1", "QUERNL.CCL"}};
+  for (const auto& c : cases) {
+    CopyText(Settings.ColourTableFile, sizeof Settings.ColourTableFile, c.setting);
+    EXPECT_EQ(ColourTablePath(), JoinPath(app, c.used)) << c.setting;
+  }
 }
 
 TEST(ColourCaption, WhiteOnDarkColoursBlackOnLightOnes) {
