@@ -4,22 +4,12 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/text.h"
-#include "calendar/calendar_dates.h"
-
 namespace {
 const char kCodeDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
 int CodeValue(char c) {
   const char* at = std::strchr(kCodeDigits, c);
   return c && at ? static_cast<int>(at - kCodeDigits) : -1;
-}
-
-// The month whose name starts like the line, without regard to case, or -1.
-int MonthOfLine(const char* line) {
-  for (int month = 0; month < 12; ++month)
-    if (CompareNoCase(MonthName(month), line, 3) == 0) return month;
-  return -1;
 }
 }  // namespace
 
@@ -37,7 +27,7 @@ bool EventFromListCode(const std::string& code, EventEntry* entry) {
 std::vector<std::string> EventListCodes(BlockHandle list) {
   std::vector<std::string> codes;
   ForEachEventLine(list, [&](const char* line) {
-    const int month = MonthOfLine(line);
+    const int month = EventLineMonth(line);
     if (month < 0) return;
     // The day is the number from the fourth character on; the text starts at the seventh.
     const int day = std::strlen(line) > 3 ? std::atoi(line + 3) : 0;

@@ -15,7 +15,8 @@ std::string EventListCode(const EventEntry& entry);
 bool EventFromListCode(const std::string& code, EventEntry* entry);
 
 // The events of `list` as dialog codes, sorted, without repeats. A line whose
-// first three characters name no month is left out.
+// first three characters name no month (EventLineMonth) is left out; writing
+// the list keeps it in the file.
 std::vector<std::string> EventListCodes(BlockHandle list);
 
 // Writes the entries (as codes, in order) as list `name` with its backup,

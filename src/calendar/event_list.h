@@ -43,11 +43,21 @@ struct EventEntry {
 // One line of an events file as the program writes it.
 std::string FormatEventLine(const EventEntry& entry);
 
+// The month (0..11) whose name's first three characters begin `line`, without
+// regard to case; -1 when none does. Only such lines are entries of the
+// events dialog; the first month that matches counts.
+int EventLineMonth(const char* line);
+
 // Writes list `name`: the previous ".BAK" is deleted, the current file becomes
-// the new ".BAK", and the entries are written in order. The new file is
-// written in full and flushed before anything is renamed, so a failed write
-// leaves both old files as they were. False on failure, and for a name that is not a
-// plain list name (nothing is written then).
+// the new ".BAK", and the entries are written in order. The entries stand for
+// the current file's event lines that name a month; nothing else of it is
+// lost: its leading comment and blank lines stay at the head of the new
+// file, and its lines that name no month (written with other month names, or
+// indented) follow the entries, each as it stood. Other comments and blank
+// lines are dropped. The new file is written in full and flushed before
+// anything is renamed, so a failed write, or a current file that cannot be
+// read, leaves both old files as they were. False on failure, and for a name
+// that is not a plain list name (nothing is written then).
 bool WriteEventList(const char* name, const std::vector<EventEntry>& entries);
 
 #include "calendar/event_list_inl.h"

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <string>
 
+#include "calendar/event_editing.h"
 #include "calendar/event_list.h"
 #include "config/settings.h"
 #include "test_support.h"
@@ -106,6 +107,48 @@ TEST_F(EventListTest, WritingKeepsExactlyOnePreviousVersion) {
   EXPECT_FALSE(WriteEventList("Family", {}));
   std::strcpy(Settings.ApplicationPath, dir_.path().c_str());
   EXPECT_EQ(ReadFile(dir_.File("Family.CDF")), AsTextFile("Jan05 Third\n"));
+}
+
+// The events dialog lists only the lines that name a month by the names in
+// the settings; OK writes its entries, and what it could not list stays.
+TEST_F(EventListTest, AnUnchangedListIsWrittenBackWithTheLinesItCannotList) {
+  // Four months renamed in Setup, as a German user does.
+  std::strcpy(Settings.MonthMarch, "M\xE4rz");
+  std::strcpy(Settings.MonthMay, "Mai");
+  std::strcpy(Settings.MonthOctober, "Oktober");
+  std::strcpy(Settings.MonthDecember, "Dezember");
+  const struct {
+    const char* file;
+    const char* written;
+  } cases[] = {
+      // Written with the English names: 4 of the 11 events are listed.
+      {"; Holidays\n;\n\n  ; by hand\nJan01 New Year\nFeb14 Valentine\nMar17 Patrick\nApr01 Fools\nMay01 Labour\n"
+       "Jul04 Fireworks\nOct03 Unity\nOct31 Halloween\nDec24 Eve\nDec25 Christmas\nDec31 New Year's Eve\n",
+       "; Holidays\n;\n\n  ; by hand\nJan01 New Year\nFeb14 Valentine\nApr01 Fools\nJul04 Fireworks\nMar17 Patrick\n"
+       "May01 Labour\nOct03 Unity\nOct31 Halloween\nDec24 Eve\nDec25 Christmas\nDec31 New Year's Eve\n"},
+      // Later comments and blank lines go, as does a repeated entry; indented
+      // lines and lines of no month stay whole, and the last line is ended.
+      {"JUL04 Fireworks\n; later\n\n  FEB02 Indented\nMAI01 Feiertag\nXYZ01 Tab\tkept\njul04 Fireworks\nMAR17 Patrick",
+       "Mai01 Feiertag\nJul04 Fireworks\n  FEB02 Indented\nXYZ01 Tab\tkept\nMAR17 Patrick\n"},
+  };
+  // OK on the list as the dialog shows it.
+  auto writeUnchanged = [&] {
+    BlockHandle list = LoadEventList("General");
+    std::vector<EventEntry> entries;
+    for (const std::string& code : EventListCodes(list)) {
+      entries.emplace_back();
+      EXPECT_TRUE(EventFromListCode(code, &entries.back()));
+    }
+    GlobalBlockFree(list);
+    EXPECT_TRUE(WriteEventList("General", entries));
+    return ReadFile(dir_.File("General.CDF"));
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.file);
+    WriteFile(dir_.File("General.CDF"), AsTextFile(c.file));
+    EXPECT_EQ(writeUnchanged(), AsTextFile(c.written));
+    EXPECT_EQ(writeUnchanged(), AsTextFile(c.written)) << "and then the same bytes at every OK";
+  }
 }
 
 TEST_F(EventListTest, AListNameIsAPlainFileNameOrNothingIsReadOrWritten) {
