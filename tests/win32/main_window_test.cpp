@@ -269,8 +269,8 @@ std::vector<uint8_t> Bytes(BlockHandle block) {
 }  // namespace
 
 // A calendar in a folder deep enough that its path has 245 characters saves
-// like any other, leaves no temporary file, and a file another program
-// changed since is not replaced without asking.
+// like any other, leaves no temporary file and removes a stale one, and a
+// file another program changed since is not replaced without asking.
 TEST_F(MainWindowTest, SavesReachLongPathsAndAskBeforeReplacingAChangedFile) {
   // File, Save; what a message box said (answered with `answer`), or "".
   const auto save = [this](int answer) {
@@ -290,6 +290,8 @@ TEST_F(MainWindowTest, SavesReachLongPathsAndAskBeforeReplacingAChangedFile) {
   }
   App.path = folder + "\\" + std::string(245 - folder.size() - 5, 'c') + ".CLN";
   ASSERT_EQ(App.path.size(), 245u);
+  // What a save killed mid-way left: gone with the next save.
+  WriteFile(folder + "\\~qrn0001.tmp", "half a calendar");
   EXPECT_EQ(save(IDOK), "");
   ASSERT_TRUE(FileExists(App.path));
   const std::string saved = ReadFile(App.path);
@@ -299,7 +301,7 @@ TEST_F(MainWindowTest, SavesReachLongPathsAndAskBeforeReplacingAChangedFile) {
   do files += !(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY);
   while (FindNextFileA(search, &found));
   FindClose(search);
-  EXPECT_EQ(files, 1) << "a temporary file was left";
+  EXPECT_EQ(files, 1) << "a temporary file was left, or a stale one kept";
 
   // Another program writes the file; No keeps what it wrote, Yes replaces it.
   for (const int answer : {IDNO, IDYES}) {
