@@ -27,10 +27,12 @@
 
 namespace {
 
+// Streams are inflated 8 KiB of input and 8 KiB of output at a time, as
+// calendar files have always been read: where a stream stops short, the
+// bytes it gives depend on those steps.
 constexpr uint32_t kChunk = 8192;
-// Compressed input is read in larger pieces than the 8 KiB output steps:
-// fewer, larger inflate calls keep loading within a few percent of zlib.
-constexpr uint32_t kInputChunk = 1 << 16;
+// The file is read in larger pieces, handed to inflate 8 KiB at a time.
+constexpr uint32_t kReadChunk = 1 << 16;
 // Deflate cannot expand data by more than about 1,032 to 1, so a stream that
 // claims more than this many bytes per compressed byte is damaged, and the
 // block need not be allocated to find out.
@@ -129,102 +131,157 @@ bool DeflateBytes(const uint8_t* data, uint32_t size, int level, uint32_t* writt
   return ok;
 }
 
-// The first two and the last four bytes of a stream passing by in pieces.
-struct StreamEnds {
-  uint8_t head[2] = {};
-  uint8_t tail[4] = {};
-  uint64_t seen = 0;
+// The CRC-32 of a stream passing by in pieces.
+struct StreamCrc {
+  uint32_t crc = 0;
   void Take(const uint8_t* p, size_t n) {
-    for (size_t i = 0; seen + i < 2 && i < n; ++i) head[seen + i] = p[i];
-    if (n >= 4) {
-      std::memcpy(tail, p + n - 4, 4);
-    } else {
-      std::memmove(tail, tail + n, 4 - n);
-      std::memcpy(tail + 4 - n, p, n);
+    for (size_t step; n > 0; p += step, n -= step) {
+      step = std::min<size_t>(n, 1u << 30);
+      crc = static_cast<uint32_t>(crc32(crc, p, static_cast<uInt>(step)));
     }
-    seen += n;
   }
 };
 
-// Pulls the next piece of a compressed stream of known length from a file.
+// What reading one picture stream found out.
+struct StreamRead {
+  StreamCrc crc;        // of the compressed bytes handed to inflate
+  uint8_t head[2] = {};  // the first two of them
+  // The stream ended exactly where its record does and filled its block
+  // exactly: only such a stream is worth copying into another file.
+  bool whole = false;
+};
+
+// Hands inflate the next 8 KiB of a compressed stream of known length.
 class StreamInput {
  public:
-  StreamInput(std::FILE* file, uint32_t length) : file_(file), remaining_(length) {}
+  StreamInput(std::FILE* file, uint32_t length, StreamRead* read) : file_(file), remaining_(length), read_(read) {}
   // Refills the stream's input when it is empty; false when the file ends.
   bool Refill(z_stream* z) {
-    if (z->avail_in > 0 || remaining_ == 0) return true;
-    size_t got = std::fread(buffer_, 1, std::min(remaining_, kInputChunk), file_);
-    if (got == 0) return false;
-    remaining_ -= static_cast<uint32_t>(got);
-    z->next_in = buffer_;
-    z->avail_in = static_cast<uInt>(got);
+    if (z->avail_in > 0) return true;
+    if (at_ == got_) {
+      if (remaining_ == 0) return false;
+      got_ = std::fread(buffer_, 1, std::min(remaining_, kReadChunk), file_);
+      at_ = 0;
+      if (got_ == 0) return false;
+      remaining_ -= static_cast<uint32_t>(got_);
+    }
+    const size_t n = std::min<size_t>(got_ - at_, kChunk);
+    for (size_t i = 0; taken_ + i < 2 && i < n; ++i) read_->head[taken_ + i] = buffer_[at_ + i];
+    read_->crc.Take(buffer_ + at_, n);
+    z->next_in = buffer_ + at_;
+    z->avail_in = static_cast<uInt>(n);
+    at_ += n;
+    taken_ += n;
     return true;
   }
 
  private:
   std::FILE* file_;
-  uint32_t remaining_;
-  unsigned char buffer_[kInputChunk];
+  uint32_t remaining_;  // not yet read from the file
+  StreamRead* read_;
+  unsigned char buffer_[kReadChunk];
+  size_t at_ = 0, got_ = 0;  // what of the buffer is handed out, and filled
+  uint64_t taken_ = 0;
 };
 
-// Runs inflate until the stream ends. `room` is called before every step to
-// point the output at free space, `took` after it with the bytes produced;
-// either returning false fails the stream.
-template <class Room, class Took>
-bool InflateStream(std::FILE* file, uint32_t length, uint32_t* produced, Room room, Took took) {
+// What the output of one inflate step did.
+enum class Took { kMore, kEnough, kFailed };
+
+// Inflates a stream of `length` compressed bytes from `file` for as long as
+// input remains: a stream that lacks its Adler-32, or stops short where its
+// record ends, gives what it holds; only a stream that is corrupt, or a file
+// that ends first, fails. Each step gets 8 KiB of output at window(), and
+// take(out, count) is told what it produced: kEnough ends the reading there
+// with success, kFailed fails it.
+template <class Window, class Take>
+bool InflateStream(std::FILE* file, uint32_t length, StreamRead* read, Window window, Take take) {
   z_stream z{};
   if (inflateInit(&z) != Z_OK) return false;
-  StreamInput input(file, length);
+  StreamInput input(file, length, read);
   int result = Z_OK;
   bool ok = true;
-  while (ok && result != Z_STREAM_END) {
-    if (!input.Refill(&z) || !room(&z)) {
+  while (ok && z.total_in < length) {
+    if (!input.Refill(&z)) {
       ok = false;
       break;
     }
-    uInt before = z.avail_out;
-    uLong consumedBefore = z.total_in;
+    unsigned char* out = window();
+    z.next_out = out;
+    z.avail_out = kChunk;
     result = inflate(&z, Z_PARTIAL_FLUSH);
-    if (result != Z_OK && result != Z_STREAM_END) ok = false;
-    // A stream that neither consumes nor produces is cut short.
-    else if (z.avail_out == before && z.total_in == consumedBefore && result != Z_STREAM_END) ok = false;
-    if (ok && !took(before - z.avail_out)) ok = false;
+    if (result != Z_OK && result != Z_STREAM_END) {
+      ok = false;
+      break;
+    }
+    const Took took = take(out, kChunk - z.avail_out);
+    if (took == Took::kFailed) ok = false;
+    if (took != Took::kMore || result == Z_STREAM_END) break;
   }
-  *produced = static_cast<uint32_t>(z.total_out);
+  read->whole = ok && result == Z_STREAM_END && z.total_in == length;
   if (inflateEnd(&z) != Z_OK) ok = false;
   return ok;
 }
 
 // Inflates a stream of `length` bytes from `file` into `size` zero-filled
 // bytes at `data`, taking the output into `sum` (when given) while it is
-// still in the cache. Touches no block, so it runs on any thread.
-bool InflateInto(std::FILE* file, uint32_t length, uint8_t* data, uint32_t size, uint32_t* produced,
-                 BlockChecksum* sum) {
-  // Output goes straight into the block; once it is full, one spare byte
-  // catches a stream that would write past the stated size.
-  enum { kStart, kInBlock, kSpare } window = kStart;
-  unsigned char spare;
-  uint32_t filled = 0;
-  auto room = [&](z_stream* z) {
-    if (window == kStart) {
-      window = kInBlock;
-      z->next_out = data;
-      z->avail_out = size;
-    } else if (z->avail_out == 0) {
-      if (window == kSpare) return false;
-      window = kSpare;
-      z->next_out = &spare;
-      z->avail_out = 1;
+// still in the cache; *filled receives the bytes the stream put there.
+// Output past the block is dropped; a stream that runs on past it by more
+// than the block again (1 MiB at least) is read no further, so a few bytes
+// cannot keep the loader inflating for hours. Touches no block, so it runs on
+// any thread.
+bool InflateInto(std::FILE* file, uint32_t length, uint8_t* data, uint32_t size, uint32_t* filled,
+                 BlockChecksum* sum, StreamRead* read) {
+  unsigned char spare[kChunk];
+  const uint64_t mayDrop = std::max<uint64_t>(size, 1u << 20);
+  uint64_t dropped = 0;
+  *filled = 0;
+  // Straight into the block while a whole step fits; the last steps go
+  // through `spare`.
+  auto window = [&] { return size - *filled >= kChunk ? data + *filled : spare; };
+  auto take = [&](const unsigned char* out, uInt count) {
+    if (out == spare) {
+      const uint32_t keep = std::min<uint32_t>(count, size - *filled);
+      std::memcpy(data + *filled, spare, keep);
+      dropped += count - keep;
+      count = keep;
     }
-    return true;
+    *filled += count;
+    if (sum) sum->Absorb(data, *filled);
+    return dropped > mayDrop ? Took::kEnough : Took::kMore;
   };
-  auto took = [&](uInt count) {
-    if (window == kSpare) return count == 0;
-    filled += count;
-    if (sum) sum->Absorb(data, filled);
-    return true;
+  const bool ok = InflateStream(file, length, read, window, take);
+  read->whole = read->whole && *filled == size && dropped == 0;
+  return ok;
+}
+
+// Inflates a stream of unknown size into a block made at the first output and
+// grown with each one, up to `limit` bytes (more is a damaged stream).
+BlockHandle InflateGrowing(std::FILE* file, uint32_t length, uint32_t limit, uint32_t* produced, bool* outOfMemory,
+                           StreamRead* read) {
+  BlockHandle block = 0;
+  uint32_t size = 0;
+  unsigned char out[kChunk];
+  auto window = [&] { return out; };
+  auto take = [&](const unsigned char*, uInt count) {
+    if (count == 0) return Took::kMore;
+    if (static_cast<uint64_t>(size) + count > std::min(limit, kMaxPictureBytes)) return Took::kFailed;
+    if (!block ? !(block = GlobalBlockAlloc(count)) : !GlobalBlockReAlloc(block, size + count)) {
+      if (outOfMemory) *outOfMemory = true;
+      return Took::kFailed;
+    }
+    BlockLock lock(block);
+    std::memcpy(lock.bytes() + size, out, count);
+    size += count;
+    return Took::kMore;
   };
-  return InflateStream(file, length, produced, room, took);
+  const bool ok = InflateStream(file, length, read, window, take);
+  // No output at all, an empty stream included, is no block.
+  if (!ok || !block) {
+    if (block) GlobalBlockFree(block);
+    return 0;
+  }
+  *produced = size;
+  return block;
 }
 
 // ---------------------------------------------------------------- saving
@@ -302,11 +359,11 @@ class Saver {
   void StartNextCompression();
   template <class Record>
   bool WriteRecord(Record* record, SavePicture* p);
-  bool Copy(SavePicture* p, StreamEnds* ends);
+  bool Copy(SavePicture* p, StreamCrc* crc);
   template <class Record>
   bool CompressIntoFile(Record* record, uint64_t start, SavePicture* p);
   void Remember(uint64_t offset, uint32_t length, const SavePicture& p, int level, int levelField,
-                const StreamEnds& ends);
+                const StreamCrc& crc);
 
   std::FILE* out_;
   int level_;
@@ -384,12 +441,12 @@ bool Saver::WriteRecord(Record* record, SavePicture* p) {
   if (p->copy && p->known.length > UINT32_MAX - sizeof *record) return CompressIntoFile(record, start, p);
   if (p->copy) {
     record->RecordSize = static_cast<uint32_t>(sizeof *record) + p->known.length;
-    StreamEnds ends;
+    StreamCrc crc;
     if (!WriteAll(out_, record, sizeof *record)) return false;
-    if (Copy(p, &ends)) {
+    if (Copy(p, &crc)) {
       end_ = start + sizeof *record + p->known.length;
       ++counts.copied;
-      Remember(start + sizeof *record, p->known.length, *p, p->known.level, p->known.levelField, ends);
+      Remember(start + sizeof *record, p->known.length, *p, p->known.level, p->known.levelField, crc);
       return true;
     }
     // The file changed under us after all: compress instead, over what was copied.
@@ -406,22 +463,22 @@ bool Saver::WriteRecord(Record* record, SavePicture* p) {
   if (length > UINT32_MAX - sizeof *record) return false;
   record->RecordSize = static_cast<uint32_t>(sizeof *record + length);
   if (!WriteAll(out_, record, sizeof *record)) return false;
-  StreamEnds ends;
+  StreamCrc crc;
   for (const auto& piece : p->pieces) {
-    ends.Take(piece.data(), piece.size());
+    crc.Take(piece.data(), piece.size());
     if (!WriteAll(out_, piece.data(), piece.size())) return false;
   }
   p->pieces.clear();
   p->pieces.shrink_to_fit();
   end_ = start + sizeof *record + length;
   ++counts.compressed;
-  Remember(start + sizeof *record, static_cast<uint32_t>(length), *p, level_, LevelField(level_), ends);
+  Remember(start + sizeof *record, static_cast<uint32_t>(length), *p, level_, LevelField(level_), crc);
   return true;
 }
 
 // Copies the stream the table names; false when the source cannot give
-// exactly its bytes, beginning and ending as they did when recorded.
-bool Saver::Copy(SavePicture* p, StreamEnds* ends) {
+// exactly its bytes, with the CRC-32 they had when recorded.
+bool Saver::Copy(SavePicture* p, StreamCrc* crc) {
   auto found = sources_.find(p->from);
   if (found == sources_.end()) found = sources_.emplace(p->from, std::fopen(p->from.c_str(), "rb")).first;
   std::FILE* source = found->second;
@@ -430,10 +487,10 @@ bool Saver::Copy(SavePicture* p, StreamEnds* ends) {
   for (uint32_t left = p->known.length; left > 0;) {
     const uint32_t n = std::min<uint32_t>(left, static_cast<uint32_t>(copyBuffer_.size()));
     if (!ReadAll(source, copyBuffer_.data(), n) || !WriteAll(out_, copyBuffer_.data(), n)) return false;
-    ends->Take(copyBuffer_.data(), n);
+    crc->Take(copyBuffer_.data(), n);
     left -= n;
   }
-  return std::memcmp(ends->head, p->known.head, 2) == 0 && std::memcmp(ends->tail, p->known.tail, 4) == 0;
+  return crc->crc == p->known.crc;
 }
 
 // The way of old: the record, the stream straight into the file behind it,
@@ -441,10 +498,10 @@ bool Saver::Copy(SavePicture* p, StreamEnds* ends) {
 template <class Record>
 bool Saver::CompressIntoFile(Record* record, uint64_t start, SavePicture* p) {
   if (!WriteAll(out_, record, sizeof *record)) return false;
-  StreamEnds ends;
+  StreamCrc crc;
   uint32_t written;
   if (!DeflateBytes(p->data, p->size, level_, &written, [&](const uint8_t* bytes, uint32_t n) {
-        ends.Take(bytes, n);
+        crc.Take(bytes, n);
         return WriteAll(out_, bytes, n);
       }))
     return false;
@@ -452,12 +509,12 @@ bool Saver::CompressIntoFile(Record* record, uint64_t start, SavePicture* p) {
   end_ = start + sizeof *record + written;
   if (!Seek(out_, start) || !WriteAll(out_, record, sizeof *record) || !Seek(out_, end_)) return false;
   ++counts.compressed;
-  Remember(start + sizeof *record, written, *p, level_, LevelField(level_), ends);
+  Remember(start + sizeof *record, written, *p, level_, LevelField(level_), crc);
   return true;
 }
 
 void Saver::Remember(uint64_t offset, uint32_t length, const SavePicture& p, int level, int levelField,
-                     const StreamEnds& ends) {
+                     const StreamCrc& crc) {
   if (!p.size || length < 6) return;
   KnownStream s;
   s.checksum = p.checksum;
@@ -466,8 +523,7 @@ void Saver::Remember(uint64_t offset, uint32_t length, const SavePicture& p, int
   s.length = length;
   s.level = level;
   s.levelField = levelField;
-  std::memcpy(s.head, ends.head, 2);
-  std::memcpy(s.tail, ends.tail, 4);
+  s.crc = crc.crc;
   written.push_back(s);
 }
 
@@ -478,9 +534,7 @@ struct Inflated {
   bool opened = false;  // the worker could open the file at all
   bool ok = false;
   uint64_t checksum = 0;
-  bool ends = false;  // head and tail read: the whole stream lies in the file
-  uint8_t head[2] = {};
-  uint8_t tail[4] = {};
+  StreamRead stream;
 };
 
 // Replaces the document's month record, freeing the blocks the record held.
@@ -491,25 +545,21 @@ bool ReplaceMonthPage(CalendarDocument document, int month, const MonthPage* pag
   return PutMonthPage(document, month, page);
 }
 
-// Reads the first two and last four bytes of a stream, for the table.
-bool ReadStreamEnds(std::FILE* f, uint64_t at, uint32_t length, Inflated* out) {
-  out->ends = length >= 6 && ReadAt(f, at, out->head, 2) && ReadAt(f, at + length - 4, out->tail, 4);
-  return out->ends;
+// Inflates one stream into `size` bytes at `data` from `f`, with the
+// block's checksum.
+void InflateRecord(std::FILE* f, uint64_t at, uint32_t length, uint8_t* data, uint32_t size, Inflated* out) {
+  BlockChecksum sum;
+  uint32_t filled;
+  out->ok = Seek(f, at) && InflateInto(f, length, data, size, &filled, &sum, &out->stream);
+  if (out->ok) out->checksum = sum.Finish(data, size);
 }
 
-// Inflates one stream into `size` bytes at `data` through a file handle of
-// its own, then reads the stream's ends.
+// The same through a file handle of its own.
 void InflateOnWorker(const char* path, uint64_t at, uint32_t length, uint8_t* data, uint32_t size, Inflated* out) {
   std::FILE* f = std::fopen(path, "rb");
   if (!f) return;
   out->opened = true;
-  BlockChecksum sum;
-  uint32_t produced;
-  out->ok = Seek(f, at) && InflateInto(f, length, data, size, &produced, &sum);
-  if (out->ok) {
-    out->checksum = sum.Finish(data, size);
-    ReadStreamEnds(f, at, length, out);
-  }
+  InflateRecord(f, at, length, data, size, out);
   std::fclose(f);
 }
 
@@ -619,12 +669,12 @@ bool Loader::StartPicture(int index) {
   if (r.dataSize == 0) {
     // Only odd files leave the size out: read such a stream here, in order.
     if (!CommitBefore(index)) return false;
-    uint32_t produced = length;
+    uint32_t produced = 0;
     bool outOfMemory = false;
     BlockHandle block = 0;
     if (Seek(f_, r.streamAt))
-      block = InflateBlockFromFileGrowing(f_, &produced, static_cast<uint32_t>(std::min<uint64_t>(kMaxPictureBytes, budget_)),
-                                          &outOfMemory);
+      block = InflateGrowing(f_, length, static_cast<uint32_t>(std::min<uint64_t>(kMaxPictureBytes, budget_)),
+                             &produced, &outOfMemory, &r.result.stream);
     if (outOfMemory) {
       *failure_ = LoadFailure::kOutOfMemory;
       return false;
@@ -635,7 +685,6 @@ bool Loader::StartPicture(int index) {
       r.result.ok = true;
       BlockLock lock(block);
       r.result.checksum = ChecksumOf(lock.bytes(), GlobalBlockSize(block));
-      ReadStreamEnds(f_, r.streamAt, length, &r.result);
     }
     return true;
   }
@@ -675,13 +724,7 @@ BlockHandle Loader::TakePicture(LoadRecord* r) {
     reserved_ -= r->dataSize;
     if (!r->result.opened) {
       // No second handle on the file: read it with ours instead.
-      uint32_t produced;
-      r->result.ok = Seek(f_, r->streamAt) &&
-                     InflateInto(f_, static_cast<uint32_t>(r->compressed), r->data, r->dataSize, &produced, nullptr);
-      if (r->result.ok) {
-        r->result.checksum = ChecksumOf(r->data, r->dataSize);
-        ReadStreamEnds(f_, r->streamAt, static_cast<uint32_t>(r->compressed), &r->result);
-      }
+      InflateRecord(f_, r->streamAt, static_cast<uint32_t>(r->compressed), r->data, r->dataSize, &r->result);
     }
     GlobalBlockUnlock(r->block);
   }
@@ -701,15 +744,16 @@ bool Loader::CommitNext() {
   const BlockHandle picture = TakePicture(&r);
   if (picture) {
     budget_ -= GlobalBlockSize(picture);
-    if (r.result.ends) {
+    // A stream read only as far as it went is compressed again at the next
+    // save rather than copied on.
+    if (r.result.stream.whole) {
       KnownStream s;
       s.checksum = r.result.checksum;
       s.size = GlobalBlockSize(picture);
       s.offset = r.streamAt;
       s.length = static_cast<uint32_t>(r.compressed);
-      s.levelField = LevelFieldOfStream(r.result.head);
-      std::memcpy(s.head, r.result.head, 2);
-      std::memcpy(s.tail, r.result.tail, 4);
+      s.levelField = LevelFieldOfStream(r.result.stream.head);
+      s.crc = r.result.stream.crc.crc;
       streams.push_back(s);
     }
   }
@@ -861,46 +905,23 @@ BlockHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t 
     if (outOfMemory) *outOfMemory = true;
     return 0;
   }
-  uint32_t produced = 0;
-  bool ok = InflateInto(file, *inOutSize, static_cast<uint8_t*>(GlobalBlockLock(block)), expectedSize, &produced,
-                        nullptr);
+  uint32_t filled = 0;
+  StreamRead read;
+  bool ok = InflateInto(file, *inOutSize, static_cast<uint8_t*>(GlobalBlockLock(block)), expectedSize, &filled,
+                        nullptr, &read);
   GlobalBlockUnlock(block);
   if (!ok) {
     GlobalBlockFree(block);
     return 0;
   }
-  *inOutSize = produced;
+  *inOutSize = filled;
   return block;
 }
 
 BlockHandle InflateBlockFromFileGrowing(std::FILE* file, uint32_t* inOutSize, uint32_t limit, bool* outOfMemory) {
-  BlockHandle block = 0;
-  uint32_t size = 0;
-  unsigned char out[kChunk];
-  auto room = [&](z_stream* z) {
-    z->next_out = out;
-    z->avail_out = kChunk;
-    return true;
-  };
-  // The block is made at the first output and grows with each one.
-  auto took = [&](uInt produced) {
-    if (produced == 0) return true;
-    if (static_cast<uint64_t>(size) + produced > std::min(limit, kMaxPictureBytes)) return false;
-    if (!block ? !(block = GlobalBlockAlloc(produced)) : !GlobalBlockReAlloc(block, size + produced)) {
-      if (outOfMemory) *outOfMemory = true;
-      return false;
-    }
-    BlockLock lock(block);
-    std::memcpy(lock.bytes() + size, out, produced);
-    size += produced;
-    return true;
-  };
   uint32_t produced = 0;
-  bool ok = InflateStream(file, *inOutSize, &produced, room, took);
-  if (!ok || !block) {
-    if (block) GlobalBlockFree(block);
-    return 0;
-  }
-  *inOutSize = produced;
+  StreamRead read;
+  BlockHandle block = InflateGrowing(file, *inOutSize, limit, &produced, outOfMemory, &read);
+  if (block) *inOutSize = produced;
   return block;
 }

@@ -57,13 +57,17 @@ CalendarDocument LoadCalendar(FileProgress* progress, const char* path, LoadFail
 // stream; *inOutSize receives the number of bytes written.
 bool CompressBlockToFile(std::FILE* file, BlockHandle block, uint32_t* inOutSize, int level);
 // Inflates one zlib stream of *inOutSize compressed bytes from `file` into a
-// new block of exactly `expectedSize` bytes; *inOutSize receives the bytes
-// produced. 0 when the stream is damaged or cut short, or would write past
-// `expectedSize` (a shorter stream leaves the rest of the block zero). When the
-// block cannot be allocated, `outOfMemory` (if given) is set.
+// new zero-filled block of exactly `expectedSize` bytes; *inOutSize receives
+// the bytes the stream put in the block. The stream is read while compressed
+// bytes remain, so one that lacks its Adler-32 or stops short gives what it
+// holds (the rest of the block stays zero), and output past `expectedSize`
+// is dropped. 0 when the stream is corrupt or the file ends before
+// *inOutSize bytes. When the block cannot be allocated, `outOfMemory` (if
+// given) is set.
 BlockHandle InflateBlockFromFile(std::FILE* file, uint32_t* inOutSize, uint32_t expectedSize,
                                  bool* outOfMemory = nullptr);
 // The same when the size is not known; the block grows with the output, up to
-// `limit` bytes (more is a damaged stream).
+// `limit` bytes (more is a damaged stream). A stream that gives no output
+// gives no block.
 BlockHandle InflateBlockFromFileGrowing(std::FILE* file, uint32_t* inOutSize, uint32_t limit = kMaxPictureBytes,
                                         bool* outOfMemory = nullptr);

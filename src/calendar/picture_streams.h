@@ -31,8 +31,8 @@ uint64_t ChecksumOf(const uint8_t* data, size_t size);
 int LevelField(int level);
 inline int LevelFieldOfStream(const uint8_t head[2]) { return head[1] >> 6; }
 
-// When and how big a file was: a stream recorded in it may be copied only
-// while both are what they were.
+// When and how big a file was: a stream recorded in it is copied only while
+// both are what they were (and its bytes still have their CRC-32).
 struct FileStamp {
   uint64_t size = 0;
   int64_t modified = 0;  // nanoseconds where the system keeps them
@@ -48,8 +48,10 @@ struct KnownStream {
   uint32_t length = 0;    // its bytes
   int level = 0;          // 1..9 when this program made it, 0 when only read
   int levelField = 0;     // the header's level field
-  uint8_t head[2] = {};   // the stream's first two and last four bytes, which
-  uint8_t tail[4] = {};   // a copy checks before it counts
+  // The CRC-32 of the stream's bytes as they were read or written: a copy
+  // counts only when the bytes it copied have it, so a file changed in place
+  // with its size and time put back is never copied stale.
+  uint32_t crc = 0;
 };
 
 // Forgets what is known of `path`'s streams (all files when null): the file

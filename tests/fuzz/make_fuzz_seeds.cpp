@@ -49,6 +49,44 @@ void SaveSeed(const std::string& path, bool cover, std::initializer_list<int> mo
   FreeCalendar(doc);
 }
 
+std::string ReadBytes(const std::string& path) {
+  std::string bytes;
+  std::FILE* f = std::fopen(path.c_str(), "rb");
+  for (int c; f && (c = std::fgetc(f)) != EOF;) bytes += static_cast<char>(c);
+  if (f) std::fclose(f);
+  return bytes;
+}
+void WriteBytes(const std::string& path, const std::string& bytes) {
+  std::FILE* f = std::fopen(path.c_str(), "wb");
+  std::fwrite(bytes.data(), 1, bytes.size(), f);
+  std::fclose(f);
+}
+
+// A calendar whose March picture comes as `stream`, with `dataSize` stated:
+// the shapes of stream the loader reads as far as they go.
+void SaveStreamSeed(const std::string& path, const std::string& stream, uint32_t dataSize) {
+  SaveSeed(path, false, {});
+  std::string bytes = ReadBytes(path);
+  const size_t march = kHeaderSize + 2 * kMonthPageSize;
+  const uint32_t one = 1, length = static_cast<uint32_t>(kMonthPageSize + stream.size());
+  std::memcpy(&bytes[march + 4], &length, 4);
+  std::memcpy(&bytes[march + offsetof(MonthPage, Picture)], &one, 4);
+  std::memcpy(&bytes[march + offsetof(MonthPage, PictureDataSize)], &dataSize, 4);
+  WriteBytes(path, bytes.insert(march + kMonthPageSize, stream));
+}
+
+void SaveStreamSeeds(const std::string& folder) {
+  BlockHandle picture = SmallPicture(9, 6, 8);
+  const std::string dib(reinterpret_cast<const char*>(BlockLock(picture).bytes()), GlobalBlockSize(picture));
+  GlobalBlockFree(picture);
+  const uint32_t size = static_cast<uint32_t>(dib.size());
+  const std::string whole = Zlib(dib);
+  SaveStreamSeed(folder + "/no-adler.CLN", whole.substr(0, whole.size() - 4), size);
+  SaveStreamSeed(folder + "/stops-short.CLN", Deflated({{dib.substr(0, size / 2), Z_FULL_FLUSH}}), size);
+  SaveStreamSeed(folder + "/runs-on.CLN", Zlib(dib + std::string(700, 'x')), size);
+  SaveStreamSeed(folder + "/size-unstated.CLN", whole.substr(0, whole.size() - 4), 0);
+}
+
 void WriteText(const std::string& path, const char* text) {
   std::FILE* f = std::fopen(path.c_str(), "wb");
   std::fputs(text, f);
@@ -56,12 +94,6 @@ void WriteText(const std::string& path, const char* text) {
 }
 
 // Small pictures of the six image formats, written byte by byte.
-
-void WriteBytes(const std::string& path, const std::string& bytes) {
-  std::FILE* f = std::fopen(path.c_str(), "wb");
-  std::fwrite(bytes.data(), 1, bytes.size(), f);
-  std::fclose(f);
-}
 
 // Rows of `rowBytes` pattern bytes, each after its filter byte.
 std::string Png(int width, int height, int depth, int colourType, int rowBytes, const std::string& palette) {
@@ -95,10 +127,7 @@ std::string Tga(int mapType, int imageType, int mapLength, int depth, int descri
 // `value`: what a damaged or hostile file holds, for the renderer.
 void SaveExtremeSeed(const std::string& path, uint32_t value) {
   SaveSeed(path, true, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11});
-  std::FILE* f = std::fopen(path.c_str(), "rb");
-  std::string bytes;
-  for (int c; (c = std::fgetc(f)) != EOF;) bytes += static_cast<char>(c);
-  std::fclose(f);
+  std::string bytes = ReadBytes(path);
   for (size_t at = 0, next; at + kHeaderSize <= bytes.size(); at = next) {
     char* record = &bytes[at];
     const bool cover = at == 0;
@@ -235,6 +264,7 @@ int main(int argc, char** argv) {
   SaveSeed(root + "/calendar-seeds/plain.CLN", false, {});
   SaveSeed(root + "/calendar-seeds/pictures.CLN", true, {0, 11});
   SaveSeed(root + "/calendar-seeds/march.CLN", false, {2});
+  SaveStreamSeeds(root + "/calendar-seeds");
   SaveSeed(root + "/render-seeds/pictures.CLN", true, {0, 5, 11});
   for (uint32_t value : {0x80000000u, 0x7FFFFFFFu, 0xFFFFFFFFu, 100000u})
     SaveExtremeSeed(root + "/render-seeds/extreme-" + std::to_string(value) + ".CLN", value);

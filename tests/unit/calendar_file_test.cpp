@@ -319,55 +319,80 @@ TEST_F(CalendarFileTest, ATruncatedPictureStreamAsksAndYesKeepsTheRest) {
   EXPECT_EQ(LoadBytes(bytes.substr(0, januaryEnd - 10)), 0u);
 }
 
-TEST_F(CalendarFileTest, DamagedStreamsAndHostileSizesAreDamagedRecords) {
-  const std::string good = SavedWith({1});
-  const size_t feb = U32At(good, 4) + kMonthPageSize;
-  const uint32_t febLength = U32At(good, feb + 4);
+// A picture stream is inflated for as long as its record has bytes: one that
+// lacks only its checksum, stops short where its record ends, or runs on past
+// its stated size keeps its picture, and the next save writes it whole. Only a
+// corrupt stream, a picture that is no Dib, or sizes no real file has are
+// damaged records.
+TEST_F(CalendarFileTest, PictureStreamsAreReadAsFarAsTheirRecordGoes) {
+  Doc doc(WithPictures({1}));
+  ASSERT_EQ(Save(doc, path_), 1);
+  const std::string good = ReadFile(path_);
+  const std::vector<uint8_t> pixels = BlockBytes(Page(doc, 1).Picture);
+  const std::string dib(pixels.begin(), pixels.end()), z = image_bytes::Zlib(dib), corrupt = "\xFF\xFF\xFF\xFF";
+  const uint32_t size = static_cast<uint32_t>(dib.size());
+  const std::string half = image_bytes::Deflated({{dib.substr(0, size / 2), Z_FULL_FLUSH}});
+  std::string flipped = z, wrongSum = z;
+  flipped[40] ^= 0x55;
+  wrongSum.back() ^= 1;
 
+  enum Outcome { kKept, kFirstHalfKept, kAsks, kFails };  // kFails: the record after it is lost, no question
   struct Case {
     const char* what;
-    void (*damage)(std::string* bytes, size_t feb, uint32_t febLength);
-    bool asks = true;  // false: the picture reads, but the next record is not where the file says
+    std::string stream;
+    uint32_t dataSize;
+    Outcome outcome;
+    uint32_t recordSize = 0;  // 0: the record and the stream
   };
   const Case cases[] = {
-      {"a flipped byte inside the stream",
-       [](std::string* b, size_t f, uint32_t) { (*b)[f + kMonthPageSize + 40] ^= 0x55; }},
-      {"a stated size smaller than the picture",
-       [](std::string* b, size_t f, uint32_t) {
-         PutU32(b, f + offsetof(MonthPage, PictureDataSize), 100);
-       }},
-      {"an absurd stated size",
-       [](std::string* b, size_t f, uint32_t) {
-         PutU32(b, f + offsetof(MonthPage, PictureDataSize), 0xFFFFFFF0u);
-       }},
-      {"a stated size no stream of this length can fill",
-       [](std::string* b, size_t f, uint32_t) {
-         PutU32(b, f + offsetof(MonthPage, PictureDataSize), 400u << 20);
-       }},
-      {"a record size smaller than the record",
-       [](std::string* b, size_t f, uint32_t) { PutU32(b, f + 4, 100); }},
-      {"a record size beyond the end of the file",
-       [](std::string* b, size_t f, uint32_t) { PutU32(b, f + 4, 0x7FFFFFF0u); }, false},
-      {"a stream of something that is not a picture",
-       [](std::string* b, size_t f, uint32_t len) {
-         const std::string z = image_bytes::Zlib(std::string(200, 'j'));
-         b->replace(f + kMonthPageSize, len - kMonthPageSize, z);
-         PutU32(b, f + 4, kMonthPageSize + static_cast<uint32_t>(z.size()));
-         PutU32(b, f + offsetof(MonthPage, PictureDataSize), 200);
-       }},
+      {"without its Adler-32", z.substr(0, z.size() - 4), size, kKept},
+      {"without its Adler-32 or its stated size", z.substr(0, z.size() - 4), 0, kKept},
+      {"with a wrong Adler-32", wrongSum, size, kAsks},
+      {"stopping short where its record ends", half, size, kFirstHalfKept},
+      {"stopping short, its size not stated (a Dib shorter than its header)", half, 0, kAsks},
+      {"running on past its stated size", image_bytes::Zlib(dib + std::string(3000, 'x')), size, kKept},
+      {"running on past its stated size into corrupt data",
+       image_bytes::Deflated({{dib + std::string(3000, 'x'), Z_FULL_FLUSH}}) + corrupt, size, kAsks},
+      {"running on past its block by more than a mebibyte, corrupt only after that",
+       image_bytes::Deflated({{dib + std::string(3 << 20, 'x'), Z_FULL_FLUSH}}) + corrupt, size, kKept},
+      {"followed by other bytes inside its record", z + std::string(30, '\x5A'), size, kKept},
+      {"with a flipped byte inside", flipped, size, kAsks},
+      {"a stated size smaller than the picture", z, 100, kAsks},
+      {"an absurd stated size", z, 0xFFFFFFF0u, kAsks},
+      {"a stated size no stream of this length can fill", z, 400u << 20, kAsks},
+      {"of something that is not a picture", image_bytes::Zlib(std::string(200, 'j')), 200, kAsks},
+      {"a record size smaller than the record", z, size, kAsks, 100},
+      {"a record size beyond the end of the file", z, size, kFails, 0x7FFFFFF0u},
   };
+  const size_t feb = U32At(good, 4) + kMonthPageSize;
+  const std::string second = dir_.File("second.CLN");
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     std::string bytes = good;
-    c.damage(&bytes, feb, febLength);
+    bytes.replace(feb + kMonthPageSize, U32At(good, feb + 4) - kMonthPageSize, c.stream);
+    PutU32(&bytes, feb + 4, c.recordSize ? c.recordSize : kMonthPageSize + static_cast<uint32_t>(c.stream.size()));
+    PutU32(&bytes, feb + offsetof(MonthPage, PictureDataSize), c.dataSize);
     int questions = 0;
-    EXPECT_EQ(LoadBytes(bytes, false, &questions), 0u);
-    EXPECT_EQ(questions, c.asks ? 1 : 0);
-    Doc back(Load(path_, true, &questions));
-    if (back) {
-      EXPECT_EQ(Page(back, 1).Picture, 0u);
-      EXPECT_EQ(Page(back, 1).PictureShowPicture, 0);
+    Doc back(LoadBytes(bytes, false, &questions));
+    EXPECT_EQ(questions, c.outcome == kAsks ? 1 : 0);
+    EXPECT_EQ(back != 0, c.outcome == kKept || c.outcome == kFirstHalfKept);
+    if (c.outcome == kAsks) {
+      back.reset(Load(path_, true, &questions));
+      if (back) {  // unless the next record is not where this one says it ends
+        EXPECT_EQ(Page(back, 1).Picture, 0u);
+        EXPECT_EQ(Page(back, 1).PictureShowPicture, 0);
+      }
     }
+    if (!back || c.outcome == kAsks) continue;
+    std::vector<uint8_t> expected = pixels;
+    if (c.outcome == kFirstHalfKept) std::fill(expected.begin() + size / 2, expected.end(), 0);
+    EXPECT_EQ(BlockBytes(Page(back, 1).Picture), expected);
+    EXPECT_EQ(Page(back, 1).PictureShowPicture, 1);
+    // The cover's stream is copied; February's is written anew, whole.
+    ForgetPictureStreams(second.c_str());
+    ASSERT_EQ(Save(back, second), 1);
+    EXPECT_EQ(LastSaveStreamCounts().copied, 1);
+    EXPECT_EQ(LastSaveStreamCounts().compressed, 1);
   }
 }
 
@@ -520,6 +545,18 @@ TEST_F(CalendarFileTest, UnchangedPicturesAreCopiedFromTheFileTheyCameFrom) {
          std::ofstream(first, std::ios::app) << 'x';
          fs::last_write_time(first, time);
        }, 6, 0},
+      {"a byte in the middle of May's stream, in place, the file's time put back",
+       6, true, [](CalendarDocument, const std::string& first) {
+         const auto time = fs::last_write_time(first);
+         const StreamSpan may = StreamSpans(ReadFile(first))[6];
+         std::fstream file(first, std::ios::in | std::ios::out | std::ios::binary);
+         file.seekg(static_cast<std::streamoff>(may.at + may.length / 2));
+         const char byte = static_cast<char>(file.get() ^ 0x10);
+         file.seekp(static_cast<std::streamoff>(may.at + may.length / 2));
+         file.put(byte);
+         file.close();
+         fs::last_write_time(first, time);
+       }, 6, 3},
   };
   const std::string second = dir_.File("second.CLN");
   for (const Case& c : cases) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace image_bytes {
@@ -37,6 +38,28 @@ inline std::string Zlib(const std::string& raw) {
   compress(reinterpret_cast<Bytef*>(&z[0]), &size, reinterpret_cast<const Bytef*>(raw.data()), raw.size());
   z.resize(size);
   return z;
+}
+
+// `parts` deflated one after the other as one zlib stream, each ended with
+// its flush: a part ended by Z_FULL_FLUSH with no Z_FINISH after it makes a
+// stream that stops short there, having given exactly the bytes before it.
+inline std::string Deflated(const std::vector<std::pair<std::string, int>>& parts) {
+  z_stream z{};
+  deflateInit(&z, 6);
+  std::string out;
+  unsigned char buffer[4096];
+  for (const auto& [raw, flush] : parts) {
+    z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(raw.data()));
+    z.avail_in = static_cast<uInt>(raw.size());
+    do {
+      z.next_out = buffer;
+      z.avail_out = sizeof buffer;
+      deflate(&z, flush);
+      out.append(reinterpret_cast<char*>(buffer), sizeof buffer - z.avail_out);
+    } while (z.avail_out == 0);
+  }
+  deflateEnd(&z);
+  return out;
 }
 
 // A PNG of the given scanlines, each opening with its filter byte.
