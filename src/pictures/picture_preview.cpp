@@ -5,37 +5,9 @@
 #include <vector>
 
 #include "base/dib.h"
+#include "pictures/picture_reduce.h"
 
 namespace {
-
-// Row `y` (0 at the top) of a Dib's pixels as blue, green, red triples.
-void ReadRow(const uint8_t* dib, int32_t y, uint8_t* out) {
-  const auto& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
-  const int32_t rows = h.biHeight < 0 ? -h.biHeight : h.biHeight;
-  const uint8_t* bits = dib + DibBitsOffset(h);
-  const uint8_t* row = bits + DibRowStride(h.biWidth, h.biBitCount) * static_cast<uint64_t>(h.biHeight < 0 ? y : rows - 1 - y);
-  const RgbQuad* table = reinterpret_cast<const RgbQuad*>(dib + h.biSize);
-  for (int32_t x = 0; x < h.biWidth; ++x, out += 3) {
-    switch (h.biBitCount) {
-      case 1:
-      case 4:
-      case 8: {
-        const int per = 8 / h.biBitCount, shift = 8 - h.biBitCount * (x % per + 1);
-        const RgbQuad& c = table[(row[x / per] >> shift) & ((1 << h.biBitCount) - 1)];
-        out[0] = c.rgbBlue, out[1] = c.rgbGreen, out[2] = c.rgbRed;
-        break;
-      }
-      case 16: {  // 5-5-5
-        const unsigned v = row[2 * x] | row[2 * x + 1] << 8;
-        out[0] = static_cast<uint8_t>((v & 31) * 255 / 31);
-        out[1] = static_cast<uint8_t>((v >> 5 & 31) * 255 / 31);
-        out[2] = static_cast<uint8_t>((v >> 10 & 31) * 255 / 31);
-        break;
-      }
-      default: std::memcpy(out, row + static_cast<size_t>(x) * (h.biBitCount / 8), 3);
-    }
-  }
-}
 
 // How much of source cell [i, i + 1) the target cell [t, t + 1) covers, all
 // measured in units of 1/(source * target): target cell t spans source
@@ -86,7 +58,7 @@ BlockHandle DibResampled(BlockHandle source, int32_t width, int32_t height) {
     const Span s = Cover(t, sh, height);
     for (int64_t i = s.first; i <= s.last; ++i) {
       if (i != spread) {
-        ReadRow(in.bytes(), static_cast<int32_t>(i), row.data());
+        DibRowBgr(in.bytes(), static_cast<int32_t>(i), row.data());
         Across(row, sw, width, &across);
         spread = i;
       }
