@@ -7,6 +7,8 @@
 #include <dlgs.h>
 #include <prsht.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -56,7 +58,12 @@ TEST_F(YearSheetTest, OkGivesTheHeaderTheYearItsPageAndItsCover) {
     EXPECT_TRUE(Checked(cover, IDC_COVER_CENTRE));
     Press(cover, IDC_COVER_SELECT);
   });
-  ChoosePictureFile(&driver, ProgramFolder() + "Meadow.jpg");
+  // A phone's photograph taken held sideways (EXIF orientation 8).
+  const char* photos = std::getenv("QUERNAL_TEST_PHOTOS");
+  ASSERT_TRUE(photos) << "the prepared photographs";
+  std::string photo = std::string(photos) + "\\MM8.jpg";
+  std::replace(photo.begin(), photo.end(), '/', '\\');
+  ChoosePictureFile(&driver, photo);
   driver.Then("Year", [](HWND sheet) {
     HWND cover = CurrentTab(sheet);
     EXPECT_TRUE(Checked(cover, IDC_COVER_SHOW)) << "a picture chosen is shown";
@@ -94,7 +101,8 @@ TEST_F(YearSheetTest, OkGivesTheHeaderTheYearItsPageAndItsCover) {
   EXPECT_EQ(header_.UseCurrentYear, 1);
   EXPECT_EQ(header_.YagShadow, 0);
   ASSERT_NE(header_.CoverPicture, 0u);
-  EXPECT_EQ(BlockLock(header_.CoverPicture).as<BitmapInfoHeader>()->biWidth, 640);
+  EXPECT_EQ(BlockLock(header_.CoverPicture).as<BitmapInfoHeader>()->biWidth, 200) << "upright";
+  EXPECT_EQ(BlockLock(header_.CoverPicture).as<BitmapInfoHeader>()->biHeight, 300);
   EXPECT_EQ(header_.CoverPictureShowPicture, 1);
   EXPECT_STREQ(header_.CoverTitle, "Our year");
   EXPECT_EQ(header_.CoverFontPlacement, 2);
