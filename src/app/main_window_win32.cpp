@@ -167,12 +167,25 @@ BlockHandle PagePicture() {
   return shown < 12 && GetMonthPage(App.document, shown, &page) ? page.Picture : 0;
 }
 
+// The View menu names the months as the pages do (the names Setup gives
+// them), each with its first letter as access key, and marks the page shown.
+void UpdateViewMenu(HMENU menu, int shown) {
+  for (int month = 0; month < 12; ++month) {
+    std::string text = "&";
+    for (const char* c = MonthName(month); *c; ++c) text += *c == '&' ? std::string("&&") : std::string(1, *c);
+    ModifyMenuA(menu, IDM_PAGE_JANUARY + month, MF_BYCOMMAND | MF_STRING, IDM_PAGE_JANUARY + month, text.c_str());
+  }
+  for (int id = IDM_PAGE_JANUARY; id <= IDM_PAGE_COVER; ++id)
+    CheckMenuItem(menu, id, MF_BYCOMMAND | (id - IDM_PAGE_JANUARY == shown ? MF_CHECKED : MF_UNCHECKED));
+}
+
 // The commands that need a month page are greyed while the year or the
 // cover is shown; Cut and Copy need a picture on it, Paste one on the
 // clipboard.
 void UpdatePageCommands(HWND window) {
   const int page = CurrentPage();
   HMENU menu = GetMenu(window);
+  UpdateViewMenu(menu, page);
   for (int id : {IDM_EDIT_MONTH, IDM_REPLICATE, IDM_EVENTS})
     EnableMenuItem(menu, id, MF_BYCOMMAND | (CommandActsOnPage(id, page) ? MF_ENABLED : MF_GRAYED));
   const bool month = page < 12, picture = PagePicture() != 0;
@@ -261,7 +274,7 @@ void EditYear(HWND window) {
 }
 
 // Setup: new names and the first day of the week show on the open calendar
-// at once, and a new theme on the toolbar.
+// and in the View menu at once, and a new theme on the toolbar.
 void Setup(HWND window) {
   const std::string theme = Settings.ThemeCurrent;
   if (!EditSetup(window)) return;
@@ -272,6 +285,7 @@ void Setup(HWND window) {
     FitToolbar(window, client.right);
     LayOutChildren(window);
   }
+  UpdatePageCommands(window);  // the View menu's month names
   RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
@@ -439,7 +453,9 @@ void Command(HWND window, int id) {
     case IDM_ABOUT: ShowAboutBox(window); return;
     case IDM_SYSTEM_INFORMATION: ShowSystemInformation(window); return;
     case IDM_EDIT_YEAR_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_YEAR, 0);
-    case IDM_EDIT_PAGE_BUTTON: return (void)PostMessageA(window, WM_COMMAND, IDM_EDIT_MONTH, 0);
+    // "Edits current page": the year sheet edits the year page and the cover.
+    case IDM_EDIT_PAGE_BUTTON:
+      return (void)PostMessageA(window, WM_COMMAND, CurrentPage() < 12 ? IDM_EDIT_MONTH : IDM_EDIT_YEAR, 0);
     case IDM_EDIT_MONTH: return EditMonth(window);
     case IDM_EDIT_YEAR: return EditYear(window);
     case IDM_SETUP: return Setup(window);
@@ -492,6 +508,10 @@ void KeyDown(HWND window, WPARAM key) {
   // The menu says Ctrl+0; Ctrl+O, which users expect, opens as well.
   if (control && (key == 'O' || key == '0')) return Command(window, IDM_OPEN);
   if (control && key == 'S') return Command(window, IDM_SAVE);
+  // Ctrl+Page Down and Ctrl+Page Up go through the pages in the View menu's
+  // order: January to December, the year, the cover, and round again.
+  if (control && (key == VK_NEXT || key == VK_PRIOR))
+    return Command(window, IDM_PAGE_JANUARY + (CurrentPage() + (key == VK_NEXT ? 1 : 13)) % 14);
   const struct {
     WPARAM key;
     int bar, request;

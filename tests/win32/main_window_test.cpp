@@ -97,12 +97,44 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
     int command;
     bool monthPage;
   } pages[] = {{310, true}, {IDM_PAGE_YEAR, false}, {321, true}, {IDM_PAGE_COVER, false}, {314, true}};
+  HMENU menu = GetMenu(window());
   for (const auto& page : pages) {
     Command(page.command);
     for (int id : {IDM_EDIT_MONTH, IDM_REPLICATE, IDM_EVENTS})
       EXPECT_EQ(Greyed(id), !page.monthPage) << "command " << id << " on page " << page.command;
     EXPECT_FALSE(Greyed(IDM_EDIT_YEAR));
     EXPECT_EQ(Title(), title) << "the title names the document, not the page shown";
+    for (int id = IDM_PAGE_JANUARY; id <= IDM_PAGE_COVER; ++id)
+      EXPECT_EQ((GetMenuState(menu, id, MF_BYCOMMAND) & MF_CHECKED) != 0, id == page.command) << id;
+  }
+  // Ctrl+Page Down and Up go round the pages in the View menu's order.
+  const auto controlKey = [this](WPARAM key) {
+    BYTE keys[256], held[256];
+    GetKeyboardState(keys);
+    std::copy(keys, keys + 256, held);
+    held[VK_CONTROL] = 0x80;
+    SetKeyboardState(held);
+    SendMessageA(window(), WM_KEYDOWN, key, 0);
+    SetKeyboardState(keys);
+  };
+  const struct {
+    WPARAM key;
+    int from, to;
+  } steps[] = {{VK_NEXT, 314, 315}, {VK_PRIOR, 310, IDM_PAGE_COVER}, {VK_NEXT, IDM_PAGE_COVER, 310},
+               {VK_NEXT, 321, IDM_PAGE_YEAR}};
+  for (const auto& step : steps) {
+    Command(step.from);
+    controlKey(step.key);
+    EXPECT_TRUE(GetMenuState(menu, step.to, MF_BYCOMMAND) & MF_CHECKED) << step.from << " to " << step.to;
+  }
+  // The toolbar's "Edits current page" edits the year and the cover in the year sheet.
+  {
+    DialogDriver sheet;
+    sheet.Then("Year", [](HWND year) { Press(year, IDCANCEL); });
+    Command(IDM_PAGE_COVER);
+    Command(IDM_EDIT_PAGE_BUTTON);
+    Pump(300);
+    EXPECT_TRUE(sheet.Finished()) << "no year sheet";
   }
   // A calendar opened on its cover comes in with the month commands greyed.
   Command(IDM_PAGE_COVER);
@@ -138,7 +170,9 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
   if (copied) GlobalUnlock(copied);
   CloseClipboard();
 
-  // A theme chosen in Setup shows on the toolbar at once.
+  // A theme chosen in Setup shows on the toolbar at once, and months renamed
+  // in the View menu.
+  CopyText(Settings.MonthMarch, sizeof Settings.MonthMarch, "M\xE4rz & Co");
   driver.Then("Setup", [](HWND sheet) { Press(PropSheet_GetCurrentPageHwnd(sheet), IDC_SETUP_THEME); });
   driver.Then("Choose Theme", [](HWND box) {
     SendDlgItemMessageA(box, IDC_THEME_LIST, LB_SELECTSTRING, static_cast<WPARAM>(-1),
@@ -151,6 +185,9 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
   char theme[MAX_PATH] = "";
   GetModuleFileNameA(ThemeModule(), theme, sizeof theme);
   EXPECT_EQ(std::string(theme), ProgramFolder() + "THEME_Ink.dll");
+  char march[64] = "";
+  GetMenuStringA(menu, 312, march, sizeof march, MF_BYCOMMAND);
+  EXPECT_EQ(std::string(march), "&M\xE4rz && Co");
 }
 
 // Edit month opens the page sheet on month pages only, Edit year the year
