@@ -18,6 +18,7 @@
 #endif
 
 #include "base/dib.h"
+#include "base/regular_file.h"
 #include "base/replace_file.h"
 #include "base/text.h"
 #include "calendar/calendar_dates.h"
@@ -480,7 +481,7 @@ bool Saver::WriteRecord(Record* record, SavePicture* p) {
 // exactly its bytes, with the CRC-32 they had when recorded.
 bool Saver::Copy(SavePicture* p, StreamCrc* crc) {
   auto found = sources_.find(p->from);
-  if (found == sources_.end()) found = sources_.emplace(p->from, std::fopen(p->from.c_str(), "rb")).first;
+  if (found == sources_.end()) found = sources_.emplace(p->from, OpenRegularFile(p->from.c_str(), false)).first;
   std::FILE* source = found->second;
   if (!source || !Seek(source, p->known.offset)) return false;
   copyBuffer_.resize(1 << 20);
@@ -556,7 +557,7 @@ void InflateRecord(std::FILE* f, uint64_t at, uint32_t length, uint8_t* data, ui
 
 // The same through a file handle of its own.
 void InflateOnWorker(const char* path, uint64_t at, uint32_t length, uint8_t* data, uint32_t size, Inflated* out) {
-  std::FILE* f = std::fopen(path, "rb");
+  std::FILE* f = OpenRegularFile(path, false);
   if (!f) return;
   out->opened = true;
   InflateRecord(f, at, length, data, size, out);
@@ -864,7 +865,8 @@ CalendarDocument LoadCalendar(FileProgress* progress, const char* path, LoadFail
   const bool stamped = ReadFileStamp(path, &before);
   CalendarDocument document = CreateCalendar(today.year, today.month - 1);
   if (!document) why = LoadFailure::kOutOfMemory;
-  std::FILE* f = document ? std::fopen(path, "rb") : nullptr;
+  // A FIFO or a device given as a calendar is refused at once, never waited on.
+  std::FILE* f = document ? OpenRegularFile(path, false) : nullptr;
   static char buffer[1 << 16];
   if (f) std::setvbuf(f, buffer, _IOFBF, sizeof buffer);
   bool ok = false;

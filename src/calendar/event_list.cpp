@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/regular_file.h"
 #include "base/replace_file.h"
 #include "base/text.h"
 #include "calendar/calendar_dates.h"
@@ -45,12 +46,6 @@ bool CopyLine(const char* line, std::FILE* out) {
   return (length && line[length - 1] == '\n') || std::fputc('\n', out) != EOF;
 }
 
-// The size of an open file, or -1.
-long FileSize(std::FILE* f) {
-  if (std::fseek(f, 0, SEEK_END) != 0) return -1;
-  const long size = std::ftell(f);
-  return std::fseek(f, 0, SEEK_SET) == 0 ? size : -1;
-}
 }  // namespace
 
 std::string EventFilePath(const char* name) { return JoinPath(Settings.ApplicationPath, std::string(name) + ".CDF"); }
@@ -59,10 +54,12 @@ bool IsPlainListName(const char* name) { return IsPlainFileName(name); }
 
 BlockHandle LoadEventList(const char* name) {
   if (!IsPlainListName(name)) return 0;
-  std::FILE* f = std::fopen(EventFilePath(name).c_str(), "rt");
+  // Only a regular file: a FIFO is not waited on, and a device such as
+  // /dev/zero is never read.
+  uint64_t size = 0;
+  std::FILE* f = OpenRegularFile(EventFilePath(name).c_str(), true, &size);
   if (!f) return 0;
-  const long size = FileSize(f);
-  if (size < 0 || size > kMaxEventFileBytes) {
+  if (size > static_cast<uint64_t>(kMaxEventFileBytes)) {
     std::fclose(f);
     return 0;
   }

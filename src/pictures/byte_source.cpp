@@ -3,6 +3,7 @@
 #include <cstring>
 #include <new>
 
+#include "base/regular_file.h"
 #include "pictures/image_files.h"
 
 bool MemorySource::Read(uint64_t offset, void* to, size_t n) {
@@ -13,28 +14,22 @@ bool MemorySource::Read(uint64_t offset, void* to, size_t n) {
 
 namespace {
 
-// The file's size, or -1 when it cannot be told or is too large to be a
-// picture of ours.
-long FileSize(std::FILE* f) {
-  if (std::fseek(f, 0, SEEK_END) != 0) return -1;
-  long size = std::ftell(f);
-  if (std::fseek(f, 0, SEEK_SET) != 0) return -1;
-  if (size < 0 || static_cast<unsigned long>(size) > kMaxImageBytes) return -1;
-  return size;
+// `path` open for reading when it is a regular file small enough to be a
+// picture of ours; nullptr otherwise (a FIFO or a device is never waited on).
+std::FILE* OpenPictureFile(const char* path, uint64_t* size) {
+  std::FILE* f = OpenRegularFile(path, false, size);
+  if (f && *size > kMaxImageBytes) {
+    std::fclose(f);
+    return nullptr;
+  }
+  return f;
 }
 
 }  // namespace
 
 FileSource::FileSource(const char* path) {
-  std::FILE* f = path ? std::fopen(path, "rb") : nullptr;
-  if (!f) return;
-  long size = FileSize(f);
-  if (size < 0) {
-    std::fclose(f);
-    return;
-  }
-  file_ = f;
-  size_ = static_cast<uint64_t>(size);
+  file_ = OpenPictureFile(path, &size_);
+  if (!file_) size_ = 0;
 }
 
 FileSource::~FileSource() {
@@ -51,16 +46,14 @@ bool FileSource::Read(uint64_t offset, void* to, size_t n) {
 
 FileBytes ReadWholeFile(const char* path) {
   FileBytes bytes;
-  std::FILE* f = path ? std::fopen(path, "rb") : nullptr;
+  uint64_t size = 0;
+  std::FILE* f = OpenPictureFile(path, &size);
   if (!f) return bytes;
-  long size = FileSize(f);
-  if (size >= 0) {
-    // One byte more than needed, so an empty file still has a buffer.
-    std::unique_ptr<uint8_t[]> data(new (std::nothrow) uint8_t[static_cast<size_t>(size) + 1]);
-    if (data && std::fread(data.get(), 1, static_cast<size_t>(size), f) == static_cast<size_t>(size)) {
-      bytes.data = std::move(data);
-      bytes.size = static_cast<size_t>(size);
-    }
+  // One byte more than needed, so an empty file still has a buffer.
+  std::unique_ptr<uint8_t[]> data(new (std::nothrow) uint8_t[static_cast<size_t>(size) + 1]);
+  if (data && std::fread(data.get(), 1, static_cast<size_t>(size), f) == static_cast<size_t>(size)) {
+    bytes.data = std::move(data);
+    bytes.size = static_cast<size_t>(size);
   }
   std::fclose(f);
   return bytes;

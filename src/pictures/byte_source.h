@@ -28,7 +28,8 @@ class MemorySource : public ByteSource {
 
 class FileSource : public ByteSource {
  public:
-  // Opens `path` for reading; ok() is false when it cannot be opened or is
+  // Opens `path` for reading; ok() is false when it cannot be opened, is no
+  // regular file (a FIFO or a device is refused without waiting) or is
   // larger than kMaxImageBytes.
   explicit FileSource(const char* path);
   ~FileSource() override;
@@ -44,8 +45,8 @@ class FileSource : public ByteSource {
   uint64_t position_ = 0;  // seeking only when a read does not follow the last one
 };
 
-// A whole file in memory, or empty data when it cannot be read or is larger
-// than kMaxImageBytes.
+// A whole file in memory, or empty data when it cannot be read, is no
+// regular file or is larger than kMaxImageBytes.
 struct FileBytes {
   std::unique_ptr<uint8_t[]> data;
   size_t size = 0;

@@ -1,6 +1,9 @@
 // quernal-cli driven as a user drives it: a process with arguments, its
 // output and its exit code.
+#include <sys/stat.h>
+
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
@@ -186,4 +189,39 @@ TEST_F(CliTest, SettingsPrintsWhatTheProgramWouldWrite) {
   EXPECT_TRUE(Has(r.out, "\nApplicationPath = \n"));
   EXPECT_EQ(r.out.substr(r.out.size() - 44), ";----- Menu items ------\n[QuernalMenuItems]\n");
   EXPECT_EQ(Cli("settings --ini " + Q(config.File("absent.ini"))).status, 1);
+}
+
+// What is opened for reading is never waited on, nor read without end: a FIFO
+// given as a picture or a calendar, or lying in the program's folder as a
+// page's events file, is refused at once, and a link to /dev/zero as an
+// events file loads no list. `timeout` ends a command that waits (status
+// 124), so a hang fails the test instead of stalling it.
+TEST_F(CliTest, AFifoOrADeviceIsRefusedWithoutWaiting) {
+  const std::string fifo = dir_.File("fifo.png"), cal = dir_.File("cal.CLN");
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0644), 0);
+  ASSERT_EQ(Cli("new --year 2027 -o " + Q(cal)).status, 0);
+  ASSERT_EQ(Cli("set " + Q(cal) + " --page 4 DaysName=Zero").status, 0);
+  const std::string waitAtMost = "timeout 20 ";
+  const struct {
+    std::string args;
+    const char* says;
+  } refused[] = {
+      {"new --year 2027 --pictures " + Q(fifo) + " -o " + Q(dir_.File("new.CLN")), "fifo.png: cannot be read"},
+      {"set " + Q(cal) + " --page 3 --picture " + Q(fifo), "fifo.png: cannot be read"},
+      {"info " + Q(fifo), kLoadFailedMessage},
+  };
+  for (const auto& c : refused) {
+    const CliRun r = Cli(c.args, waitAtMost);
+    EXPECT_EQ(r.status, 1) << c.args << "\n" << r.err;
+    EXPECT_TRUE(Has(r.err, c.says)) << r.err;
+  }
+  EXPECT_FALSE(FileExists(dir_.File("new.CLN")));
+
+  TempDir app;
+  ASSERT_EQ(mkfifo(app.File("General.CDF").c_str(), 0644), 0);
+  std::filesystem::create_symlink("/dev/zero", app.File("Zero.CDF"));
+  const CliRun r = Cli("info " + Q(cal) + " --app-dir " + Q(app.path()), waitAtMost);
+  ASSERT_EQ(r.status, 0) << r.err;
+  EXPECT_TRUE(Has(r.out, "\"DaysName\": \"Zero\",")) << r.out;
+  EXPECT_FALSE(Has(r.out, "\"days\"")) << "no page has a list";
 }
