@@ -44,6 +44,8 @@
 // or saved; a folder in which no new file may be made.
 #define IDS_FILE_CHANGED_ON_DISK 166
 #define IDS_FOLDER_REFUSES 167
+// A picture dropped on the year page.
+#define IDS_YEAR_HAS_NO_PICTURE 168
 // The colour dialog's questions.
 #define IDS_COLOUR_EXISTS 170
 #define IDS_COLOUR_DELETE 171

@@ -4,6 +4,8 @@
 #include <shellapi.h>
 #include <shlobj.h>
 
+#include <cstdio>
+#include <cstring>
 #include <string>
 
 #include "app/about_box_win32.h"
@@ -230,14 +232,55 @@ void ClipboardCommand(HWND window, int id) {
   if (id == IDM_CUT) SetPagePicture(window, 0);
 }
 
-// A picture file dropped on the window becomes the month page's picture, as
-// if chosen with "Select...".
+// True for a calendar file: by its extension, or by the header's first bytes.
+bool IsCalendarFile(const char* path) {
+  const char* dot = std::strrchr(FileNamePart(path), '.');
+  if (dot && lstrcmpiA(dot, ".CLN") == 0) return true;
+  uint32_t magic = 0;
+  std::FILE* f = std::fopen(path, "rb");
+  const bool read = f && std::fread(&magic, sizeof magic, 1, f) == 1;
+  if (f) std::fclose(f);
+  return read && magic == kHeaderMagic;
+}
+
+// The cover gets `picture` as the cover tab's Select... gives it: shown.
+void SetCoverPicture(HWND window, BlockHandle picture) {
+  CalendarHeader header;
+  if (!GetHeader(App.document, &header)) {
+    GlobalBlockFree(picture);
+    return (void)ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
+  }
+  if (header.CoverPicture) GlobalBlockFree(header.CoverPicture);
+  header.CoverPicture = picture;
+  header.CoverPictureShowPicture = 1;
+  header.Changed = 1;
+  if (!PutHeader(App.document, &header)) ShowMessage(window, IDS_PAGE_ACCESS_FAILED);
+  InvalidateRect(window, nullptr, TRUE);
+}
+
+// A calendar dropped on the window opens as File, Open opens it; a picture
+// becomes the picture of the month page or the cover shown, as if chosen
+// with "Select..."; the year page has none to take.
 void FilesDropped(HWND window, HDROP drop) {
   char path[MAX_PATH] = "";
   const bool one = DragQueryFileA(drop, 0, path, sizeof path) > 0;
   DragFinish(drop);
+  if (!one) return;
+  if (IsCalendarFile(path)) {
+    g_pendingPath = path;
+    return (void)SendMessageA(window, WM_COMMAND, IDM_OPEN, 0);
+  }
+  const int shown = CurrentPage();
+  if (shown == 12) return (void)ShowMessage(window, IDS_YEAR_HAS_NO_PICTURE);
+  CalendarHeader header;
   MonthPage page;
-  if (!one || CurrentPage() >= 12 || !GetMonthPage(App.document, CurrentPage(), &page)) return;
+  if (shown == 13) {
+    if (!GetHeader(App.document, &header)) return;
+    if (BlockHandle picture = LoadDroppedPicture(window, path, header.CoverBackgroundColour))
+      SetCoverPicture(window, picture);
+    return;
+  }
+  if (!GetMonthPage(App.document, shown, &page)) return;
   if (BlockHandle picture = LoadDroppedPicture(window, path, page.PageBackgroundColour)) SetPagePicture(window, picture);
 }
 

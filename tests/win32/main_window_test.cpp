@@ -19,6 +19,7 @@
 #include "app/theme_win32.h"
 #include "app/tooltip_win32.h"
 #include "base/dib.h"
+#include "calendar/calendar_file.h"
 #include "base/manual_win32.h"
 #include "base/program_win32.h"
 #include "base/text.h"
@@ -350,6 +351,51 @@ TEST_F(MainWindowTest, SavesReachLongPathsAndAskBeforeReplacingAChangedFile) {
   // Unchanged since: saved without a question.
   EXPECT_EQ(save(IDYES), "");
   EXPECT_EQ(ReadFile(App.path), saved);
+}
+
+// What is dropped goes where it belongs: a calendar opens (after the
+// question about unsaved changes), a photograph becomes the cover's picture
+// on the cover, and the year page says it takes none.
+TEST_F(MainWindowTest, DropsOpenCalendarsAndGivePicturesToThePageShown) {
+  const std::string other = dir_.File("Other.cln");
+  CalendarDocument saved = CreateCalendar(2031, 7);
+  SilentProgress progress;
+  ASSERT_EQ(SaveCalendar(&progress, other.c_str(), saved), 1);
+  FreeCalendar(saved);
+  CalendarHeader header;
+  ASSERT_TRUE(GetHeader(App.document, &header));
+  header.Changed = 1;
+  ASSERT_TRUE(PutHeader(App.document, &header));
+
+  std::vector<std::string> said;
+  DialogDriver driver;
+  const auto answer = [&](int button) {
+    driver.Then("Message", [&said, button](HWND box) {
+      said.push_back(MessageText(box));
+      Press(box, button);
+    });
+  };
+  answer(IDNO);
+  Drop(window(), other);
+  ASSERT_EQ(said.size(), 1u);
+  EXPECT_EQ(said[0].rfind("Your current calendar has not been saved.", 0), 0u) << said[0];
+  ASSERT_TRUE(GetHeader(App.document, &header));
+  EXPECT_EQ(header.Year, 2031);
+  EXPECT_EQ(App.path, other);
+
+  Command(IDM_PAGE_COVER);
+  Drop(window(), ProgramFolder() + "Meadow.jpg");
+  ASSERT_TRUE(GetHeader(App.document, &header));
+  ASSERT_NE(header.CoverPicture, 0u);
+  EXPECT_EQ(BlockLock(header.CoverPicture).as<BitmapInfoHeader>()->biWidth, 640);
+  EXPECT_EQ(header.CoverPictureShowPicture, 1);
+  EXPECT_EQ(header.Changed, 1);
+
+  Command(IDM_PAGE_YEAR);
+  answer(IDOK);
+  Drop(window(), ProgramFolder() + "Meadow.jpg");
+  ASSERT_EQ(said.size(), 2u);
+  EXPECT_EQ(said[1], "The year at a glance has no picture. Drop the picture on a month page or on the cover.");
 }
 
 // A photograph dropped on the window, cut, pasted onto another month, and a
