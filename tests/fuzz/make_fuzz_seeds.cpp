@@ -7,6 +7,7 @@
 #include <cstring>
 #include <ctime>
 #include <string>
+#include <vector>
 
 #include <jpeglib.h>
 #include <lcms2.h>
@@ -217,6 +218,19 @@ void WriteImageSeeds(const std::string& folder) {
     WriteBmpFile((folder + "/picture" + std::to_string(bits) + ".bmp").c_str(), dib);
     GlobalBlockFree(dib);
   }
+  // Run-length coded (every code: runs, indexes as they are, a move, the
+  // row's and the picture's ends) and OS/2 1.x files.
+  std::vector<uint32_t> colours;
+  for (uint32_t i = 0; i < 16; ++i) colours.push_back(0x110D07 * i);
+  WriteBytes(folder + "/rle8.bmp", Bmp(7, 4, 8, colours, Bytes({3, 5, 0, 3, 1, 2, 3, 0, 0, 0, 0, 2, 2, 1, 9, 7, 0, 1}), 1));
+  WriteBytes(folder + "/rle4.bmp", Bmp(7, 4, 4, colours, Bytes({3, 0x12, 0, 5, 0x34, 0x56, 0x70, 0, 0, 0, 0, 2, 1, 1, 2,
+                                                                0xAB, 0, 0, 9, 0xCD, 0, 1}), 2));
+  WriteBytes(folder + "/os2-4.bmp", Os2Bmp(5, 3, 4, {0x102030, 0xFF0000, 0x00FF00}, Bytes({0x21, 0x01, 0x20, 0, 0x00,
+                                                                                         0x11, 0x20, 0, 0x12, 0x10,
+                                                                                         0x00, 0})));
+  std::string bgr;
+  for (int i = 0; i < 2 * 12; ++i) bgr += static_cast<char>(i * 13);  // two rows of three pixels, padded
+  WriteBytes(folder + "/os2-24.bmp", Os2Bmp(3, 2, 24, {}, bgr));
   WriteBytes(folder + "/palette.gif", Gif());
 
   std::string end(1, 0x0C);

@@ -31,6 +31,28 @@ inline std::string Rgbs(const std::vector<uint32_t>& colours) {
   for (uint32_t c : colours) s += Rgb(c);
   return s;
 }
+// A colour 0xRRGGBB in the order BMP and TGA files keep it.
+inline std::string Bgr(uint32_t c) { return Bytes({int(c & 255), int(c >> 8 & 255), int(c >> 16)}); }
+
+// A BMP with the 40-byte header, its `table` of colours and `rows`, which
+// are run-length coded for `compression` 1 (RLE8) and 2 (RLE4).
+inline std::string Bmp(int32_t width, int32_t height, int bits, const std::vector<uint32_t>& table,
+                       const std::string& rows, int compression = 0) {
+  uint32_t offset = 14 + 40 + 4 * static_cast<uint32_t>(table.size());
+  std::string s = "BM" + Le32(offset + rows.size()) + Le32(0) + Le32(offset) + Le32(40) + Le32(width) + Le32(height) +
+                  Le16(1) + Le16(bits) + Le32(compression) + Le32(rows.size()) + std::string(16, '\0');
+  for (uint32_t c : table) s += Bgr(c) + '\0';
+  return s + rows;
+}
+// A BMP with the 12-byte OS/2 1.x header and 3-byte table entries.
+inline std::string Os2Bmp(int width, int height, int bits, const std::vector<uint32_t>& table, const std::string& rows) {
+  uint32_t offset = 14 + 12 + 3 * static_cast<uint32_t>(table.size());
+  std::string s = "BM" + Le32(offset + rows.size()) + Le32(0) + Le32(offset) + Le32(12) + Le16(width) + Le16(height) +
+                  Le16(1) + Le16(bits);
+  for (uint32_t c : table) s += Bgr(c);
+  return s + rows;
+}
+
 // `raw` as a zlib stream at the default level.
 inline std::string Zlib(const std::string& raw) {
   uLongf size = compressBound(raw.size());

@@ -4,6 +4,7 @@
 #include "pictures/image_files.h"
 
 #include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -19,8 +20,6 @@ using namespace image_bytes;
 
 using Values = std::vector<uint32_t>;
 
-// A colour 0xRRGGBB in the order BMP and TGA files keep it.
-std::string Bgr(uint32_t c) { return Bytes({int(c & 255), int(c >> 8 & 255), int(c >> 16)}); }
 std::string Cut(const std::string& s, size_t drop) { return s.substr(0, s.size() - drop); }
 // Samples of `depth` bits packed from the top bit down, as PNG, BMP and PCX rows are.
 std::string Packed(const std::vector<int>& values, int depth) {
@@ -28,14 +27,6 @@ std::string Packed(const std::vector<int>& values, int depth) {
   for (size_t i = 0; i < values.size(); ++i)
     s[i * depth / 8] |= static_cast<char>(values[i] << (8 - depth - i * depth % 8));
   return s;
-}
-
-std::string Bmp(int32_t width, int32_t height, int bits, const Values& table, const std::string& rows) {
-  uint32_t offset = 14 + 40 + 4 * static_cast<uint32_t>(table.size());
-  std::string s = "BM" + Le32(offset + rows.size()) + Le32(0) + Le32(offset) + Le32(40) + Le32(width) + Le32(height) +
-                  Le16(1) + Le16(bits) + Le32(0) + Le32(rows.size()) + std::string(16, '\0');
-  for (uint32_t c : table) s += Bgr(c) + '\0';
-  return s + rows;
 }
 
 // 3 x 2 on a four-colour table whose entry 2, transparent, has the colour of entry 0.
@@ -242,6 +233,104 @@ TEST_F(ImageFiles, BmpsKeepTheirKind) {
   const std::string alpha = Bgr(0xFF0000) + '\xFF' + Bgr(0xFF0000) + '\x80' + Bgr(0xFF0000) + '\0';
   EXPECT_EQ(Pixels("alpha.bmp", Bmp(3, 1, 32, {}, alpha), 3, 1, 24), (Values{0xFF0000, 0xFF7F7F, 0xFFFFFF}));
 }
+
+const Values kSixteenColours = {0x400000, 0x0F0F0F, 0x5E1E1E, 0x2D2D2D, 0x7C3C3C, 0x0B4B4B, 0x1A5A5A, 0x6969E9,
+                                 0x3878B8, 0x8787C7, 0x96D6D6, 0xE5A5A5, 0xB4F4F4, 0xC3C3C3, 0x92D2D2, 0xE1E1E1};
+// A 5 x 3 RLE4 picture of every code (on 16 colours, bottom row first): runs
+// of two nibbles, five and three as they are, a move, and the end.
+const std::string kEveryRle4Code = Bytes({2, 0x12, 0, 3, 0x34, 0x50, 0, 0, 0, 5, 0x67, 0x89, 0xA0, 0, 0, 0, 0, 2, 2,
+                                          0, 3, 0xBC, 0, 1});
+
+// Run-length coded files (RLE8, RLE4) become palette Dibs: every code, runs
+// cut at the row's end, moves that leave pixels at index 0 or end the
+// picture, and data that ends before the picture does (refused, like any BMP
+// cut short). OS/2 1.x files keep their 3-byte table.
+TEST_F(ImageFiles, RunLengthCodedAndOs2BmpsBecomePaletteDibs) {
+  const Values table = kSixteenColours;
+  const std::string eol = Bytes({0, 0}), end = Bytes({0, 1});
+  struct Case {
+    const char* what;
+    int bits, compression;  // 1: RLE8, 2: RLE4
+    std::string codes;
+    Values pixels;  // 5 x 3, top row first; none: refused
+    int32_t height = 3;
+    int info = 1;   // what the information call says of a refused file
+  };
+  const Case cases[] = {
+      {"RLE8: a run, three as they are, a move, the end", 8, 1,
+       Bytes({2, 5, 0, 3, 1, 2, 3, 0}) + eol + Bytes({0, 2, 1, 1, 2, 4}) + end,
+       {0, 4, 4, 0, 0, 0, 0, 0, 0, 0, 5, 5, 1, 2, 3}},
+      {"RLE4: every code", 4, 2, kEveryRle4Code, {0, 0, 11, 12, 11, 6, 7, 8, 9, 10, 1, 2, 3, 4, 5}},
+      {"a run past the row's end is cut there", 8, 1, Bytes({7, 3}) + eol + Bytes({2, 1}) + end,
+       {0, 0, 0, 0, 0, 1, 1, 0, 0, 0, 3, 3, 3, 3, 3}},
+      {"a move past the top ends the picture", 4, 2, Bytes({3, 0x11, 0, 2, 9, 7}),
+       {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 0, 0}},
+      {"the last row ended, no end code", 8, 1, Bytes({5, 1}) + eol + eol + Bytes({5, 2}) + eol,
+       {2, 2, 2, 2, 2, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1}},
+      {"the data ends in the middle", 8, 1, Bytes({5, 1}) + eol + Bytes({5, 2}), {}},
+      {"indexes as they are, cut short", 8, 1, Bytes({0, 5, 1, 2}), {}},
+      {"an index past the table", 8, 1, Bytes({2, 0x20}) + end, {}},
+      {"rows stored top-down", 8, 1, end, {}, -3, 0},
+      {"RLE8 for 4 bits", 4, 1, end, {}, 3, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const std::string bytes = Bmp(5, c.height, c.bits, table, c.codes, c.compression);
+    if (c.pixels.empty()) {
+      ExpectNoPicture("rle.bmp", bytes, c.info);
+      continue;
+    }
+    Picture picture(Write("rle.bmp", bytes));
+    ExpectDib(picture, 5, 3, c.bits);
+    EXPECT_EQ(picture.Pixels(), c.pixels);
+  }
+
+  // OS/2: entries of three bytes, a table shorter than the bit count allows.
+  Picture os2(Write("os2.bmp", Os2Bmp(5, 2, 4, {0x102030, 0xFF0000, 0x00FF00}, Packed({2, 1, 0, 1, 2}, 4) + '\0' +
+                                                                                   Packed({0, 0, 1, 1, 2}, 4) + '\0')));
+  ExpectDib(os2, 5, 2, 4);
+  EXPECT_EQ(os2.Colours(4), (Values{0x102030, 0xFF0000, 0x00FF00, 0}));
+  EXPECT_EQ(os2.Pixels(), (Values{0, 0, 1, 1, 2, 2, 1, 0, 1, 2}));
+  ExpectNoPicture("os2cut.bmp", Cut(Os2Bmp(2, 2, 24, {}, std::string(16, '\x40')), 1), 1);
+}
+
+#ifndef _WIN32
+// What ImageMagick writes of the BMP kinds beyond the Windows ones (RLE8 and
+// OS/2 1.x of 1, 4, 8 and 24 bits), and the RLE4 file above, read to the
+// colours ImageMagick reads.
+TEST_F(ImageFiles, BmpKindsReadAsImageMagickReadsThem) {
+  if (std::system("command -v convert >/dev/null") != 0) {
+    const char* ci = std::getenv("CI");
+    if (ci && std::string(ci) == "true") FAIL() << "ImageMagick's convert is missing (run tools/setup-debian.sh)";
+    GTEST_SKIP() << "ImageMagick's convert is missing";
+  }
+  const std::string plasma = "convert -size 61x37 -seed 3 plasma:fractal ";
+  const std::pair<const char*, std::string> files[] = {
+      {"rle8.bmp", plasma + "-colors 40 -type Palette -compress RLE BMP3:"},
+      {"os2-1.bmp", plasma + "-monochrome BMP2:"},
+      {"os2-4.bmp", plasma + "-colors 16 BMP2:"},
+      {"os2-8.bmp", plasma + "-colors 100 -type Palette BMP2:"},
+      {"os2-24.bmp", plasma + "-type TrueColor BMP2:"},
+      {"rle4.bmp", ""},
+  };
+  WriteFile(dir_.File("rle4.bmp"), Bmp(5, 3, 4, kSixteenColours, kEveryRle4Code, 2));
+  for (const auto& [name, make] : files) {
+    SCOPED_TRACE(name);
+    const std::string path = dir_.File(name);
+    if (!make.empty()) {
+      ASSERT_EQ(std::system((make + "'" + path + "'").c_str()), 0);
+    }
+    ASSERT_EQ(std::system(("convert '" + path + "' -depth 8 'rgb:" + path + ".rgb'").c_str()), 0);
+    Picture picture(path);
+    ASSERT_TRUE(picture.ok());
+    const int bits = picture.Header().biBitCount;
+    const Values colours = bits <= 8 ? picture.Colours(1 << bits) : Values{};
+    std::string rgb;
+    for (uint32_t p : picture.Pixels()) rgb += Rgb(bits <= 8 ? colours[p] : p);
+    EXPECT_TRUE(rgb == ReadFile(path + ".rgb"));
+  }
+}
+#endif
 
 TEST_F(ImageFiles, BmpWriterRoundTripsEveryKindByteForByte) {
   // Widths without row padding, whose bytes a reader has no reason to keep.
