@@ -5,6 +5,7 @@
 #include "res/calendar_dialog_ids.h"
 #include "calendar/event_list.h"
 #include "calendar/events_dialog_win32.h"
+#include "config/settings.h"
 #include "dialog_driver.h"
 #include "test_support.h"
 
@@ -96,7 +97,7 @@ TEST_F(EventsDialogTest, NewAndEditedEventsAreSavedWithABackupOnEveryPageOfTheLi
   });
   EXPECT_TRUE(EditEvents(nullptr, doc_));
   EXPECT_TRUE(driver.Finished());
-  EXPECT_EQ(ReadFile(dir_.File("General.CDF")), AsTextFile("Jan05 Party\nFeb14 Valentine's Day\n"));
+  EXPECT_EQ(ReadFile(dir_.File("General.CDF")), AsTextFile("; family\nJan05 Party\nFeb14 Valentine's Day\n"));
   EXPECT_EQ(ReadFile(dir_.File("General.BAK")), AsTextFile("; family\nFEB14 Valentine\n"));
   EXPECT_EQ(EventOn(0, 5), "Party");
   EXPECT_EQ(EventOn(1, 14), "Valentine's Day");
@@ -156,6 +157,28 @@ TEST_F(EventsDialogTest, SavingAfterDeleteWritesTheRestAndCancelWritesNothing) {
   EXPECT_EQ(ReadFile(dir_.File("General.CDF")), AsTextFile("Dec25 Christmas\n"));
   EXPECT_EQ(ReadFile(dir_.File("General.BAK")), general) << "the cancelled run wrote no backup of its own";
   EXPECT_EQ(EventOn(0, 1), "");
+}
+
+// Months renamed in Setup: the lines written with the old names are not
+// listed, and OK keeps them after the entries, with the file's comments.
+TEST_F(EventsDialogTest, OkAfterMonthsWereRenamedWritesTheSameEvents) {
+  const std::string general =
+      "; Holidays\n;\nJan01 New Year\nFeb14 Valentine\nApr01 Fools\nJul04 Fireworks\nMar17 Patrick\nMay01 Labour\n"
+      "Oct03 Unity\nOct31 Halloween\nDec24 Eve\nDec25 Christmas\nDec31 New Year's Eve\n";
+  Open(general);
+  std::strcpy(Settings.MonthMarch, "M\xE4rz");
+  std::strcpy(Settings.MonthMay, "Mai");
+  std::strcpy(Settings.MonthOctober, "Oktober");
+  std::strcpy(Settings.MonthDecember, "Dezember");
+  DialogDriver driver;
+  driver.Then("Edit [ General ]", [](HWND dialog) {
+    EXPECT_EQ(Count(dialog), 4);
+    Press(dialog, IDOK);
+  });
+  EXPECT_TRUE(EditEvents(nullptr, doc_));
+  EXPECT_TRUE(driver.Finished());
+  EXPECT_EQ(ReadFile(dir_.File("General.CDF")), AsTextFile(general));
+  EXPECT_EQ(ReadFile(dir_.File("General.BAK")), AsTextFile(general));
 }
 
 TEST_F(EventsDialogTest, AMissingListOrAPageWithoutOneIsReported) {
