@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/manual_win32.h"
+#include "base/text.h"
 #include "config/settings.h"
 #include "editors/dialog_controls_win32.h"
 #include "editors/editor_controls_win32.h"
@@ -20,9 +21,16 @@ const std::vector<ControlBinding>& Bindings() {
   return bindings;
 }
 
+// What the sheet holds until OK, shared by its tabs through lParam.
+struct SetupState {
+  bool applied = false;
+  char theme[sizeof Settings.ThemeCurrent];  // the theme chosen, or the one in use
+};
+
 // Both tabs: loaded from the settings when first shown, read back only on
-// OK; the sheet's result learns of OK through lParam of the page.
+// OK, as is the theme chosen.
 INT_PTR CALLBACK SetupTabProc(HWND tab, UINT message, WPARAM wParam, LPARAM lParam) {
+  auto* state = reinterpret_cast<SetupState*>(GetWindowLongPtrA(tab, DWLP_USER));
   switch (message) {
     case WM_INITDIALOG: {
       SetWindowLongPtrA(tab, DWLP_USER, reinterpret_cast<const PROPSHEETPAGEA*>(lParam)->lParam);
@@ -34,14 +42,15 @@ INT_PTR CALLBACK SetupTabProc(HWND tab, UINT message, WPARAM wParam, LPARAM lPar
       if (reinterpret_cast<const NMHDR*>(lParam)->code == PSN_APPLY) {
         Win32DialogControls controls(tab);
         ReadControls(Bindings().data(), Bindings().size(), &Settings, controls);
-        *reinterpret_cast<bool*>(GetWindowLongPtrA(tab, DWLP_USER)) = true;
+        CopyText(Settings.ThemeCurrent, sizeof Settings.ThemeCurrent, state->theme);
+        state->applied = true;
         SetWindowLongPtrA(tab, DWLP_MSGRESULT, PSNRET_NOERROR);
         return TRUE;
       }
       return FALSE;
     case WM_COMMAND:
       if (LOWORD(wParam) == IDC_SETUP_THEME && HIWORD(wParam) == BN_CLICKED) {
-        ChooseTheme(tab, Settings.ThemeCurrent, sizeof Settings.ThemeCurrent);
+        ChooseTheme(tab, state->theme, sizeof state->theme);
         return TRUE;
       }
       return FALSE;  // no option has a browse button
@@ -57,7 +66,8 @@ INT_PTR CALLBACK SetupTabProc(HWND tab, UINT message, WPARAM wParam, LPARAM lPar
 }  // namespace
 
 bool EditSetup(HWND owner) {
-  bool applied = false;
+  SetupState state;
+  CopyText(state.theme, sizeof state.theme, Settings.ThemeCurrent);
   const char* templates[2] = {"SetupPropertyOne", "SetupPropertyTwo"};
   PROPSHEETPAGEA tabs[2]{};
   for (int i = 0; i < 2; ++i) {
@@ -65,7 +75,7 @@ bool EditSetup(HWND owner) {
     tabs[i].hInstance = GetModuleHandleA(nullptr);
     tabs[i].pszTemplate = templates[i];
     tabs[i].pfnDlgProc = SetupTabProc;
-    tabs[i].lParam = reinterpret_cast<LPARAM>(&applied);
+    tabs[i].lParam = reinterpret_cast<LPARAM>(&state);
   }
   PROPSHEETHEADERA sheet{};
   sheet.dwSize = sizeof sheet;
@@ -76,5 +86,5 @@ bool EditSetup(HWND owner) {
   sheet.nPages = 2;
   sheet.ppsp = tabs;
   PropertySheetA(&sheet);
-  return applied;
+  return state.applied;
 }
