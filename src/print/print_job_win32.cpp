@@ -20,6 +20,7 @@ PRINTDLGA PrintDialog(HWND window, DWORD flags, WORD maxPage) {
   dialog.nMaxPage = maxPage;
   dialog.nCopies = 1;
   dialog.lpPrintTemplateName = MAKEINTRESOURCEA(IDD_PRINT);
+  OfferConfirmedPrinter(&dialog);
   return dialog;
 }
 

@@ -14,6 +14,36 @@ HDC PrinterDC = nullptr;
 
 namespace {
 
+// The printer and its settings as last confirmed in a print dialog, portrait.
+HGLOBAL g_confirmedMode = nullptr;
+HGLOBAL g_confirmedNames = nullptr;
+
+// A movable copy of `size` bytes, or null.
+HGLOBAL CopyToGlobal(const void* bytes, SIZE_T size) {
+  HGLOBAL copy = GlobalAlloc(GMEM_MOVEABLE, size);
+  void* to = copy ? GlobalLock(copy) : nullptr;
+  if (!to) {
+    if (copy) GlobalFree(copy);
+    return nullptr;
+  }
+  std::memcpy(to, bytes, size);
+  GlobalUnlock(copy);
+  return copy;
+}
+
+HGLOBAL CopyGlobal(HGLOBAL from) {
+  const void* bytes = from ? GlobalLock(from) : nullptr;
+  if (!bytes) return nullptr;
+  HGLOBAL copy = CopyToGlobal(bytes, GlobalSize(from));
+  GlobalUnlock(from);
+  return copy;
+}
+
+void Keep(HGLOBAL* kept, HGLOBAL fresh) {
+  if (*kept) GlobalFree(*kept);
+  *kept = fresh;
+}
+
 // The DEVMODEA of the first 32-bit Windows versions: up to dmICMMethod's
 // predecessors, 148 bytes, which every printer driver accepts.
 constexpr WORD kDevModeSize = 148;
@@ -71,11 +101,21 @@ bool AdoptDialogPrinter(const PRINTDLGA& dialog) {
   char device[sizeof copy->dmDeviceName + 1] = "";
   std::memcpy(device, copy->dmDeviceName, sizeof copy->dmDeviceName);
   HDC dc = CreateDCA(nullptr, device, nullptr, copy);
+  if (dc) {
+    Keep(&g_confirmedMode, CopyToGlobal(copy, size));
+    Keep(&g_confirmedNames, CopyGlobal(dialog.hDevNames));
+  }
   std::free(memory);
   if (!dc) return false;
   if (PrinterDC) DeleteDC(PrinterDC);
   PrinterDC = dc;
   return true;
+}
+
+void OfferConfirmedPrinter(PRINTDLGA* dialog) {
+  if (!g_confirmedMode || !g_confirmedNames) return;
+  dialog->hDevMode = CopyGlobal(g_confirmedMode);
+  dialog->hDevNames = CopyGlobal(g_confirmedNames);
 }
 
 void FreeDialogHandles(PRINTDLGA* dialog) {
@@ -91,6 +131,7 @@ int PrinterSetup(HWND window) {
   dialog.hInstance = GetModuleHandleA(nullptr);
   dialog.Flags = PD_PRINTSETUP | PD_ENABLESETUPTEMPLATE;
   dialog.lpSetupTemplateName = MAKEINTRESOURCEA(IDD_PRINT_SETUP);
+  OfferConfirmedPrinter(&dialog);
   if (!PrintDlgA(&dialog)) {
     FreeDialogHandles(&dialog);
     return 0;

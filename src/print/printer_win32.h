@@ -21,7 +21,13 @@ int PageRectForWindow(int viewHeight, RECT* rect);
 
 // Shared with the print jobs.
 // Makes the PrinterDC from the printer chosen in a print dialog, always in
-// portrait; false (the old PrinterDC kept) on any failure.
+// portrait, and keeps that printer and its settings (the paper) as the ones
+// the next print dialog starts from; false (the old PrinterDC kept) on any
+// failure.
 bool AdoptDialogPrinter(const PRINTDLGA& dialog);
+// Gives a print dialog about to open copies of the printer and settings the
+// user last confirmed (nothing before the first confirmation: the dialog
+// starts from the default printer), so the page printed is the page shown.
+void OfferConfirmedPrinter(PRINTDLGA* dialog);
 // Frees the dialog's DEVMODE and DEVNAMES handles.
 void FreeDialogHandles(PRINTDLGA* dialog);

@@ -202,3 +202,61 @@ TEST(Print, PrinterSetupKeepsThePagePortrait) {
   ExpectPageShape(quernal, window, paperW, paperH);
   ASSERT_TRUE(quernal.Close());
 }
+
+// Letter chosen in Select printer is the paper the page is shown on and the
+// paper both print commands print on: their dialogs start from it.
+TEST(Print, ThePaperChosenInSetupIsThePaperPrinted) {
+  CALENDAR_OR_SKIP(calendar);
+  WriteSettings("InkJet = 0\n");
+  Quernal quernal(WindowsPath(calendar));
+  HWND window = quernal.MainWindow();
+  ASSERT_NE(window, nullptr) << "no main window";
+  // The page's width on the screen tells its paper: Letter's is wider than A4's.
+  const auto pageWidth = [&] {
+    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+    quernal.Settle();
+    Sleep(500);
+    return WhitePageWidthOnScreen(window);
+  };
+  const int a4 = pageWidth();
+  quernal.Command(105);
+  HWND setup = quernal.Wait("Print Setup");
+  ASSERT_NE(setup, nullptr) << "no printer-setup dialog";
+  HWND paper = GetDlgItem(setup, cmb2);
+  // The printer names its papers in its own words ("US Letter", "Letter").
+  std::string papers;
+  int found = CB_ERR;
+  for (int i = 0; i < SendMessageW(paper, CB_GETCOUNT, 0, 0) && found == CB_ERR; ++i) {
+    wchar_t name[128] = L"";
+    if (SendMessageW(paper, CB_GETLBTEXTLEN, i, 0) < 128) SendMessageW(paper, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(name));
+    const std::wstring text = name;
+    papers += std::string(text.begin(), text.end()) + "; ";
+    if (text.find(L"Letter") != std::wstring::npos && text.find(L"Small") == std::wstring::npos) found = i;
+  }
+  ASSERT_NE(found, CB_ERR) << "the printer offers no Letter paper: " << papers;
+  SendMessageA(paper, CB_SETCURSEL, found, 0);
+  SendMessageA(setup, WM_COMMAND, MAKEWPARAM(cmb2, CBN_SELCHANGE), reinterpret_cast<LPARAM>(paper));
+  Press(setup, IDOK);
+  ASSERT_TRUE(quernal.Settle());
+  const int letter = pageWidth();
+  EXPECT_GT(letter, a4 + 10) << "the page did not take Letter's shape";
+
+  for (const int command : {106, 107}) {
+    quernal.Command(command);
+    HWND dialog = quernal.Wait("Print");
+    ASSERT_NE(dialog, nullptr) << "no print dialog";
+    Press(dialog, IDOK);
+    if (command == 107) {
+      HWND turnOver = quernal.Wait("Printing...", 180000);
+      ASSERT_NE(turnOver, nullptr) << "no box between the passes";
+      Press(turnOver, IDOK);
+      HWND finished = quernal.Wait("Complete", 180000);
+      ASSERT_NE(finished, nullptr) << "no box at the end";
+      Press(finished, IDOK);
+    }
+    ASSERT_TRUE(quernal.Settle());
+    EXPECT_EQ(quernal.Wait("Message", 500), nullptr) << "the job failed";
+    EXPECT_NEAR(pageWidth(), letter, 2) << "the page snapped back after command " << command;
+  }
+  ASSERT_TRUE(quernal.Close());
+}

@@ -52,6 +52,7 @@ case $case_name in
              exit 0 ;;
   shape) run_wine_test "Print.PageShapeFollowsThePrinter:Print.PrinterSetupKeepsThePagePortrait" QUERNAL_PRINT_PRINTER=QuernalPDF
          exit 0 ;;
+  letter) run_wine_test Print.ThePaperChosenInSetupIsThePaperPrinted ;;
   *) fail "unknown case $case_name" ;;
 esac
 
@@ -65,6 +66,22 @@ done
 # The printed documents in the order they were printed (cups-pdf ends each
 # name with its job number).
 mapfile -t pdfs < <(ls "$CUPS_DIR"/pdf/*.pdf 2>/dev/null | sed 's/.*job_\([0-9]*\)\.pdf$/\1 &/' | sort -n | cut -d' ' -f2-)
+
+# Letter chosen in printer setup: every page of the single-sided job (14)
+# and of the booklet's two passes (7 sides each) is Letter, portrait.
+if [ "$case_name" = letter ]; then
+  [ ${#pdfs[@]} = 3 ] || fail "expected three jobs, got ${#pdfs[@]}"
+  total=0
+  for pdf in "${pdfs[@]}"; do
+    pages=$(pdfinfo "$pdf" | sed -n 's/^Pages: *//p')
+    total=$((total + pages))
+    sizes=$(pdfinfo -f 1 -l "$pages" "$pdf" | sed -n 's/^Page *[0-9]* size: *\([0-9.]*\) x \([0-9.]*\).*/\1x\2/p' | sort -u)
+    [ "$sizes" = 612x792 ] || fail "$pdf: pages of $sizes points, not Letter (612x792)"
+  done
+  [ $total = 28 ] || fail "$total pages printed, not 28"
+  echo "check-print: every page of both commands printed on Letter"
+  exit 0
+fi
 
 # The candidates, as quernal-cli draws them: the fourteen pages (cover,
 # year, January..December) or the fourteen booklet sides (fronts of sheets

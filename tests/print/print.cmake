@@ -19,7 +19,7 @@ set(print_env
   "APP_DIR=${PROJECT_SOURCE_DIR}/res"
   "WORK_DIR=${CMAKE_BINARY_DIR}/print-tests")
 foreach(case all_pages:all page_range:range double_sided:double double_sided_face_up:faceup
-             no_printer:noprinter page_shape:shape)
+             no_printer:noprinter page_shape:shape letter_paper:letter)
   string(REPLACE ":" ";" parts ${case})
   list(GET parts 0 name)
   list(GET parts 1 argument)
