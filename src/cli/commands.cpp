@@ -52,9 +52,10 @@ const std::vector<Command> kCommands = {
      "pictures' sizes and the events each page shows.",
      {kAppDir},
      InfoCommand},
-    {"summary", "FILE.CLN [--app-dir DIR]",
-     "Prints a few lines about the calendar: its year, the page it opens on, its pictures and events.",
-     {kAppDir},
+    {"summary", "FILE.CLN [--paper a4|letter] [--app-dir DIR]",
+     "Prints a few lines about the calendar: its year, the page it opens on, its pictures with the resolution "
+     "each prints at (below 150 ppi a picture may print blurry), and its events.",
+     {{"--paper", "a4|letter", "the paper the pictures' print resolution is given for; A4 when not given"}, kAppDir},
      SummaryCommand},
     {"resave", "IN.CLN -o OUT.CLN [--level 1-9] [--app-dir DIR]",
      "Reads a calendar and saves it again, dropping damaged pictures; OUT may be IN.",

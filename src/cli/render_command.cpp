@@ -12,8 +12,10 @@
 #include <vector>
 
 #include "base/replace_file.h"
+#include "calendar/calendar_dates.h"
 #include "calendar/calendar_file.h"
 #include "cli/locale_names.h"
+#include "cli/print_resolution.h"
 #include "cli/pdf_boxes.h"
 #include "config/settings_file.h"
 #include "print/booklet.h"
@@ -249,6 +251,20 @@ bool MayWrite(const std::string& path) {
   return problem == WriteProblem::kNone || Failed(path, WriteProblemText(problem));
 }
 
+// A line on stderr for each page whose picture prints below the resolution
+// that prints sharp, on the page the job draws.
+void WarnOfBlurryPictures(const RenderJob& job) {
+  std::vector<int> pages;
+  for (const Side& side : job.sides)
+    for (int page : {side.page, side.lowerPage})
+      if (page >= 0) pages.push_back(page);
+  for (const PrintedPicture& p :
+       PrintedPictures(job.document, static_cast<double>(job.width) / job.dpi, static_cast<double>(job.height) / job.dpi, pages))
+    if (p.ppi < kBlurryBelowPpi)
+      std::fprintf(stderr, "quernal-cli: warning: the picture of the page \"%s\" prints at %d ppi and may print blurry "
+                   "(%d ppi or more prints sharp)\n", PageName(p.page), p.ppi, kBlurryBelowPpi);
+}
+
 // Drawing needs memory the libraries below it take without checking
 // (fontconfig crashes, GLib ends the process when theirs runs out): room
 // for a page image and their own working sets must be there before the
@@ -392,6 +408,7 @@ int RenderCommand(const Arguments& args) {
     GetHeader(job.document, &header);
     job.sides = {{header.CurrentPage >= 0 && header.CurrentPage <= 13 ? header.CurrentPage : 0}};
   }
+  WarnOfBlurryPictures(job);
   bool ok = HasRoomToDraw(job) && Render(job);
   FreeCalendar(job.document);
   return ok ? 0 : 1;

@@ -90,3 +90,31 @@ TEST_F(PhotosCliTest, ACalendarOf48MegapixelPhotographsSavesAndOpensAgain) {
   EXPECT_TRUE(Has(r.err, "too large for one calendar file")) << r.err;
   EXPECT_TRUE(ReadFile(cal) == before);
 }
+
+TEST_F(PhotosCliTest, SmallPicturesAreSaidToPrintBlurry) {
+  // A 640 x 480 photograph and a 3000 x 2000 one, on A4 and on Letter.
+  const std::string small = dir_.File("small.png"), cal = dir_.File("cal.CLN");
+  ASSERT_EQ(RunCommand("convert -size 640x480 gradient:orange-navy " + Q(small) + " && convert -size 3000x2000 "
+                       "gradient:orange-navy " + Q(dir_.File("large.png"))),
+            0);
+  ASSERT_EQ(Cli("new --pictures " + Q(small) + " " + Q(dir_.File("large.png")) + " -o " + Q(cal)).status, 0);
+  for (const char* paper : {"a4", "letter"}) {
+    // The resolution is the picture's pixels over the inches the page
+    // drawing gives it at 300 dpi ("picture LEFT TOP RIGHT BOTTOM").
+    const std::string ops = dir_.File("page.ops");
+    ASSERT_EQ(Cli("render " + Q(cal) + " --page 0 --paper " + paper + " --format ops -o " + Q(ops)).status, 0);
+    const std::string drawn = ReadFile(ops);
+    int left, top, right, bottom;
+    ASSERT_EQ(std::sscanf(drawn.c_str() + drawn.find("picture "), "picture %d %d %d %d", &left, &top, &right, &bottom), 4);
+    const int ppi = 640 * 300 / (right - left);
+    EXPECT_LT(ppi, 150) << paper;
+    const CliRun summary = Cli("summary " + Q(cal) + " --paper " + paper);
+    EXPECT_TRUE(Has(summary.out, "640 x 480 picture, prints at " + std::to_string(ppi) + " ppi (may print blurry)"))
+        << summary.out;
+    EXPECT_EQ(Count(summary.out, "may print blurry"), 1) << "February's prints sharp\n" << summary.out;
+    const CliRun render = Cli("render " + Q(cal) + " --all --paper " + paper + " --format pdf -o " + Q(dir_.File("c.pdf")));
+    EXPECT_EQ(render.status, 0);
+    EXPECT_EQ(render.err, "quernal-cli: warning: the picture of the page \"January\" prints at " + std::to_string(ppi) +
+                              " ppi and may print blurry (150 ppi or more prints sharp)\n");
+  }
+}

@@ -133,7 +133,9 @@ TEST_F(SafetyCliTest, ASizeLimitOrAFullDiskEndsTheSaveAndKeepsTheFile) {
   }
   for (const auto& place : places) {
     const std::string target = place.first + "/cal.CLN";
-    if (place.first != dir_.path()) ASSERT_EQ(Cli("new --year 2027 -o " + Q(target)).status, 0);
+    if (place.first != dir_.path()) {
+      ASSERT_EQ(Cli("new --year 2027 -o " + Q(target)).status, 0);
+    }
     const std::string before = ReadFile(target);
     const std::set<std::string> names = Folder(place.first);
     const CliRun r = Cli("set " + Q(target) + " --page 0 --picture " + Q(photo), place.second);
