@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/program_win32.h"
+#include "config/plain_name.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
 #include "standard_theme_win32.h"
@@ -41,7 +42,7 @@ bool LoadTheme(const char* fileName) {
   UnloadTheme();
   // Only a plain file name: the settings file must not point the program at
   // a library somewhere else.
-  if (!fileName || !*fileName || std::strpbrk(fileName, "\\/:")) return UseBuiltIn(""), false;
+  if (!fileName || !IsPlainFileName(fileName)) return UseBuiltIn(""), false;
   HMODULE module = LoadLibraryA((ProgramFolder() + fileName).c_str());
   if (!module) return UseBuiltIn(fileName), false;
   Theme plugIn;

@@ -57,7 +57,7 @@ TEST_F(ThemeTest, TheStandardPlugInLoadsFromTheProgramsFolderAndLetsGo) {
 TEST_F(ThemeTest, AnyFaultyThemeLeavesTheBuiltInLook) {
   const std::string elsewhere = ProgramFolder() + "THEME_Standard.dll";
   for (const char* name : {"THEME_Missing.dll", "THEME_Partial.dll", "THEME_Refusing.dll", "", "..\\THEME_Standard.dll",
-                           elsewhere.c_str(), "sub/THEME_Standard.dll"}) {
+                           elsewhere.c_str(), "sub/THEME_Standard.dll", "NUL.dll", ".."}) {
     ASSERT_TRUE(LoadTheme("THEME_Standard.dll"));
     EXPECT_FALSE(LoadTheme(name)) << name;
     EXPECT_EQ(ThemeModule(), nullptr) << name;
