@@ -83,7 +83,7 @@ const std::vector<Command> kCommands = {
     {"render",
      "(FILE.CLN | --new [--year Y]) [--config DIR] [--locale NAME] [--page N | --all | --booklet]\n"
      "    [--halves both|upper|lower] [--screen] [--width W --height H | --paper a4|letter] [--dpi D]\n"
-     "    [--bleed MM] [--crop-marks] [--app-dir DIR] --format png|pdf|svg|ops -o OUT",
+     "    [--bleed MM] [--crop-marks] [--jpeg-quality Q | --lossless] [--app-dir DIR] --format png|pdf|svg|ops -o OUT",
      "Draws pages of a calendar as the program prints them: PNG, SVG and ops (a line per drawing call) write a "
      "file per page (OUT-01.png, ...), PDF writes one file.",
      {{"--new", nullptr, "draw a new calendar made from the settings instead of a file"},
@@ -104,6 +104,8 @@ const std::vector<Command> kCommands = {
       {"--bleed", "MM", "PDF only: the page grows by MM millimetres on each side, the page's background reaching "
                         "the new edge; the PDF's TrimBox and BleedBox are set"},
       {"--crop-marks", nullptr, "PDF only: marks where the paper is cut, outside the trimmed page"},
+      {"--jpeg-quality", "Q", "PDF only: the pictures are embedded as JPEGs of quality Q, 1 to 100; 92 when not given"},
+      {"--lossless", nullptr, "PDF only: the pictures are embedded losslessly (Flate) instead, in larger files"},
       kAppDir,
       {"--format", "png|pdf|svg|ops", "the output's format"},
       {"-o", "OUT", "the file to write"}},

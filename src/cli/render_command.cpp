@@ -59,6 +59,7 @@ struct RenderJob {
   double pointsPerPixelX = 0, pointsPerPixelY = 0;
   double bleedMm = 0;
   bool cropMarks = false;
+  int jpegQuality = 92;  // of the pictures in a PDF; 0: lossless
   std::string format, out;
   // The surface: the page, and a pixel of window round it in the screen view.
   int SurfaceWidth() const { return width + (screen ? 2 : 0); }
@@ -218,6 +219,7 @@ bool RenderPdf(const RenderJob& job, const std::string& path, ProgressLine& prog
     if (sheet.bleed > 0) DrawBleed(cr, job, job.sides[i], sheet);
     {
       CairoCanvas canvas(cr);
+      canvas.SetPictureJpegQuality(job.jpegQuality);
       DrawPage(canvas, job, job.sides[i], true);
     }
     cairo_restore(cr);
@@ -311,6 +313,12 @@ bool ParseMillimetres(const std::string& text, double low, double high, double* 
 
 // The print options of a PDF: an exit code, or -1 when all is well.
 int PlanPrint(const Arguments& args, RenderJob* job) {
+  if ((args.Has("--jpeg-quality") || args.Has("--lossless")) && job->format != "pdf")
+    return Usage("--jpeg-quality and --lossless go with --format pdf");
+  if (args.Has("--jpeg-quality") && args.Has("--lossless")) return Usage("--jpeg-quality and --lossless exclude each other");
+  if (args.Has("--jpeg-quality") && !ParseInt(args.options.at("--jpeg-quality"), 1, 100, &job->jpegQuality))
+    return Usage("--jpeg-quality takes 1 to 100");
+  if (args.Has("--lossless")) job->jpegQuality = 0;
   if (!args.Has("--bleed") && !args.Has("--crop-marks")) return -1;
   if (job->format != "pdf") return Usage("--bleed and --crop-marks go with --format pdf");
   if (job->screen) return Usage("--bleed and --crop-marks are for print, not for the --screen view");

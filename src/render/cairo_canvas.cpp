@@ -10,6 +10,7 @@
 
 #include "base/dib.h"
 #include "base/text.h"
+#include "render/cairo_jpeg.h"
 #include "render/primitives.h"
 
 namespace {
@@ -571,6 +572,7 @@ void CairoCanvas::Picture(BlockHandle dib, int32_t width, int32_t height, bool e
     cairo_surface_destroy(source);
   }
   if (!scaled) return;
+  if (jpegQuality_ > 0) AttachJpeg(scaled, jpegQuality_);
   cairo_set_source_surface(cr_, scaled, originX + part.left, originY + part.top);
   if (extended) {
     cairo_pattern_set_extend(cairo_get_source(cr_), CAIRO_EXTEND_PAD);

@@ -44,8 +44,12 @@ class CairoCanvas : public Canvas {
   void DrawShadowRings(const ShadowRings& rings) override;
   bool VisibleBox(Rect* box) override;
   Colour ButtonShadowColour() override { return 0xA0A0A0; }
+  // Pictures drawn from now on carry a JPEG of `quality` for a PDF to embed
+  // (0, the start: none, the PDF compresses their pixels losslessly).
+  void SetPictureJpegQuality(int quality) { jpegQuality_ = quality; }
 
  private:
+  int jpegQuality_ = 0;
   struct State {
     FontSpec font{0, 400, 0, "ARIAL"};
     PenSpec pen{false, 0};

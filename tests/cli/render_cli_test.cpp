@@ -11,6 +11,7 @@
 #include "base/dib.h"
 #include "calendar/calendar_file.h"
 #include "cli/cli_run.h"
+#include "unit/test_photos.h"
 
 namespace {
 
@@ -301,4 +302,24 @@ TEST_F(RenderCliTest, PrintShopPdfsBleedPastTheTrimWithCropMarksOutsideIt) {
   for (int y = 0; y < 1485; ++y)
     for (int x = 0; x < 1050; ++x) different += bled(x + 50, y + 50) != plain(x, y);
   EXPECT_EQ(different, 0);
+}
+
+// A PDF carries its pictures as JPEGs (quality 92 unless asked otherwise),
+// a fraction of the lossless file's size and alike to the eye.
+TEST_F(RenderCliTest, PdfPicturesAreJpegsLikeTheLosslessOnes) {
+  const std::string jpeg = dir_.File("jpeg.pdf"), lossless = dir_.File("lossless.pdf");
+  ASSERT_EQ(Cli(std::string("render ") + QUERNAL_SAMPLE + " --all --format pdf -o " + Q(jpeg)), 0);
+  ASSERT_EQ(Cli(std::string("render ") + QUERNAL_SAMPLE + " --all --format pdf --lossless -o " + Q(lossless)), 0);
+  EXPECT_LT(ReadFile(jpeg).size() * 2, ReadFile(lossless).size());
+  // The cover's and the twelve months' pictures, each a DCT stream or none.
+  for (const auto& pdf : {std::make_pair(jpeg, 13), std::make_pair(lossless, 0)}) {
+    std::string images;
+    ASSERT_EQ(RunCommand("pdfimages -list " + Q(pdf.first) + " | tail -n +3", &images), 0);
+    int count = 0;
+    for (size_t at = 0; (at = images.find(" jpeg ", at)) != std::string::npos; ++at) ++count;
+    EXPECT_EQ(count, pdf.second) << images;
+  }
+  for (const std::string& pdf : {jpeg, lossless})
+    ASSERT_EQ(RunCommand("pdftoppm -f 4 -l 4 -r 100 " + Q(pdf) + " " + Q(pdf)), 0);
+  EXPECT_GE(Ssim(ReadPpm(jpeg + "-04.ppm"), ReadPpm(lossless + "-04.ppm")), 0.98);
 }
