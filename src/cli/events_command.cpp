@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "base/regular_file.h"
 #include "base/replace_file.h"
 #include "base/text.h"
 #include "calendar/calendar_dates.h"
@@ -50,9 +51,10 @@ bool ReadYear(const Arguments& args, int* year, int* status) {
 }
 
 bool ReadWholeFile(const std::string& path, std::string* bytes) {
-  std::FILE* f = std::fopen(path.c_str(), "rb");
+  errno = 0;
+  std::FILE* f = OpenRegularFile(path.c_str(), false);
   if (!f) {
-    std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), std::strerror(errno));
+    std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), errno ? std::strerror(errno) : "not a regular file");
     return false;
   }
   char buffer[65536];
@@ -174,7 +176,7 @@ int ListEvents(const Arguments& args) {
   CopyText(Settings.ApplicationPath, sizeof Settings.ApplicationPath, list.folder.c_str());
   BlockHandle events = LoadEventList(list.name.c_str());
   if (!events) {
-    std::FILE* probe = std::fopen(EventFilePath(list.name.c_str()).c_str(), "rb");
+    std::FILE* probe = OpenRegularFile(EventFilePath(list.name.c_str()).c_str(), false);
     std::fprintf(stderr, "quernal-cli: %s: %s\n", args.positional[1].c_str(),
                  probe ? "the program cannot load it (larger than 1 MiB?)" : std::strerror(errno));
     if (probe) std::fclose(probe);

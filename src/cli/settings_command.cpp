@@ -7,6 +7,7 @@
 #include <ctime>
 #include <string>
 
+#include "base/regular_file.h"
 #include "cli/cli_common.h"
 #include "cli/locale_names.h"
 #include "config/settings_file.h"
@@ -15,10 +16,11 @@ int SettingsCommand(const Arguments& args) {
   if (!args.positional.empty()) return Usage("settings takes no file but --ini FILE");
   if (args.Has("--ini")) {
     const std::string& path = args.options.at("--ini");
-    if (std::FILE* f = std::fopen(path.c_str(), "rt")) {
+    errno = 0;
+    if (std::FILE* f = OpenRegularFile(path.c_str(), true)) {
       std::fclose(f);
     } else {
-      std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), std::strerror(errno));
+      std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), errno ? std::strerror(errno) : "not a regular file");
       return 1;
     }
     LoadSettingsFile(path.c_str());

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/regular_file.h"
 #include "base/text.h"
 #include "config/plain_name.h"
 #include "config/settings.h"
@@ -49,7 +50,7 @@ bool ParseColourLine(const std::string& whole, NamedColour* out) {
 
 bool ReadColourTable(const std::string& path, std::vector<NamedColour>* out) {
   out->clear();
-  FILE* file = std::fopen(path.c_str(), "r");
+  FILE* file = OpenRegularFile(path.c_str(), true);
   if (!file) return false;
   char line[kLineChars + 1];
   NamedColour colour;

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "base/regular_file.h"
 #include "base/replace_file.h"
 #include "base/text.h"
 #include "config/settings.h"
@@ -68,7 +69,7 @@ void StoreValue(const SettingsRow& row, const char* value) {
 }  // namespace
 
 void LoadSettingsFile(const char* path) {
-  std::FILE* f = std::fopen(path, "rt");
+  std::FILE* f = OpenRegularFile(path, true);
   if (!f) return;
   char line[kLineSize];
   SettingsLine parts;
@@ -85,7 +86,7 @@ void LoadSettings() {
 }
 
 void LoadRecentFilesFromFile(const char* path, RecentFileSink add, void* context) {
-  std::FILE* f = std::fopen(path, "rt");
+  std::FILE* f = OpenRegularFile(path, true);
   if (!f) return;
   static const char kMenuItem[] = "MenuItem";
   char line[kLineSize];

@@ -209,6 +209,8 @@ TEST_F(CliTest, AFifoOrADeviceIsRefusedWithoutWaiting) {
       {"new --year 2027 --pictures " + Q(fifo) + " -o " + Q(dir_.File("new.CLN")), "fifo.png: cannot be read"},
       {"set " + Q(cal) + " --page 3 --picture " + Q(fifo), "fifo.png: cannot be read"},
       {"info " + Q(fifo), kLoadFailedMessage},
+      {"settings --ini " + Q(fifo), "fifo.png: not a regular file"},
+      {"events import " + Q(fifo) + " --year 2027 -o Fifo.CDF", "fifo.png: not a regular file"},
   };
   for (const auto& c : refused) {
     const CliRun r = Cli(c.args, waitAtMost);
