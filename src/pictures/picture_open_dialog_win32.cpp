@@ -39,17 +39,21 @@ void CentreOnScreen(HWND dialog) {
                (GetSystemMetrics(SM_CYSCREEN) - (r.bottom - r.top)) / 2, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
 }
 
-// The three controls keep their left edges and go to fixed heights.
+// The three controls keep their left edges and go to fixed heights, given
+// for 96 dots per inch and scaled to the display's, as their sizes are.
 void PlaceControls(HWND hook) {
   const struct {
     int id, top;
   } places[] = {{IDC_PICTURE_PREVIEW, 38}, {IDC_PICTURE_SHOW_PREVIEW, 183}, {IDC_PICTURE_FACTS, 204}};
+  HDC dc = GetDC(hook);
+  const int dpi = GetDeviceCaps(dc, LOGPIXELSY);
+  ReleaseDC(hook, dc);
   for (const auto& p : places) {
     HWND control = GetDlgItem(hook, p.id);
     RECT r;
     GetWindowRect(control, &r);
     MapWindowPoints(nullptr, hook, reinterpret_cast<POINT*>(&r), 2);
-    SetWindowPos(control, nullptr, r.left, p.top, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    SetWindowPos(control, nullptr, r.left, MulDiv(p.top, dpi, 96), 0, 0, SWP_NOSIZE | SWP_NOZORDER);
   }
 }
 

@@ -6,7 +6,10 @@
 #include <commdlg.h>
 #include <dlgs.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "base/text.h"
 #include "config/settings.h"
@@ -30,11 +33,50 @@ HWND FindByClass(HWND parent, const char* cls) {
   return nullptr;
 }
 
-int Top(HWND hook, int id) {
+RECT RectIn(HWND window, HWND client) {
   RECT r;
-  GetWindowRect(GetDlgItem(hook, id), &r);
-  MapWindowPoints(nullptr, hook, reinterpret_cast<POINT*>(&r), 2);
-  return r.top;
+  GetWindowRect(window, &r);
+  MapWindowPoints(nullptr, client, reinterpret_cast<POINT*>(&r), 2);
+  return r;
+}
+
+BOOL CALLBACK LowestControl(HWND control, LPARAM data) {
+  auto* lowest = reinterpret_cast<std::pair<HWND, LONG>*>(data);
+  char name[16] = "";
+  GetClassNameA(control, name, sizeof name);
+  // The hook's own dialog spans the whole height it was given: only the
+  // controls show where the content ends.
+  if (IsWindowVisible(control) && std::string(name) != "#32770")
+    lowest->second = std::max(lowest->second, RectIn(control, lowest->first).bottom);
+  return TRUE;
+}
+
+// The preview, "Preview" and the facts at their heights for this display
+// (given for 96 dots per inch), one under the other inside the dialog, and
+// no empty band under the lowest control of the dialog.
+void ExpectPlacedForTheDisplay(HWND dialog, HWND hook) {
+  HDC dc = GetDC(hook);
+  const int dpi = GetDeviceCaps(dc, LOGPIXELSY);
+  ReleaseDC(hook, dc);
+  if (const char* wanted = std::getenv("QUERNAL_TEST_DPI")) {
+    ASSERT_EQ(dpi, std::atoi(wanted)) << "the prefix's dpi";
+  }
+  const int ids[] = {IDC_PICTURE_PREVIEW, IDC_PICTURE_SHOW_PREVIEW, IDC_PICTURE_FACTS};
+  const int tops[] = {38, 183, 204};
+  RECT client;
+  GetClientRect(hook, &client);
+  for (int i = 0; i < 3; ++i) {
+    const RECT r = RectIn(GetDlgItem(hook, ids[i]), hook);
+    EXPECT_EQ(r.top, MulDiv(tops[i], dpi, 96)) << ids[i] << " at " << dpi << " dpi";
+    EXPECT_LE(r.bottom, client.bottom) << ids[i] << " is cut off";
+    if (i > 0) {
+      EXPECT_LE(RectIn(GetDlgItem(hook, ids[i - 1]), hook).bottom, r.top) << ids[i] << " is covered";
+    }
+  }
+  std::pair<HWND, LONG> lowest{dialog, 0};
+  EnumChildWindows(dialog, LowestControl, reinterpret_cast<LPARAM>(&lowest));
+  GetClientRect(dialog, &client);
+  EXPECT_LT(client.bottom - lowest.second, MulDiv(24, dpi, 96)) << "empty below the controls";
 }
 
 // The colour in the middle of the preview, as the screen shows it.
@@ -72,9 +114,7 @@ TEST_F(QuernalTest, ThePictureOpenDialogPreviewsTheSelectedPicture) {
     HWND hook = Hook(dialog);
     ASSERT_NE(hook, nullptr);
     EXPECT_EQ(IsDlgButtonChecked(hook, IDC_PICTURE_SHOW_PREVIEW), BST_CHECKED);
-    EXPECT_EQ(Top(hook, IDC_PICTURE_PREVIEW), 38);
-    EXPECT_EQ(Top(hook, IDC_PICTURE_SHOW_PREVIEW), 183);
-    EXPECT_EQ(Top(hook, IDC_PICTURE_FACTS), 204);
+    ExpectPlacedForTheDisplay(dialog, hook);
     EXPECT_EQ(SendDlgItemMessageA(dialog, cmb1, CB_GETCURSEL, 0, 0), 1) << "BMP files";
     // The user clicks the file in the list.
     HWND list = FindByClass(dialog, "SysListView32");
