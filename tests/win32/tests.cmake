@@ -29,6 +29,7 @@ target_sources(quernal_win32_tests PRIVATE
   ${CMAKE_CURRENT_LIST_DIR}/main_window_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/font_box_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/picture_open_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/keyboard_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/colour_dialog_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/editor_controls_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/property_page_test.cpp
