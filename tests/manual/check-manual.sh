@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The manual (res/html) as it ships: every place the program opens it at
 # exists, its links lead somewhere, its pictures are there, small, and go
-# into the installer, and it needs nothing from outside.
+# into the installer, it needs nothing from outside, and the controls it
+# names are in the dialogs.
 #   check-manual.sh [SOURCE_DIR]
 set -u
 root=${1:-$(cd "$(dirname "$0")/../.." && pwd)}
@@ -43,4 +44,22 @@ for file in $(cd "$html" && ls); do
   # wixl takes no wildcards: each file of the folder is listed.
   grep -q "Source=\"Quernal/html/$file\"" "$root/installer/quernal.wxs" || fail "$file is not in installer/quernal.wxs"
 done
+# The controls the manual names, marked <b class="control">, are there: the
+# texts of the dialog templates in res/*.rc as the dialogs show them,
+# without the "&" of a shortcut key and a label's colon.
+template_texts=$(awk '
+  /^[A-Za-z_0-9]+[ \t]+DIALOG(EX)?[ \t]/ { dialog = 1 }
+  /^BEGIN/ && dialog { inside = 1; next }
+  /^END/ { inside = 0; dialog = 0 }
+  inside && match($0, /"[^"]*"/) { print substr($0, RSTART + 1, RLENGTH - 2) }' "$root"/res/*.rc |
+  tr -d '&' | sed 's/:$//')
+controls=$(tr '\n' ' ' < "$manual" | grep -o '<b class="control">[^<]*</b>' |
+  sed 's/<[^>]*>//g; s/  */ /g; s/^ //; s/ $//' | sort -u)
+[ "$(grep -c . <<<"$controls")" -ge 40 ] || fail "the manual marks only these controls: $(echo $controls)"
+[ "$(grep -c . <<<"$template_texts")" -ge 200 ] || fail "found only $(grep -c . <<<"$template_texts") texts in res/*.rc"
+missing=""
+while IFS= read -r name; do
+  grep -qxF -- "$name" <<<"$template_texts" || missing="$missing \"$name\""
+done <<<"$controls"
+[ -z "$missing" ] || fail "the manual names controls that no dialog has:$missing"
 exit $failed
