@@ -47,10 +47,10 @@ const std::vector<Command> kCommands = {
       kAppDir,
       {"-o", "FILE.CLN", "the calendar file to write"}},
      NewCommand},
-    {"info", "FILE.CLN [--app-dir DIR]",
+    {"info", "FILE.CLN [--paper a4|letter] [--app-dir DIR]",
      "Prints every field of the calendar's records as JSON: the header, then the twelve month pages with their "
-     "pictures' sizes and the events each page shows.",
-     {kAppDir},
+     "pictures' sizes and the events each page shows, then the resolution each picture prints at.",
+     {{"--paper", "a4|letter", "the paper the pictures' print resolution is given for; A4 when not given"}, kAppDir},
      InfoCommand},
     {"summary", "FILE.CLN [--paper a4|letter] [--app-dir DIR]",
      "Prints a few lines about the calendar: its year, the page it opens on, its pictures with the resolution "

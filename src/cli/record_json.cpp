@@ -1,5 +1,6 @@
 #include "cli/record_json.h"
 
+#include "cli/print_resolution.h"
 #include "cli/record_fields.h"
 
 #include <cstdio>
@@ -96,7 +97,7 @@ void WriteRecord(std::FILE* out, const FieldList& fields, const uint8_t* record,
 
 }  // namespace
 
-void WriteCalendarJson(std::FILE* out, CalendarDocument document) {
+void WriteCalendarJson(std::FILE* out, CalendarDocument document, const std::string& paper) {
   CalendarHeader header;
   if (!GetHeader(document, &header)) return;
   int year = CalendarYear(&header);
@@ -109,5 +110,14 @@ void WriteCalendarJson(std::FILE* out, CalendarDocument document) {
     std::fputs(month ? ",\n    " : "\n    ", out);
     WriteRecord(out, MonthPageFields(), reinterpret_cast<const uint8_t*>(&page), year, month, "    ");
   }
-  std::fputs("\n  ]\n}\n", out);
+  // Pages 0..11 the months, 13 the cover; below 150 ppi a picture may print blurry.
+  double width = 0, height = 0;
+  PaperInches(paper, &width, &height);
+  std::fprintf(out, "\n  ],\n  \"printResolution\": {\"paper\": \"%s\", \"pictures\": [", paper.c_str());
+  const std::vector<PrintedPicture> printed =
+      PrintedPictures(document, width, height, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 13});
+  for (size_t i = 0; i < printed.size(); ++i)
+    std::fprintf(out, "%s{\"page\": %d, \"ppi\": %d, \"mayPrintBlurry\": %s}", i ? ", " : "", printed[i].page,
+                 printed[i].ppi, printed[i].ppi < kBlurryBelowPpi ? "true" : "false");
+  std::fputs("]}\n}\n", out);
 }

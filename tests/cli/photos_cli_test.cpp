@@ -91,6 +91,7 @@ TEST_F(PhotosCliTest, ACalendarOf48MegapixelPhotographsSavesAndOpensAgain) {
   EXPECT_TRUE(ReadFile(cal) == before);
 }
 
+// summary, info and render say which pictures print below 150 ppi.
 TEST_F(PhotosCliTest, SmallPicturesAreSaidToPrintBlurry) {
   // A 640 x 480 photograph and a 3000 x 2000 one, on A4 and on Letter.
   const std::string small = dir_.File("small.png"), cal = dir_.File("cal.CLN");
@@ -112,6 +113,9 @@ TEST_F(PhotosCliTest, SmallPicturesAreSaidToPrintBlurry) {
     EXPECT_TRUE(Has(summary.out, "640 x 480 picture, prints at " + std::to_string(ppi) + " ppi (may print blurry)"))
         << summary.out;
     EXPECT_EQ(Count(summary.out, "may print blurry"), 1) << "February's prints sharp\n" << summary.out;
+    EXPECT_TRUE(Has(Cli("info " + Q(cal) + " --paper " + paper).out,
+                    "\"printResolution\": {\"paper\": \"" + std::string(paper) + "\", \"pictures\": [{\"page\": 0, "
+                    "\"ppi\": " + std::to_string(ppi) + ", \"mayPrintBlurry\": true}, {\"page\": 1,"));
     const CliRun render = Cli("render " + Q(cal) + " --all --paper " + paper + " --format pdf -o " + Q(dir_.File("c.pdf")));
     EXPECT_EQ(render.status, 0);
     EXPECT_EQ(render.err, "quernal-cli: warning: the picture of the page \"January\" prints at " + std::to_string(ppi) +
