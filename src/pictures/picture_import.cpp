@@ -46,6 +46,25 @@ uint64_t MaxPixelsOf(int index, uint16_t bitCount) {
   return index == kJpeg ? kMaxJpegPixels : static_cast<uint64_t>(kMaxImageBytes) * 8 / (bitCount ? bitCount : 24);
 }
 
+// `dib` brought down to `longest` on its longer side (freed when replaced);
+// when memory runs out, 0 with `mustFit`, else `dib` as it was.
+BlockHandle ReducedToFit(BlockHandle dib, int32_t longest, bool mustFit) {
+  if (!DibBlockIsValid(dib)) return dib;
+  BitmapInfoHeader stored;
+  {
+    BlockLock lock(dib);
+    stored = *lock.as<BitmapInfoHeader>();
+  }
+  const int32_t height = stored.biHeight < 0 ? -stored.biHeight : stored.biHeight;
+  int32_t w, h;
+  ReducedSize(stored.biWidth, height, longest, &w, &h);
+  if (w == stored.biWidth && h == height) return dib;
+  const BlockHandle reduced = DibReduced(dib, w, h);
+  if (!reduced && !mustFit) return dib;
+  GlobalBlockFree(dib);
+  return reduced;
+}
+
 // Each pixel laid over the background, then the rows reduced.
 BlockHandle FromDecodedPixels(DecodedPixels& pixels, const ImportRequest& request) {
   const size_t count = static_cast<size_t>(pixels.width) * static_cast<size_t>(pixels.height);
@@ -119,18 +138,7 @@ ImportedPicture ImportFormat(int index, const uint8_t* data, size_t size, const 
   }
   result.paletteWarning = WantsPaletteWarning(ClassifyPicture(dib));
   // Readers that cannot decode smaller give the whole picture.
-  int32_t w, h;
-  ReducedSize(header.width, header.height, request.longestSide, &w, &h);
-  BitmapInfoHeader stored;
-  {
-    BlockLock lock(dib);
-    stored = *lock.as<BitmapInfoHeader>();
-  }
-  if (stored.biWidth > w || stored.biHeight > h) {
-    const BlockHandle reduced = DibReduced(dib, w, h);
-    GlobalBlockFree(dib);
-    dib = reduced;
-  }
+  dib = ReducedToFit(dib, request.longestSide, true);
   const bool swap = OrientationSwapsSides(decode.orientation);
   result.fileWidth = swap ? header.height : header.width;
   result.fileHeight = swap ? header.width : header.height;
@@ -163,21 +171,9 @@ ImportedPicture ImportPictureFile(const char* path, const ImportRequest& request
   return ImportFormat(index, file.data.get(), file.size, request);
 }
 
+// A clipboard bitmap too large to be reduced is kept whole rather than lost.
 BlockHandle ImportPictureDib(BlockHandle dib, const ImportRequest& request) {
-  if (!DibBlockIsValid(dib)) return dib;
-  BitmapInfoHeader stored;
-  {
-    BlockLock lock(dib);
-    stored = *lock.as<BitmapInfoHeader>();
-  }
-  const int32_t height = stored.biHeight < 0 ? -stored.biHeight : stored.biHeight;
-  int32_t w, h;
-  ReducedSize(stored.biWidth, height, request.longestSide, &w, &h);
-  if (w == stored.biWidth && h == height) return dib;
-  const BlockHandle reduced = DibReduced(dib, w, h);
-  if (!reduced) return dib;  // kept whole rather than lost
-  GlobalBlockFree(dib);
-  return reduced;
+  return ReducedToFit(dib, request.longestSide, false);
 }
 
 bool HasPictureExtension(const char* path) {
