@@ -16,5 +16,9 @@ HWND CreateMainWindow();
 void CreateChildControls(HWND window);
 // Moves the window to where it was at the last exit, pulled onto this screen.
 void RestoreWindowPosition(HWND window);
+// The commands that need a month page are greyed while the year or the
+// cover is shown; Cut and Copy need a picture on it, Paste one on the
+// clipboard. The View menu names the months and ticks the page shown.
+void UpdatePageCommands(HWND window);
 // Opens the file named on the command line, exactly as it stands.
 void OpenOnStart(HWND window, const char* path);
