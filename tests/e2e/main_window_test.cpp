@@ -19,41 +19,44 @@ const char* const kMonths[12] = {"January", "February", "March",     "April",   
 
 }  // namespace
 
-TEST(MainWindow, ShowsTodaysMonthAndWritesItsSettingsOnExit) {
-  const std::string ini = ConfigFolder() + "QUERNL.INI";
-  DeleteFileA(ini.c_str());
-  Quernal quernal;
-  ASSERT_NE(quernal.MainWindow(), nullptr) << "no main window appeared";
-  std::time_t now = std::time(nullptr);
-  const std::string month = kMonths[std::localtime(&now)->tm_mon];
-  EXPECT_EQ(quernal.Title(), "Quernal [ Untitled.CLN \x96 " + month + " ]");
-
-  // The title names the document as it was named, whatever page shows.
-  quernal.Do(WM_COMMAND, 323);
-  EXPECT_EQ(quernal.Title(), "Quernal [ Untitled.CLN \x96 " + month + " ]");
-
-  ASSERT_TRUE(quernal.Close());
-  const std::string settings = ReadAll(ini);
-  EXPECT_EQ(settings.rfind(";Quernal configuration file", 0), 0u) << settings.substr(0, 200);
-  EXPECT_NE(settings.find("[Quernal]"), std::string::npos);
-  EXPECT_NE(settings.find("StartMaximized = 0"), std::string::npos);
-  EXPECT_EQ(settings.find("StickyWindowLeft = 4294967295"), std::string::npos) << "the window's edges are kept";
-}
-
-TEST(MainWindow, AMissingConfigurationFolderIsNoError) {
+// Without a configuration folder the program starts on today's month and
+// makes none; with settings, it writes them on exit, pulls edges stored on a
+// larger screen back onto this one, and reopens maximized when it closed so.
+TEST(MainWindow, StartsFromItsSettingsAndWritesThemOnExit) {
   char appData[MAX_PATH];
   SHGetFolderPathA(nullptr, CSIDL_APPDATA, nullptr, 0, appData);
-  const std::string folder = std::string(appData) + "\\Tarnwick";
+  const std::string folder = std::string(appData) + "\\Tarnwick", ini = ConfigFolder() + "QUERNL.INI";
   DeleteFileA((folder + "\\QUERNL.INI").c_str());
   RemoveDirectoryA(folder.c_str());
-  Quernal quernal;
-  ASSERT_NE(quernal.MainWindow(), nullptr);
-  ASSERT_TRUE(quernal.Close());
-  EXPECT_EQ(GetFileAttributesA(folder.c_str()), INVALID_FILE_ATTRIBUTES) << "the program never makes the folder";
-}
-
-TEST(MainWindow, AMaximizedExitReopensMaximized) {
-  WriteSettings("");
+  {
+    Quernal quernal;
+    ASSERT_NE(quernal.MainWindow(), nullptr) << "no main window appeared";
+    std::time_t now = std::time(nullptr);
+    const std::string title = "Quernal [ Untitled.CLN \x96 " + std::string(kMonths[std::localtime(&now)->tm_mon]) + " ]";
+    EXPECT_EQ(quernal.Title(), title);
+    // The title names the document as it was named, whatever page shows.
+    quernal.Do(WM_COMMAND, 323);
+    EXPECT_EQ(quernal.Title(), title);
+    ASSERT_TRUE(quernal.Close());
+    EXPECT_EQ(GetFileAttributesA(folder.c_str()), INVALID_FILE_ATTRIBUTES) << "the program never makes the folder";
+  }
+  WriteSettings("StickyWindowLeft = 5000\nStickyWindowTop = 4000\nStickyWindowRight = 5600\nStickyWindowBottom = 4460\n");
+  {
+    Quernal quernal;
+    ASSERT_NE(quernal.MainWindow(), nullptr);
+    RECT r;
+    GetWindowRect(quernal.window(), &r);
+    // A 620 x 460 window would fit; the size stays the default one.
+    EXPECT_EQ(r.left, GetSystemMetrics(SM_CXSCREEN) - 620);
+    EXPECT_EQ(r.top, GetSystemMetrics(SM_CYSCREEN) - 460);
+    EXPECT_EQ(r.bottom - r.top, GetSystemMetrics(SM_CYSCREEN) * 95 / 100);
+    ASSERT_TRUE(quernal.Close());
+    const std::string settings = ReadAll(ini);
+    EXPECT_EQ(settings.rfind(";Quernal configuration file", 0), 0u) << settings.substr(0, 200);
+    EXPECT_NE(settings.find("[Quernal]"), std::string::npos);
+    EXPECT_NE(settings.find("StartMaximized = 0"), std::string::npos);
+    EXPECT_EQ(settings.find("StickyWindowLeft = 4294967295"), std::string::npos) << "the window's edges are kept";
+  }
   {
     Quernal quernal;
     ASSERT_NE(quernal.MainWindow(), nullptr);
@@ -61,25 +64,12 @@ TEST(MainWindow, AMaximizedExitReopensMaximized) {
     ASSERT_TRUE(IsZoomed(quernal.window()));
     ASSERT_TRUE(quernal.Close());
   }
-  EXPECT_NE(ReadAll(ConfigFolder() + "QUERNL.INI").find("StartMaximized = 1"), std::string::npos);
+  EXPECT_NE(ReadAll(ini).find("StartMaximized = 1"), std::string::npos);
   Quernal again;
   ASSERT_NE(again.MainWindow(), nullptr);
   for (int i = 0; i < 50 && !IsZoomed(again.window()); ++i) Sleep(100);
   EXPECT_TRUE(IsZoomed(again.window()));
   ASSERT_TRUE(again.Close());
-}
-
-TEST(MainWindow, EdgesStoredOnALargerScreenArePulledBack) {
-  WriteSettings("StickyWindowLeft = 5000\nStickyWindowTop = 4000\nStickyWindowRight = 5600\nStickyWindowBottom = 4460\n");
-  Quernal quernal;
-  ASSERT_NE(quernal.MainWindow(), nullptr);
-  RECT r;
-  GetWindowRect(quernal.window(), &r);
-  // A 620 x 460 window would fit; the size stays the default one.
-  EXPECT_EQ(r.left, GetSystemMetrics(SM_CXSCREEN) - 620);
-  EXPECT_EQ(r.top, GetSystemMetrics(SM_CYSCREEN) - 460);
-  EXPECT_EQ(r.bottom - r.top, GetSystemMetrics(SM_CYSCREEN) * 95 / 100);
-  ASSERT_TRUE(quernal.Close());
 }
 
 // Scroll bar `id` of the main window, as the program last set it.
@@ -164,12 +154,15 @@ TEST(MainWindow, OpensTheCommandLineExactlyAsItStands) {
   ASSERT_TRUE(quoted.Close());
 }
 
-TEST(MainWindow, UnsavedChangesAnsweredNoAreLost) {
+// New asks about unsaved changes, and No gives the new calendar unsaved;
+// closing asks too, and Yes on an untitled calendar asks for its name,
+// saves and ends.
+TEST(MainWindow, UnsavedChangesAreAskedAbout) {
   WriteSettings("");
+  const std::string path = FreshFile("Kept.CLN");
   Quernal quernal;
   ASSERT_NE(quernal.MainWindow(), nullptr);
   quernal.ChangeCalendar();
-  // New asks first; No gives the new calendar without saving.
   quernal.Command(101);
   HWND box = quernal.Wait("Message");
   ASSERT_NE(box, nullptr);
@@ -177,19 +170,9 @@ TEST(MainWindow, UnsavedChangesAnsweredNoAreLost) {
   Press(box, IDNO);
   WaitGone(box);
   EXPECT_EQ(quernal.Wait("Save As", 500), nullptr);
-  // The new calendar has no changes: Exit asks nothing.
-  quernal.Command(56);
-  EXPECT_TRUE(quernal.Ended());
-}
-
-TEST(MainWindow, UnsavedChangesAnsweredYesAreSavedOnExit) {
-  WriteSettings("");
-  const std::string path = FreshFile("Kept.CLN");
-  Quernal quernal;
-  ASSERT_NE(quernal.MainWindow(), nullptr);
   quernal.ChangeCalendar();
   PostMessageA(quernal.window(), WM_SYSCOMMAND, SC_CLOSE, 0);
-  HWND box = quernal.Wait("Message");
+  box = quernal.Wait("Message");
   ASSERT_NE(box, nullptr);
   Press(box, IDYES);
   HWND dialog = quernal.Wait("Save As");
@@ -199,7 +182,8 @@ TEST(MainWindow, UnsavedChangesAnsweredYesAreSavedOnExit) {
   EXPECT_TRUE(Exists(path));
 }
 
-// The dialogs of the Edit menu open over the page they belong to.
+// The dialogs of the Edit menu open over the page they belong to; About
+// names the program.
 TEST(MainWindow, EventsAndReplicateOpenForTheCurrentMonth) {
   WriteSettings();
   Quernal quernal;
@@ -228,19 +212,12 @@ TEST(MainWindow, EventsAndReplicateOpenForTheCurrentMonth) {
   SaveShot("replicate", replicate);
   Press(replicate, IDCANCEL);
   WaitGone(replicate);
-  ASSERT_TRUE(quernal.Close());
-}
 
-TEST(MainWindow, AboutNamesTheProgram) {
-  WriteSettings();
-  Quernal quernal;
-  ASSERT_NE(quernal.MainWindow(), nullptr);
   quernal.Command(999);
   HWND about = quernal.Wait("About Quernal");
   ASSERT_NE(about, nullptr);
   SaveShot("about", about);
   Press(about, IDOK);
   WaitGone(about);
-  EXPECT_FALSE(IsWindow(about));
   ASSERT_TRUE(quernal.Close());
 }
