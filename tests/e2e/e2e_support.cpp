@@ -5,6 +5,9 @@
 #include <fstream>
 #include <sstream>
 
+#include "res/calendar_dialog_ids.h"
+#include "res/main_ids.h"
+
 namespace {
 
 
@@ -196,9 +199,9 @@ HWND Quernal::MainWindow() {
       return info.nMax;
     };
     const int before = range();
-    PostMessageA(window_, WM_COMMAND, 302, 0);
+    PostMessageA(window_, WM_COMMAND, IDM_ZOOM_200, 0);
     for (int i = 0; i < 300 && range() == before; ++i) Sleep(100);
-    Do(WM_COMMAND, 301);
+    Do(WM_COMMAND, IDM_ZOOM_100);
   }
   return window_;
 }
@@ -229,10 +232,10 @@ bool Quernal::Settle() const {
 }
 
 void Quernal::ChangeCalendar() const {
-  Command(251);
+  Command(IDM_REPLICATE);
   HWND dialog = Wait("Replicate");
   if (!dialog) return;
-  Press(dialog, 113);  // Select all
+  Press(dialog, IDC_REPLICATE_ALL);
   Press(dialog, IDOK);
   WaitGone(dialog);
 }
@@ -252,7 +255,7 @@ std::string BesideTests(const std::string& name) {
 }
 
 std::string Quernal::SaveAs(const std::string& path) const {
-  Command(104);
+  Command(IDM_SAVE_AS);
   HWND dialog = Wait("Save As");
   if (!dialog) return "";
   ChooseFile(dialog, path);

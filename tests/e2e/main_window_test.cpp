@@ -11,6 +11,8 @@
 #include <string>
 
 #include "e2e_support.h"
+#include "res/calendar_dialog_ids.h"
+#include "res/main_ids.h"
 
 namespace {
 
@@ -35,7 +37,7 @@ TEST(MainWindow, StartsFromItsSettingsAndWritesThemOnExit) {
     const std::string title = "Quernal [ Untitled.CLN \x96 " + std::string(kMonths[std::localtime(&now)->tm_mon]) + " ]";
     EXPECT_EQ(quernal.Title(), title);
     // The title names the document as it was named, whatever page shows.
-    quernal.Do(WM_COMMAND, 323);
+    quernal.Do(WM_COMMAND, IDM_PAGE_COVER);
     EXPECT_EQ(quernal.Title(), title);
     ASSERT_TRUE(quernal.Close());
     EXPECT_EQ(GetFileAttributesA(folder.c_str()), INVALID_FILE_ATTRIBUTES) << "the program never makes the folder";
@@ -85,13 +87,13 @@ TEST(MainWindow, ZoomScalesThePageAndResetsTheScrollBars) {
   ASSERT_NE(quernal.MainWindow(), nullptr);
   const int page100 = ScrollBar(quernal.window(), 703).nMax - 8;
   SaveShot("main-100");
-  quernal.Do(WM_COMMAND, 302);
+  quernal.Do(WM_COMMAND, IDM_ZOOM_200);
   EXPECT_EQ(ScrollBar(quernal.window(), 703).nMax - 8, page100 * 2);
   // Page Down moves a zoomed page; the next zoom starts again at the top.
   quernal.Do(WM_KEYDOWN, VK_NEXT);
   EXPECT_GT(ScrollBar(quernal.window(), 703).nPos, 0);
   SaveShot("main-200");
-  quernal.Do(WM_COMMAND, 303);
+  quernal.Do(WM_COMMAND, IDM_ZOOM_400);
   EXPECT_EQ(ScrollBar(quernal.window(), 703).nPos, 0);
   EXPECT_EQ(ScrollBar(quernal.window(), 703).nMax - 8, page100 * 4);
   ASSERT_TRUE(quernal.Close());
@@ -104,14 +106,14 @@ TEST(MainWindow, SaveOnAnUntitledCalendarAsksForAName) {
   ASSERT_NE(quernal.MainWindow(), nullptr);
   const std::string title = quernal.Title();
   // Cancelled, nothing changes.
-  quernal.Command(51);
+  quernal.Command(IDM_SAVE);
   HWND dialog = quernal.Wait("Save As");
   ASSERT_NE(dialog, nullptr) << "Save on Untitled.CLN must ask for a name";
   Press(dialog, IDCANCEL);
   WaitGone(dialog);
   EXPECT_EQ(quernal.Title(), title);
 
-  quernal.Command(51);
+  quernal.Command(IDM_SAVE);
   dialog = quernal.Wait("Save As");
   ASSERT_NE(dialog, nullptr);
   ChooseFile(dialog, path);
@@ -131,7 +133,7 @@ TEST(MainWindow, OpensTheCommandLineExactlyAsItStands) {
   {
     Quernal quernal;
     ASSERT_NE(quernal.MainWindow(), nullptr);
-    quernal.Do(WM_COMMAND, 323);  // the cover is the page the file reopens on
+    quernal.Do(WM_COMMAND, IDM_PAGE_COVER);  // the cover is the page the file reopens on
     // Named anew, the title takes the page shown.
     EXPECT_EQ(quernal.SaveAs(path), "Quernal [ Opened.CLN \x96 Cover ]");
     ASSERT_TRUE(quernal.Close());
@@ -163,7 +165,7 @@ TEST(MainWindow, UnsavedChangesAreAskedAbout) {
   Quernal quernal;
   ASSERT_NE(quernal.MainWindow(), nullptr);
   quernal.ChangeCalendar();
-  quernal.Command(101);
+  quernal.Command(IDM_NEW);
   HWND box = quernal.Wait("Message");
   ASSERT_NE(box, nullptr);
   EXPECT_EQ(MessageText(box).rfind("Your current calendar has not been saved.", 0), 0u) << MessageText(box);
@@ -188,14 +190,14 @@ TEST(MainWindow, EventsAndReplicateOpenForTheCurrentMonth) {
   WriteSettings();
   Quernal quernal;
   ASSERT_NE(quernal.MainWindow(), nullptr);
-  quernal.Do(WM_COMMAND, 310 + 4);
-  quernal.Command(252);
+  quernal.Do(WM_COMMAND, IDM_PAGE_JANUARY + 4);
+  quernal.Command(IDM_EVENTS);
   HWND events = quernal.Wait("Edit [ General ]");
   ASSERT_NE(events, nullptr) << "the page's list is the General list shipped beside the program";
   // General.CDF holds eleven events.
-  EXPECT_EQ(SendDlgItemMessageA(events, 101, LB_GETCOUNT, 0, 0), 11);
+  EXPECT_EQ(SendDlgItemMessageA(events, IDC_EVENT_LIST, LB_GETCOUNT, 0, 0), 11);
   SaveShot("events", events);
-  Press(events, 102);  // New...
+  Press(events, IDC_EVENT_NEW);
   HWND entry = quernal.Wait("New");
   ASSERT_NE(entry, nullptr);
   SaveShot("new-event", entry);
@@ -204,16 +206,16 @@ TEST(MainWindow, EventsAndReplicateOpenForTheCurrentMonth) {
   Press(events, IDCANCEL);
   WaitGone(events);
 
-  quernal.Command(251);
+  quernal.Command(IDM_REPLICATE);
   HWND replicate = quernal.Wait("Replicate");
   ASSERT_NE(replicate, nullptr);
-  EXPECT_FALSE(IsWindowEnabled(GetDlgItem(replicate, 101 + 4))) << "May is the month copied from";
-  EXPECT_TRUE(IsWindowEnabled(GetDlgItem(replicate, 101 + 5)));
+  EXPECT_FALSE(IsWindowEnabled(GetDlgItem(replicate, IDC_REPLICATE_JANUARY + 4))) << "May is the month copied from";
+  EXPECT_TRUE(IsWindowEnabled(GetDlgItem(replicate, IDC_REPLICATE_JANUARY + 5)));
   SaveShot("replicate", replicate);
   Press(replicate, IDCANCEL);
   WaitGone(replicate);
 
-  quernal.Command(999);
+  quernal.Command(IDM_ABOUT);
   HWND about = quernal.Wait("About Quernal");
   ASSERT_NE(about, nullptr);
   SaveShot("about", about);

@@ -17,6 +17,8 @@
 #include <vector>
 
 #include "e2e_support.h"
+#include "res/main_ids.h"
+#include "res/print_dialog_ids.h"
 
 namespace {
 
@@ -31,12 +33,12 @@ void PrintSingleSided(const std::string& calendar, Choose choose) {
   WriteSettings("InkJet = 0\n");
   Quernal quernal(WindowsPath(calendar));
   ASSERT_NE(quernal.MainWindow(), nullptr) << "no main window";
-  quernal.Command(106);
+  quernal.Command(IDM_PRINT_SINGLE);
   HWND dialog = quernal.Wait("Print");
   ASSERT_NE(dialog, nullptr) << "no print dialog";
   // The program's own layout of the dialog, with the common dialog's controls.
   EXPECT_NE(GetDlgItem(dialog, cmb4), nullptr);
-  EXPECT_EQ(TextOf(GetDlgItem(dialog, 101)), "Face up");
+  EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_FACE_UP)), "Face up");
   choose(dialog);
   SaveShot("print", dialog);
   Press(dialog, IDOK);
@@ -49,7 +51,7 @@ void PrintDoubleSided(const std::string& calendar, bool faceUp) {
   WriteSettings("InkJet = 0\n");
   Quernal quernal(WindowsPath(calendar));
   ASSERT_NE(quernal.MainWindow(), nullptr) << "no main window";
-  quernal.Command(107);
+  quernal.Command(IDM_PRINT_DOUBLE);
   HWND dialog = quernal.Wait("Print");
   ASSERT_NE(dialog, nullptr) << "no print dialog";
   EXPECT_EQ(IsDlgButtonChecked(dialog, 101), BST_UNCHECKED) << "Face up shows the InkJet setting";
@@ -189,7 +191,7 @@ TEST(Print, PrinterSetupKeepsThePagePortrait) {
   Quernal quernal("");
   HWND window = quernal.MainWindow();
   ASSERT_NE(window, nullptr);
-  quernal.Command(105);
+  quernal.Command(IDM_SELECT_PRINTER);
   HWND dialog = quernal.Wait("Print Setup");
   ASSERT_NE(dialog, nullptr) << "no printer-setup dialog";
   EXPECT_GE(SendDlgItemMessageA(dialog, cmb1, CB_GETCOUNT, 0, 0), 1) << "the printers are listed";
@@ -219,7 +221,7 @@ TEST(Print, ThePaperChosenInSetupIsThePaperPrinted) {
     return WhitePageWidthOnScreen(window);
   };
   const int a4 = pageWidth();
-  quernal.Command(105);
+  quernal.Command(IDM_SELECT_PRINTER);
   HWND setup = quernal.Wait("Print Setup");
   ASSERT_NE(setup, nullptr) << "no printer-setup dialog";
   HWND paper = GetDlgItem(setup, cmb2);

@@ -13,6 +13,9 @@
 
 #include "calendar/records.h"
 #include "e2e_support.h"
+#include "res/colour_dialog_ids.h"
+#include "res/main_ids.h"
+#include "res/page_sheet_ids.h"
 
 namespace {
 
@@ -29,10 +32,10 @@ void PickColour(const Quernal& quernal, HWND tab, int button, int index) {
   Press(tab, button);
   HWND colour = quernal.Wait("Color");
   ASSERT_NE(colour, nullptr);
-  HWND list = GetDlgItem(colour, 108);
+  HWND list = GetDlgItem(colour, IDC_COLOUR_LIST);
   SendMessageA(list, LB_SETCURSEL, index, 0);
   for (WORD click : {LBN_SELCHANGE, LBN_DBLCLK})
-    PostMessageA(colour, WM_COMMAND, MAKEWPARAM(108, click), reinterpret_cast<LPARAM>(list));
+    PostMessageA(colour, WM_COMMAND, MAKEWPARAM(IDC_COLOUR_LIST, click), reinterpret_cast<LPARAM>(list));
   WaitGone(colour);
 }
 
@@ -108,13 +111,13 @@ TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
   {
     Quernal quernal;
     ASSERT_NE(quernal.MainWindow(), nullptr);
-    quernal.Do(WM_COMMAND, 310 + 4);  // May
+    quernal.Do(WM_COMMAND, IDM_PAGE_JANUARY + 4);  // May
     EXPECT_EQ(PixelsLike(quernal.window(), kCardinal), 0);
-    quernal.Command(250);
+    quernal.Command(IDM_EDIT_MONTH);
     HWND sheet = quernal.Wait("Page");
     ASSERT_NE(sheet, nullptr);
     HWND heading = ShowTab(sheet, 0);
-    Press(heading, 115);
+    Press(heading, IDC_HEAD_FONT);
     HWND font = quernal.Wait("Font");
     ASSERT_NE(font, nullptr);
     SetDlgItemTextA(font, 101, "60");
@@ -155,7 +158,7 @@ TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
     // calendar the program starts with is built before they are read).
     Quernal quernal;
     ASSERT_NE(quernal.MainWindow(), nullptr);
-    quernal.Do(WM_COMMAND, 101);
+    quernal.Do(WM_COMMAND, IDM_NEW);
     EXPECT_NE(quernal.SaveAs(next), "");
     ASSERT_TRUE(quernal.Close());
   }
@@ -170,7 +173,7 @@ TEST(YearSheet, TheYearAndTheCoverDesignedSavedAndReopened) {
   {
     Quernal quernal;
     ASSERT_NE(quernal.MainWindow(), nullptr);
-    quernal.Command(324);
+    quernal.Command(IDM_EDIT_YEAR);
     HWND sheet = quernal.Wait("Year");
     ASSERT_NE(sheet, nullptr);
     HWND year = ShowTab(sheet, 0);
@@ -194,9 +197,9 @@ TEST(YearSheet, TheYearAndTheCoverDesignedSavedAndReopened) {
   EXPECT_GT(header.CoverPictureDataSize, 640u * 480u * 3u);
   Quernal quernal(designed);
   ASSERT_NE(quernal.MainWindow(), nullptr);
-  quernal.Do(WM_COMMAND, 323);
+  quernal.Do(WM_COMMAND, IDM_PAGE_COVER);
   EXPECT_TRUE(Shows(quernal.window(), {kMeadow})) << "the cover's photograph";
-  quernal.Do(WM_COMMAND, 322);
+  quernal.Do(WM_COMMAND, IDM_PAGE_YEAR);
   EXPECT_TRUE(Shows(quernal.window(), {kCardinal})) << "the year page's paper";
   SaveShot("designed-year", quernal.window());
   ASSERT_TRUE(quernal.Close());
@@ -208,7 +211,7 @@ TEST(SetupSheet, OptionsAndNamesAreWrittenOnExit) {
   WriteSettings("");
   Quernal quernal;
   ASSERT_NE(quernal.MainWindow(), nullptr);
-  quernal.Command(55);
+  quernal.Command(IDM_SETUP);
   HWND sheet = quernal.Wait("Setup");
   ASSERT_NE(sheet, nullptr);
   SetDlgItemTextA(ShowTab(sheet, 0), 107, "0");

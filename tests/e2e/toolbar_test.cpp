@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "e2e_support.h"
+#include "res/main_ids.h"
 
 TEST(Toolbar, StripsTheTopOfTheMainWindowAndItsExitButtonCloses) {
   WriteSettings();
@@ -36,7 +37,7 @@ TEST(Toolbar, StripsTheTopOfTheMainWindowAndItsExitButtonCloses) {
   SaveShot("toolbar");
 
   // The mouse resting on Edit year brings its tip.
-  GetWindowRect(GetDlgItem(bar, 52), &r);
+  GetWindowRect(GetDlgItem(bar, IDM_EDIT_YEAR_BUTTON), &r);
   SetCursorPos((r.left + r.right) / 2, (r.top + r.bottom) / 2);
   HWND tip = nullptr;
   for (int i = 0; i < 50 && !tip; ++i) {
@@ -48,7 +49,7 @@ TEST(Toolbar, StripsTheTopOfTheMainWindowAndItsExitButtonCloses) {
   SaveShot("toolbar-tip");
 
   // Exit on an unchanged calendar closes without a question.
-  PostMessageA(bar, WM_COMMAND, MAKEWPARAM(56, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(bar, 56)));
+  PostMessageA(bar, WM_COMMAND, MAKEWPARAM(IDM_EXIT, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(bar, IDM_EXIT)));
   EXPECT_TRUE(quernal.Ended()) << "still running: a question was asked, or the button did nothing";
 }
 
@@ -65,7 +66,7 @@ TEST(StartupScreen, StaysForItsTimeWithoutHoldingUpTheProgram) {
   EXPECT_TRUE(IsWindowVisible(screen));
   for (int i = 0; i < 100 && IsWindow(screen); ++i) Sleep(100);
   EXPECT_FALSE(IsWindow(screen)) << "the start-up screen outstays its LogoDelay";
-  quernal.Command(56);
+  quernal.Command(IDM_EXIT);
   EXPECT_TRUE(quernal.Ended());
 }
 
@@ -118,7 +119,7 @@ TEST(Toolbar, GrowsWithTheDisplaysDotsPerInch) {
     RECT r;
     ASSERT_TRUE(GetWindowRect(bar, &r));
     Sleep(300);  // painted
-    const int glyph = GlyphWidth(GetDlgItem(bar, 51));
+    const int glyph = GlyphWidth(GetDlgItem(bar, IDM_SAVE));
     if (dpi == 96) {
       strip96 = r.bottom - r.top, glyph96 = glyph;
       EXPECT_EQ(strip96, 35);

@@ -200,7 +200,7 @@ TEST_F(MainWindowTest, EditMonthAndYearPutTheSheetsDesignIntoTheCalendarAndTheDe
   Command(IDM_PAGE_YEAR);
   Command(IDM_EDIT_MONTH);
   EXPECT_FALSE(driver.Finished()) << "the year page has no page sheet";
-  Command(314);
+  Command(IDM_PAGE_JANUARY + 4);
   Command(IDM_EDIT_PAGE_BUTTON);  // the toolbar's button posts Edit month
   Pump(20000, [&] { return driver.Finished(); });
   EXPECT_TRUE(driver.Finished());
@@ -450,7 +450,7 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   EXPECT_EQ(may.Picture, 0u);
   EXPECT_TRUE(Greyed(IDM_COPY));
   EXPECT_FALSE(Greyed(IDM_PASTE));
-  Command(315);
+  Command(IDM_PAGE_JANUARY + 5);
   Command(IDM_PASTE);
   MonthPage june;
   ASSERT_TRUE(GetMonthPage(App.document, 5, &june));
@@ -466,7 +466,7 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   CloseClipboard();
   Pump(300);
   EXPECT_FALSE(Greyed(IDM_PASTE)) << "a bitmap from another program";
-  Command(316);
+  Command(IDM_PAGE_JANUARY + 6);
   Command(IDM_PASTE);
   MonthPage july;
   ASSERT_TRUE(GetMonthPage(App.document, 6, &july));
@@ -495,7 +495,7 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   EmptyClipboard();
   SetClipboardData(CF_DIBV5, cutOut);
   CloseClipboard();
-  Command(317);
+  Command(IDM_PAGE_JANUARY + 7);
   Command(IDM_PASTE);
   ASSERT_TRUE(GetMonthPage(App.document, 7, &august));
   EXPECT_EQ(Bytes(august.Picture).size(), 40u + 8u);
@@ -508,7 +508,7 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   // Not on the cover; and a file that is no picture is said so.
   Command(IDM_PAGE_COVER);
   EXPECT_TRUE(Greyed(IDM_CUT) && Greyed(IDM_COPY) && Greyed(IDM_PASTE));
-  Command(314);
+  Command(IDM_PAGE_JANUARY + 4);
   std::string said;
   driver.Then("Message", [&](HWND box) {
     said = MessageText(box);
