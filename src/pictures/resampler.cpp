@@ -131,12 +131,24 @@ Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, con
     const size_t span = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin) * lanes;
     if (static_cast<uint64_t>(pending_) * span > (uint64_t(1) << 28)) return;  // a gigabyte of sums
     sums_.assign(static_cast<size_t>(pending_) * span, 0.0f);
+    row_.resize(span);
     out_.resize(static_cast<size_t>(Width(part)) * channels);
   } catch (const std::bad_alloc&) {
     return;
   }
   ok_ = true;
 }
+
+namespace {
+
+// Four floats in one vector register (blue, green, red and a spare), read
+// and written at any alignment.
+typedef float Lanes __attribute__((vector_size(16)));
+typedef Lanes AnyLanes __attribute__((aligned(4)));
+
+uint8_t Byte(float v) { return static_cast<uint8_t>(v >= 254.5f ? 255 : v <= 0.0f ? 0 : v + 0.5f); }
+
+}  // namespace
 
 void Resampler::AddRow(int32_t y, const uint8_t* row) {
   if (!ok_ || y < rows_.sourceBegin || y >= rows_.sourceEnd) return;
@@ -145,17 +157,24 @@ void Resampler::AddRow(int32_t y, const uint8_t* row) {
   const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin), span = pixels * lanes;
   for (; entered_ < n && rows_.first[entered_] <= y; ++entered_)
     std::fill_n(sums_.begin() + static_cast<ptrdiff_t>(span * (entered_ % pending_)), span, 0.0f);
+  // The row as floats once, then added into each new row it falls in.
   const uint8_t* src = row + static_cast<size_t>(columns_.sourceBegin) * step_;
+  float* f = row_.data();
+  if (channels_ == 1) {
+    for (size_t x = 0; x < pixels; ++x) f[x] = src[x * step_];
+  } else {
+    for (size_t x = 0; x < pixels; ++x, src += step_, f += 4) f[0] = src[0], f[1] = src[1], f[2] = src[2], f[3] = 0;
+  }
   for (int32_t j = next_; j < entered_; ++j) {
     if (y >= rows_.first[j] + rows_.count[j]) continue;
     const float w = rows_.weights[rows_.at[j] + static_cast<size_t>(y - rows_.first[j])];
-    float* __restrict s = sums_.data() + span * static_cast<size_t>(j % pending_);
+    float* s = sums_.data() + span * static_cast<size_t>(j % pending_);
     if (channels_ == 1) {
-      for (size_t x = 0; x < pixels; ++x) s[x] += w * src[x * step_];
+      for (size_t x = 0; x < pixels; ++x) s[x] += w * row_[x];
     } else {
-      const uint8_t* p = src;
-      for (size_t x = 0; x < pixels; ++x, p += step_, s += 4)
-        s[0] += w * p[0], s[1] += w * p[1], s[2] += w * p[2];
+      AnyLanes* __restrict to = reinterpret_cast<AnyLanes*>(s);
+      const AnyLanes* from = reinterpret_cast<const AnyLanes*>(row_.data());
+      for (size_t x = 0; x < pixels; ++x) to[x] += w * from[x];
     }
   }
   while (next_ < entered_ && rows_.first[next_] + rows_.count[next_] - 1 <= y) {
@@ -167,7 +186,6 @@ void Resampler::AddRow(int32_t y, const uint8_t* row) {
 void Resampler::Emit(float* sums) {
   const int32_t width = Width(part_);
   uint8_t* out = out_.data();
-  auto byte = [](float v) { return static_cast<uint8_t>(v >= 254.5f ? 255 : v <= 0.0f ? 0 : v + 0.5f); };
   for (int32_t i = 0; i < width; ++i) {
     const float* w = columns_.weights.data() + columns_.at[i];
     const int32_t count = columns_.count[i];
@@ -175,13 +193,13 @@ void Resampler::Emit(float* sums) {
       const float* s = sums + (columns_.first[i] - columns_.sourceBegin);
       float v = 0;
       for (int32_t k = 0; k < count; ++k) v += w[k] * s[k];
-      *out++ = byte(v);
+      *out++ = Byte(v);
       continue;
     }
-    const float* s = sums + static_cast<size_t>(columns_.first[i] - columns_.sourceBegin) * 4;
-    float b = 0, g = 0, r = 0;
-    for (int32_t k = 0; k < count; ++k, s += 4) b += w[k] * s[0], g += w[k] * s[1], r += w[k] * s[2];
-    out[0] = byte(b), out[1] = byte(g), out[2] = byte(r);
+    const AnyLanes* s = reinterpret_cast<const AnyLanes*>(sums) + (columns_.first[i] - columns_.sourceBegin);
+    Lanes v = {0, 0, 0, 0};
+    for (int32_t k = 0; k < count; ++k) v += w[k] * s[k];
+    out[0] = Byte(v[0]), out[1] = Byte(v[1]), out[2] = Byte(v[2]);
     out += 3;
   }
   sink_(part_.top + next_, out_.data());

@@ -63,6 +63,7 @@ class Resampler {
   int32_t entered_ = 0;  // rows of the part whose sums have been started
   int32_t pending_ = 1;  // rows of the part summed at once, at most
   std::vector<float> sums_;  // `pending_` rows of the source columns needed
+  std::vector<float> row_;   // the source row being added, as floats
   std::vector<uint8_t> out_;
 };
 

@@ -390,8 +390,10 @@ void CairoCanvas::Picture(BlockHandle dib, int32_t width, int32_t height, bool e
   // vector page (PDF, SVG) carries it at its own pixels where it has fewer
   // than its box at the page's resolution, so the file tells the resolution
   // it truly prints at (a print shop's preflight reads it there), and
-  // reduced only where it has more.
-  const bool vector = cairo_surface_get_type(cairo_get_target(cr_)) != CAIRO_SURFACE_TYPE_IMAGE;
+  // reduced only where it has more. (A picture whose edges are repeated
+  // over the bleed stays at its box's size: Cairo's PDFs do not repeat the
+  // edges of a scaled picture.)
+  const bool vector = cairo_surface_get_type(cairo_get_target(cr_)) != CAIRO_SURFACE_TYPE_IMAGE && !extended;
   const int32_t keptW = vector ? std::min(width, h.biWidth) : width;
   const int32_t keptH = vector ? std::min(height, std::abs(h.biHeight)) : height;
   if (keptW == width && keptH == height) {
