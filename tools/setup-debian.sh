@@ -60,6 +60,8 @@ packages=(
   wine wine64 fonts-wine xvfb xauth x11-utils
   # real printing in tests, screenshots
   cups cups-client printer-driver-cups-pdf poppler-utils imagemagick
+  # reading back the PDFs the command line writes, as a print shop's tools do
+  qpdf
   # the command line: holidays from iCalendar files, day and month names of
   # other languages
   libical-dev locales-all

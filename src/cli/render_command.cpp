@@ -17,6 +17,7 @@
 #include "cli/locale_names.h"
 #include "cli/print_resolution.h"
 #include "cli/pdf_boxes.h"
+#include "cli/pdf_output_intent.h"
 #include "config/settings_file.h"
 #include "print/booklet.h"
 #include "render/cairo_canvas.h"
@@ -235,6 +236,8 @@ bool RenderPdf(const RenderJob& job, const std::string& path, ProgressLine& prog
   std::string problem;
   if (sheet.Printed() && !SetPageBoxes(path, sheet.Trim(), sheet.Bleed(), &problem))
     return Failed(path, ("its page boxes cannot be set: it " + problem).c_str());
+  if (!AddSrgbOutputIntent(path, &problem))
+    return Failed(path, ("its colours cannot be marked as sRGB: it " + problem).c_str());
   return true;
 }
 

@@ -14,6 +14,7 @@
 #include "pictures/page_picture_win32.h"
 #include "pictures/paint_round_trip_win32.h"
 #include "pictures/picture_open_dialog_win32.h"
+#include "pictures/resampler.h"
 #include "render/primitives_win32.h"
 #include "res/string_ids.h"
 
@@ -95,37 +96,34 @@ void ApplyPictureState(HWND tab, const void* record, const SheetTab& sheet) {
 
 void DrawPicturePreview(const DRAWITEMSTRUCT* item, BlockHandle picture) {
   if ((item->itemState & ODS_DISABLED) || !picture) return;
-  BlockLock lock(picture);
-  DibInfo info;
-  const void* bits = ReadDib(picture, lock, &info);
-  if (!bits) return;
+  int64_t w, h;
+  {
+    BlockLock lock(picture);
+    DibInfo info;
+    if (!ReadDib(picture, lock, &info)) return;
+    w = info.header.biWidth, h = std::abs(info.header.biHeight);
+  }
   const int64_t W = item->rcItem.right - item->rcItem.left, H = item->rcItem.bottom - item->rcItem.top;
-  const int64_t w = info.header.biWidth, h = std::abs(info.header.biHeight);
   if (W <= 0 || H <= 0) return;
   // The scale in thousandths, the drawn size, and the offsets that centre it.
   const int64_t f = std::min(W * 1000 / w, H * 1000 / h);
   const int sw = static_cast<int>(w * f / 1000), sh = static_cast<int>(h * f / 1000);
   const int dx = static_cast<int>((W - sw) / 2), dy = static_cast<int>((H - sh) / 2);
+  if (sw < 1 || sh < 1) return;
   HDC dc = item->hDC;
   SetViewportOrgEx(dc, item->rcItem.left + dx, item->rcItem.top + dy, nullptr);
-
-  PaletteHolder palette{};
-  const int bitCount = info.header.biBitCount;
-  const bool withPalette = bitCount <= 8;
-  if (withPalette) {
-    uint8_t triplets[256 * 3] = {};
-    const int entries = 1 << bitCount;
-    for (int i = 0; i < entries; ++i) {
-      triplets[i * 3] = info.colours[i].rgbRed;
-      triplets[i * 3 + 1] = info.colours[i].rgbGreen;
-      triplets[i * 3 + 2] = info.colours[i].rgbBlue;
-    }
-    MakePalette(dc, &palette, triplets, entries);
+  // The picture resampled to the preview's size as printing resamples it,
+  // drawn pixel for pixel: a 1-bit picture's fine lines show as the grey
+  // they print as, where a stretch by the device would drop or keep them.
+  const BlockHandle shown = ResampleDib(picture, sw, sh);
+  if (shown) {
+    BlockLock lock(shown);
+    DibInfo info;
+    if (const void* bits = ReadDib(shown, lock, &info))
+      SetDIBitsToDevice(dc, 0, 0, static_cast<DWORD>(sw), static_cast<DWORD>(sh), 0, 0, 0, static_cast<UINT>(sh), bits,
+                        reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS);
   }
-  SetStretchBltMode(dc, bitCount == 1 ? BLACKONWHITE : COLORONCOLOR);
-  StretchDIBits(dc, 0, 0, sw, sh, 0, 0, static_cast<int>(w), static_cast<int>(h), bits,
-                reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS, SRCCOPY);
-  if (withPalette) ReleasePalette(dc, &palette);
+  if (shown) GlobalBlockFree(shown);
   RECT frame{0, 0, sw, sh};
   FrameRect(dc, &frame, GetSysColorBrush(COLOR_BTNSHADOW));
 }

@@ -17,7 +17,7 @@
 #include "pictures/exif_orientation.h"
 #include "pictures/image_format.h"
 #include "pictures/picture_import.h"
-#include "pictures/picture_reduce.h"
+#include "pictures/resampler.h"
 
 namespace {
 
@@ -197,7 +197,7 @@ void Destroy(jpeg_decompress_struct* d, JpegErrors* errors) {
 // The decoded rows turned into sRGB (or kept grey) and reduced.
 class ReducingTarget : public RowTarget {
  public:
-  ReducingTarget(AreaReducer* reducer, const ToSrgb* profile, int components, size_t width)
+  ReducingTarget(DibResampler* reducer, const ToSrgb* profile, int components, size_t width)
       : reducer_(reducer), profile_(profile), components_(components), width_(width),
         converted_(components == 4 ? new (std::nothrow) uint8_t[width * 3] : nullptr) {}
   bool ok() const { return components_ != 4 || converted_; }
@@ -213,7 +213,7 @@ class ReducingTarget : public RowTarget {
   }
 
  private:
-  AreaReducer* reducer_;
+  DibResampler* reducer_;
   const ToSrgb* profile_;
   int components_;
   size_t width_;
@@ -277,7 +277,7 @@ BlockHandle Decode(const uint8_t* data, size_t size, const ImageHeader& header, 
   }
   const size_t width = j.d.output_width;
   std::unique_ptr<uint8_t[]> row(new (std::nothrow) uint8_t[width * static_cast<size_t>(j.d.output_components)]);
-  AreaReducer reducer(static_cast<int32_t>(width), static_cast<int32_t>(j.d.output_height), targetW, targetH,
+  DibResampler reducer(static_cast<int32_t>(width), static_cast<int32_t>(j.d.output_height), targetW, targetH,
                       grey ? 1 : 3);
   ReducingTarget target(&reducer, &profile, components, width);
   if (!row || !reducer.ok() || !target.ok()) {

@@ -13,7 +13,7 @@
 #include "pictures/image_files.h"
 #include "pictures/image_format.h"
 #include "pictures/picture_kind.h"
-#include "pictures/picture_reduce.h"
+#include "pictures/resampler.h"
 
 namespace {
 
@@ -59,7 +59,7 @@ BlockHandle ReducedToFit(BlockHandle dib, int32_t longest, bool mustFit) {
   int32_t w, h;
   ReducedSize(stored.biWidth, height, longest, &w, &h);
   if (w == stored.biWidth && h == height) return dib;
-  const BlockHandle reduced = DibReduced(dib, w, h);
+  const BlockHandle reduced = ResampleDib(dib, w, h);
   if (!reduced && !mustFit) return dib;
   GlobalBlockFree(dib);
   return reduced;
@@ -72,7 +72,7 @@ BlockHandle FromDecodedPixels(DecodedPixels& pixels, const ImportRequest& reques
   if (profile) profile.Convert(pixels.rgba.get(), pixels.rgba.get(), count);
   int32_t w, h;
   ReducedSize(pixels.width, pixels.height, request.longestSide, &w, &h);
-  AreaReducer reducer(pixels.width, pixels.height, w, h, 3);
+  DibResampler reducer(pixels.width, pixels.height, w, h, 3);
   std::unique_ptr<uint8_t[]> row(new (std::nothrow) uint8_t[static_cast<size_t>(pixels.width) * 3]);
   if (!reducer.ok() || !row) return 0;
   const unsigned under[3] = {BlueOf(request.background), GreenOf(request.background), RedOf(request.background)};

@@ -1,4 +1,4 @@
-// What the picture-open dialog shows of a picture: a true-colour copy at the
+// What the picture-open dialog shows of a picture: a resampled copy at the
 // size of its preview box, and a line of facts about it.
 #pragma once
 #include <cstdint>
@@ -6,14 +6,8 @@
 
 #include "base/global_block.h"
 
-// A new bottom-up 24-bit Dib of `width` x `height` showing `dib` (any depth
-// the program stores) resampled by area: each new pixel is the average of
-// the part of the picture it covers, so shrinking smooths and enlarging
-// repeats pixels. Palette pictures come out in their own colours. 0 when
-// `dib` is not a usable Dib, a side is below 1 or memory runs out.
-BlockHandle DibResampled(BlockHandle dib, int32_t width, int32_t height);
 // The picture at `percent` of its size in both directions (at least a
-// pixel each way), as DibResampled makes it.
+// pixel each way), resampled (ResampleDib): 24-bit, or 8-bit for grey.
 BlockHandle DibScaledByPercent(BlockHandle dib, int32_t percent);
 // The largest whole percentage at which a w x h picture fits a box of
 // boxW x boxH: the smaller of the two ratios.

@@ -10,6 +10,7 @@
 
 #include "base/dib.h"
 #include "base/text.h"
+#include "pictures/resampler.h"
 #include "render/cairo_jpeg.h"
 #include "render/primitives.h"
 
@@ -51,32 +52,6 @@ std::string Displayed(const std::string& text, uint32_t format) {
   return Cp1252ToUtf8(out);
 }
 
-// One row of a Dib (0 = the top row) as 0x00RRGGBB pixels.
-void DibRowToPixels(const uint8_t* dib, int y, uint32_t* pixel) {
-  const BitmapInfoHeader& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
-  const int width = h.biWidth, height = std::abs(h.biHeight), bitCount = h.biBitCount;
-  const RgbQuad* table = reinterpret_cast<const RgbQuad*>(dib + h.biSize);
-  const uint8_t* row = dib + DibBitsOffset(h) + (h.biHeight > 0 ? height - 1 - y : y) * DibRowStride(width, bitCount);
-  if (bitCount == 24 || bitCount == 32) {
-    // The common case of photographs, without a test per pixel.
-    const int step = bitCount / 8;
-    for (int x = 0; x < width; ++x, row += step) pixel[x] = uint32_t(row[2]) << 16 | uint32_t(row[1]) << 8 | row[0];
-    return;
-  }
-  for (int x = 0; x < width; ++x) {
-    uint32_t r, g, b;
-    if (bitCount <= 8) {
-      int perByte = 8 / bitCount;
-      int index = (row[x / perByte] >> (8 - bitCount * (x % perByte + 1))) & ((1 << bitCount) - 1);
-      r = table[index].rgbRed, g = table[index].rgbGreen, b = table[index].rgbBlue;
-    } else {
-      uint32_t v = row[x * 2] | row[x * 2 + 1] << 8;
-      r = (v >> 10 & 31) * 255 / 31, g = (v >> 5 & 31) * 255 / 31, b = (v & 31) * 255 / 31;
-    }
-    pixel[x] = r << 16 | g << 8 | b;
-  }
-}
-
 cairo_surface_t* NewImage(int width, int height) {
   cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
   if (cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS) return surface;
@@ -84,168 +59,28 @@ cairo_surface_t* NewImage(int width, int height) {
   return nullptr;
 }
 
-// The Dib as a Cairo image.
-cairo_surface_t* DibToSurface(const uint8_t* dib) {
-  const BitmapInfoHeader& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
-  cairo_surface_t* surface = NewImage(h.biWidth, std::abs(h.biHeight));
-  if (!surface) return nullptr;
-  cairo_surface_flush(surface);
-  for (int y = 0; y < std::abs(h.biHeight); ++y)
-    DibRowToPixels(dib, y, reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(surface) +
-                                                       y * cairo_image_surface_get_stride(surface)));
-  cairo_surface_mark_dirty(surface);
-  return surface;
-}
-
-// Columns [from, to) of row y of the Dib as blue, green and red bytes: a
-// 24-bit row in place, any other converted through `pixels` into `bytes`.
-const uint8_t* RowBytes(const uint8_t* dib, int y, int from, int to, std::vector<uint32_t>& pixels,
-                        std::vector<uint8_t>& bytes) {
-  const BitmapInfoHeader& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
-  if (h.biBitCount == 24) {
-    const int height = std::abs(h.biHeight);
-    return dib + DibBitsOffset(h) + (h.biHeight > 0 ? height - 1 - y : y) * DibRowStride(h.biWidth, 24) +
-           size_t(from) * 3;
-  }
-  DibRowToPixels(dib, y, pixels.data());
-  for (int x = from; x < to; ++x) {
-    uint8_t* b = &bytes[size_t(x - from) * 3];
-    b[0] = pixels[x] & 255, b[1] = pixels[x] >> 8 & 255, b[2] = pixels[x] >> 16 & 255;
-  }
-  return bytes.data();
-}
-
-// Dividing by n where n is the number of pixels a sum of bytes adds up:
-// through a multiplication when n <= 2^16, which is exact there because the
-// dividend stays below 256 n, so that 2^40 >= 256 n^2 absorbs the rounding of
-// the reciprocal.
-constexpr uint64_t kMostDividedByMultiplying = 1 << 16;
-uint64_t Reciprocal(uint64_t n) { return ((uint64_t(1) << 40) + n - 1) / n; }
-// sum / n rounded to the nearest (0 for no pixels); sum is at most 255 n.
-uint32_t Mean(uint64_t sum, uint64_t n) {
-  if (n == 0) return 0;
-  const uint64_t x = sum + n / 2;
-  return static_cast<uint32_t>(n <= kMostDividedByMultiplying ? x * Reciprocal(n) >> 40 : x / n);
-}
-
-// Source rows added up byte by byte in 16 bits: at most this many rows fit.
-constexpr int kRowsPerSum = 65535 / 255;
-
-// sum[i] = row[i] (first) or sum[i] += row[i], in blocks of 16 that the
-// compiler turns into vector instructions.
-void AddRow(const uint8_t* __restrict row, uint16_t* __restrict sum, size_t n, bool first) {
-  size_t i = 0;
-  if (first) {
-    for (; i + 16 <= n; i += 16)
-      for (int k = 0; k < 16; ++k) sum[i + k] = row[i + k];
-    for (; i < n; ++i) sum[i] = row[i];
-    return;
-  }
-  for (; i + 16 <= n; i += 16)
-    for (int k = 0; k < 16; ++k) sum[i + k] = static_cast<uint16_t>(sum[i + k] + row[i + k]);
-  for (; i < n; ++i) sum[i] = static_cast<uint16_t>(sum[i] + row[i]);
-}
-
-// How the column sums of an output row become its pixels: the reciprocals
-// and halves of the pixel counts of its means, `fewest` columns or one more.
-struct Means {
-  uint64_t reciprocal[2], half[2];
-  uint32_t alpha;
-};
-
-// An output row's pixels from its column sums, where every mean takes at most
-// 2^16 pixels; without a branch that depends on the column, and for the
-// commonest counts with a loop the compiler unrolls (kFewest 0: any count).
-template <int kFewest>
-void AverageColumns(const uint16_t* sum, const int* first, int columns, int fewest, const Means& m, uint32_t* pixel) {
-  const int count = kFewest ? kFewest : fewest;
-  for (int c = 0; c < columns; ++c) {
-    uint32_t b = 0, g = 0, r = 0;
-    for (int i = 0; i < count; ++i, sum += 3) b += sum[0], g += sum[1], r += sum[2];
-    const int extra = first[c + 1] - first[c] - count;  // 0 or 1
-    b += extra * sum[0], g += extra * sum[1], r += extra * sum[2];
-    sum += 3 * extra;
-    const uint64_t reciprocal = m.reciprocal[extra], half = m.half[extra];
-    pixel[c] = m.alpha | uint32_t((r + half) * reciprocal >> 40) << 16 | uint32_t((g + half) * reciprocal >> 40) << 8 |
-               uint32_t((b + half) * reciprocal >> 40);
-  }
-}
-
-// The part `part` (in output pixels) of the Dib shrunk to width x height, by
-// averaging every source pixel into the output pixel it falls in: a
-// photograph shrunk to a page keeps its detail smooth. Output column c
-// averages the source columns x with x * width / sourceW == c, output row r
-// the source rows from r * sourceH / height up to (r + 1) * sourceH / height
-// (whole numbers, rounded down): a block of whole source pixels.
-// Each output row first adds up its source rows column by column, then the
-// columns of each output pixel; every source pixel is read once.
-// The pixels go to `image` (rows `stride` bytes apart) with `alpha` in their
-// top byte.
-void ShrinkDib(const uint8_t* dib, int width, int height, const Rect& part, uint8_t* image, int stride,
-               uint32_t alpha) {
-  const BitmapInfoHeader& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
-  const int sourceW = h.biWidth, sourceH = std::abs(h.biHeight);
-  const int partW = Width(part), partH = Height(part);
-  if (partW <= 0 || partH <= 0 || width > sourceW || height > sourceH) return;  // shrinking only
-  // Output column part.left + c takes the source columns [first[c], first[c + 1]):
-  // `fewest` of them or one more.
-  std::vector<int> first(size_t(partW) + 1);
-  for (int c = 0; c <= partW; ++c)
-    first[c] = static_cast<int>((int64_t(part.left + c) * sourceW + width - 1) / width);
-  const int from = first[0], to = first[partW];
-  int fewest = INT32_MAX;
-  for (int c = 0; c < partW; ++c) fewest = std::min(fewest, first[c + 1] - first[c]);
-  // The column sums, and a pixel of zeros past them for the column loop to read.
-  std::vector<uint16_t> sums(size_t(to - from + 1) * 3);
-  const size_t summed = sums.size() - 3;
-  std::vector<uint64_t> totals(size_t(partW) * 3);
-  std::vector<uint32_t> pixels(h.biBitCount == 24 ? 0 : sourceW);
-  std::vector<uint8_t> bytes(h.biBitCount == 24 ? 0 : summed);
-  for (int out = part.top; out < part.bottom; ++out) {
-    const int top = static_cast<int>(int64_t(out) * sourceH / height);
-    const int bottom = static_cast<int>(int64_t(out + 1) * sourceH / height);
-    const uint64_t rows = uint64_t(bottom - top);
-    const uint64_t fewer = uint64_t(fewest) * rows, more = fewer + rows;  // the pixels a mean takes
-    uint32_t* pixel = reinterpret_cast<uint32_t*>(image + size_t(out - part.top) * stride);
-    // Rows in groups that 16 bits can add up, then the columns of each output pixel.
-    for (int y = top; y < bottom;) {
-      const int start = y, end = std::min(bottom, y + kRowsPerSum);
-      for (; y < end; ++y) AddRow(RowBytes(dib, y, from, to, pixels, bytes), sums.data(), summed, y == start);
-      const uint16_t* sum = sums.data();
-      if (end == bottom && start == top && more <= kMostDividedByMultiplying) {
-        // The usual case, one group and small means: straight to the pixels.
-        const Means means{Reciprocal(fewer), Reciprocal(more), fewer / 2, more / 2, alpha};
-        if (fewest == 2) AverageColumns<2>(sum, first.data(), partW, fewest, means, pixel);
-        else if (fewest == 1) AverageColumns<1>(sum, first.data(), partW, fewest, means, pixel);
-        else AverageColumns<0>(sum, first.data(), partW, fewest, means, pixel);
-        break;
-      }
-      uint64_t* total = totals.data();
-      for (int c = 0; c < partW; ++c, total += 3) {
-        uint64_t b = 0, g = 0, r = 0;
-        for (const uint16_t* end = sums.data() + size_t(first[c + 1] - from) * 3; sum < end; sum += 3)
-          b += sum[0], g += sum[1], r += sum[2];
-        if (start == top) total[0] = b, total[1] = g, total[2] = r;
-        else total[0] += b, total[1] += g, total[2] += r;
-      }
-      if (y < bottom) continue;
-      total = totals.data();
-      for (int c = 0; c < partW; ++c, total += 3) {
-        const uint64_t n = first[c + 1] - first[c] == fewest ? fewer : more;
-        pixel[c] = alpha | Mean(total[2], n) << 16 | Mean(total[1], n) << 8 | Mean(total[0], n);
-      }
-    }
-    if (top == bottom) std::fill(pixel, pixel + partW, alpha);  // no rows to average: black
-  }
+// The part `part` (in output pixels) of the Dib resampled to width x height,
+// into `image` (rows `stride` bytes apart) as Cairo's pixels with `alpha` in
+// their top byte.
+bool ResampleInto(const uint8_t* dib, int width, int height, const Rect& part, uint8_t* image, int stride,
+                  uint32_t alpha) {
+  const int partW = Width(part);
+  return ResampleDibRows(dib, width, height, part, false, [&](int32_t y, const uint8_t* row) {
+    uint32_t* pixel = reinterpret_cast<uint32_t*>(image + size_t(y - part.top) * stride);
+    for (int x = 0; x < partW; ++x, row += 3) pixel[x] = alpha | uint32_t(row[2]) << 16 | uint32_t(row[1]) << 8 | row[0];
+  });
 }
 
 // The same as a new image of the part's size.
-cairo_surface_t* ShrinkDib(const uint8_t* dib, int width, int height, const Rect& part) {
+cairo_surface_t* Resampled(const uint8_t* dib, int width, int height, const Rect& part) {
   cairo_surface_t* surface = NewImage(Width(part), Height(part));
   if (!surface) return nullptr;
   cairo_surface_flush(surface);
-  ShrinkDib(dib, width, height, part, cairo_image_surface_get_data(surface), cairo_image_surface_get_stride(surface),
-            0);
+  if (!ResampleInto(dib, width, height, part, cairo_image_surface_get_data(surface),
+                    cairo_image_surface_get_stride(surface), 0)) {
+    cairo_surface_destroy(surface);
+    return nullptr;
+  }
   cairo_surface_mark_dirty(surface);
   return surface;
 }
@@ -416,8 +251,8 @@ bool CairoCanvas::PixelsAreDevicePixels(int* shiftX, int* shiftY) {
   return true;
 }
 
-bool CairoCanvas::ShrinkOntoTarget(const uint8_t* dib, int width, int height, const Rect& part) {
-  // Only where the result is the same as painting the shrunk part: an image
+bool CairoCanvas::ResampleOntoTarget(const uint8_t* dib, int width, int height, const Rect& part) {
+  // Only where the result is the same as painting the resampled part: an image
   // of opaque pixels whose units are its pixels, and a clip that is one
   // rectangle holding the part.
   int shiftX, shiftY;
@@ -440,9 +275,9 @@ bool CairoCanvas::ShrinkOntoTarget(const uint8_t* dib, int width, int height, co
   cairo_surface_flush(target);
   const int stride = cairo_image_surface_get_stride(target);
   uint8_t* corner = cairo_image_surface_get_data(target) + size_t(device.top) * stride + size_t(device.left) * 4;
-  ShrinkDib(dib, width, height, part, corner, stride, 0xFF000000);
+  const bool drawn = ResampleInto(dib, width, height, part, corner, stride, 0xFF000000);
   cairo_surface_mark_dirty_rectangle(target, device.left, device.top, Width(device), Height(device));
-  return true;
+  return drawn;
 }
 
 void CairoCanvas::Rectangle(const Rect& r) { Shape(r, 0, 0); }
@@ -551,36 +386,38 @@ void CairoCanvas::Picture(BlockHandle dib, int32_t width, int32_t height, bool e
   if (Width(part) <= 0 || Height(part) <= 0) return;
   BlockLock lock(dib);
   const BitmapInfoHeader& h = *lock.as<BitmapInfoHeader>();
-  // Resample once to the drawn size, so every output, vector ones included,
-  // carries the picture at the page's resolution.
-  cairo_surface_t* scaled = nullptr;
-  if (width <= h.biWidth && height <= std::abs(h.biHeight)) {
-    if (!extended && ShrinkOntoTarget(lock.bytes(), width, height, part)) return;
-    scaled = ShrinkDib(lock.bytes(), width, height, part);
-  } else if (cairo_surface_t* source = DibToSurface(lock.bytes())) {
-    // Enlarging: interpolated by Cairo.
-    if ((scaled = NewImage(Width(part), Height(part)))) {
-      cairo_t* s = cairo_create(scaled);
-      cairo_translate(s, -part.left, -part.top);
-      cairo_scale(s, double(width) / h.biWidth, double(height) / std::abs(h.biHeight));
-      cairo_set_source_surface(s, source, 0, 0);
-      cairo_pattern_set_filter(cairo_get_source(s), CAIRO_FILTER_GOOD);
-      cairo_pattern_set_extend(cairo_get_source(s), CAIRO_EXTEND_PAD);
-      cairo_paint(s);
-      cairo_destroy(s);
-    }
-    cairo_surface_destroy(source);
+  // A page of pixels gets the picture resampled once to its drawn size. A
+  // vector page (PDF, SVG) carries it at its own pixels where it has fewer
+  // than its box at the page's resolution, so the file tells the resolution
+  // it truly prints at (a print shop's preflight reads it there), and
+  // reduced only where it has more. (A picture whose edges are repeated
+  // over the bleed stays at its box's size: Cairo's PDFs do not repeat the
+  // edges of a scaled picture.)
+  const bool vector = cairo_surface_get_type(cairo_get_target(cr_)) != CAIRO_SURFACE_TYPE_IMAGE && !extended;
+  const int32_t keptW = vector ? std::min(width, h.biWidth) : width;
+  const int32_t keptH = vector ? std::min(height, std::abs(h.biHeight)) : height;
+  if (keptW == width && keptH == height) {
+    if (!extended && ResampleOntoTarget(lock.bytes(), width, height, part)) return;
+  } else {
+    part = {0, 0, keptW, keptH};
   }
+  cairo_surface_t* scaled = Resampled(lock.bytes(), keptW, keptH, part);
   if (!scaled) return;
   if (jpegQuality_ > 0) AttachJpeg(scaled, jpegQuality_);
-  cairo_set_source_surface(cr_, scaled, originX + part.left, originY + part.top);
+  cairo_save(cr_);
+  cairo_translate(cr_, originX, originY);
+  cairo_scale(cr_, double(width) / keptW, double(height) / keptH);
+  cairo_set_source_surface(cr_, scaled, part.left, part.top);
+  // Drawn larger than its pixels, the viewer interpolates it.
+  if (keptW != width || keptH != height) cairo_pattern_set_filter(cairo_get_source(cr_), CAIRO_FILTER_GOOD);
   if (extended) {
     cairo_pattern_set_extend(cairo_get_source(cr_), CAIRO_EXTEND_PAD);
     cairo_paint(cr_);
   } else {
-    cairo_rectangle(cr_, originX + part.left, originY + part.top, Width(part), Height(part));
+    cairo_rectangle(cr_, part.left, part.top, Width(part), Height(part));
     cairo_fill(cr_);
   }
+  cairo_restore(cr_);
   cairo_surface_destroy(scaled);
 }
 

@@ -65,9 +65,9 @@ class CairoCanvas : public Canvas {
   // Whether a unit is a pixel of an image surface, without scaling; the
   // pixel of user (0, 0) is then (*shiftX, *shiftY).
   bool PixelsAreDevicePixels(int* shiftX, int* shiftY);
-  // Shrinks the part of a Dib straight into the target's pixels where that
+  // Resamples the part of a Dib straight into the target's pixels where that
   // is the same as painting it; false where it is not.
-  bool ShrinkOntoTarget(const uint8_t* dib, int width, int height, const Rect& part);
+  bool ResampleOntoTarget(const uint8_t* dib, int width, int height, const Rect& part);
   // Sets up the layout for `text` in the current font; returns its size in pixels.
   void Layout(const std::string& text, int32_t width, uint32_t format, int32_t* textW, int32_t* textH);
   double PangoSizeFor(const FontSpec& font);

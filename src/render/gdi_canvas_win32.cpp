@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "base/dib.h"
-#include "pictures/picture_preview.h"
+#include "pictures/resampler.h"
 #include "render/primitives_win32.h"
 #include "render/screen_picture_win32.h"
 
@@ -224,7 +224,7 @@ void GdiCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool
 }
 
 // A picture with more pixels than its box has at the printer's resolution
-// goes to the printer averaged down to the box: a photograph's twelve million
+// goes to the printer resampled down to the box: a photograph's twelve million
 // pixels would fill the spool with detail no printed dot can show.
 // False when memory for the smaller copy ran out.
 bool GdiCanvas::PrintReduced(BlockHandle dib, int32_t width, int32_t height) {
@@ -232,7 +232,7 @@ bool GdiCanvas::PrintReduced(BlockHandle dib, int32_t width, int32_t height) {
   {
     BlockLock lock(dib);
     const auto* header = lock.as<const BitmapInfoHeader>();
-    reduced = DibResampled(dib, std::min(width, header->biWidth), std::min(height, std::abs(header->biHeight)));
+    reduced = ResampleDib(dib, std::min(width, header->biWidth), std::min(height, std::abs(header->biHeight)));
   }
   bool drawn = false;
   {

@@ -1,9 +1,6 @@
 #include "render/primitives.h"
 
 #include <algorithm>
-#include <cstring>
-
-#include "base/dib.h"
 
 Colour Mix(Colour a, Colour b) {
   return RGBColour((RedOf(a) + RedOf(b)) >> 1, (GreenOf(a) + GreenOf(b)) >> 1, (BlueOf(a) + BlueOf(b)) >> 1);
@@ -93,17 +90,4 @@ int DrawSoftShadow(Canvas& canvas, Length left, Length top, Length right, Length
   }
   canvas.DrawShadowRings(s);
   return 1;
-}
-
-int DibPaletteToTriplets(const BitmapInfoHeader* dibHeader, uint8_t* triplets) {
-  std::memset(triplets, 0, 768);
-  uint32_t entries = DibColourTableEntries(dibHeader->biBitCount);
-  const RgbQuad* table =
-      reinterpret_cast<const RgbQuad*>(reinterpret_cast<const uint8_t*>(dibHeader) + dibHeader->biSize);
-  for (uint32_t i = 0; i < entries; ++i) {
-    triplets[i * 3] = table[i].rgbRed;
-    triplets[i * 3 + 1] = table[i].rgbGreen;
-    triplets[i * 3 + 2] = table[i].rgbBlue;
-  }
-  return static_cast<int>(entries);
 }

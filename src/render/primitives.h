@@ -6,8 +6,6 @@
 #include "render/canvas.h"
 #include "render/layout.h"
 
-struct BitmapInfoHeader;
-
 // The per-channel mean (a + b) >> 1.
 Colour Mix(Colour a, Colour b);
 // Per channel (a * t + b * (255 - t)) / 255 for a weight t of 0..255.
@@ -29,7 +27,3 @@ int DrawSoftShadow(Canvas& canvas, Length left, Length top, Length right, Length
 Rect ShadowRingRect(const ShadowRings& s, Length i);
 Colour ShadowRingColour(const ShadowRings& s, Length i);
 Length NextShadowRing(const ShadowRings& s, Length i);
-
-// Clears the 768-byte triplet table and fills it with the Dib's colour table
-// as red, green, blue; returns the entry count (0 above 8 bits per pixel).
-int DibPaletteToTriplets(const BitmapInfoHeader* dibHeader, uint8_t* triplets);

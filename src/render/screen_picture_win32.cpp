@@ -33,6 +33,10 @@ void StretchToScreen(HDC dc, const DibInfo& info, const void* bits, int32_t x, i
   HDC memory = CreateCompatibleDC(dc);
   if (memory) {
     HGDIOBJ previous = SelectObject(memory, bitmap);
+    // The screen view stays on GDI's HALFTONE rather than the program's
+    // resampler: it repaints at every scroll and zoom, where the display
+    // driver's stretch is far quicker, and what a screen shows at a zoom is
+    // not what prints (printing, PDF and PNG go through the resampler).
     const int oldMode = SetStretchBltMode(dc, HALFTONE);
     POINT oldBrushOrigin{0, 0};
     SetBrushOrgEx(dc, 0, 0, &oldBrushOrigin);  // HALFTONE needs the brush origin reset

@@ -323,3 +323,58 @@ TEST_F(RenderCliTest, PdfPicturesAreJpegsLikeTheLosslessOnes) {
     ASSERT_EQ(RunCommand("pdftoppm -f 4 -l 4 -r 100 " + Q(pdf) + " " + Q(pdf)), 0);
   EXPECT_GE(Ssim(ReadPpm(jpeg + "-04.ppm"), ReadPpm(lossless + "-04.ppm")), 0.98);
 }
+
+// A PDF tells a print shop the resolution each picture truly prints at (a
+// picture with fewer pixels than its box keeps them, one with more is
+// reduced to the page's 300 dpi), and that its colours are sRGB.
+TEST_F(RenderCliTest, PdfPicturesCarryTheirTrueResolutionAndAnSrgbOutputIntent) {
+  const struct {
+    int width, height;
+    bool reduced;
+  } cases[] = {{640, 480, false}, {2400, 1800, true}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.width);
+    const std::string picture = dir_.File("picture.png"), cln = dir_.File("c.CLN"), pdf = dir_.File("c.pdf");
+    ASSERT_TRUE(::Shell("convert -size " + std::to_string(c.width) + "x" + std::to_string(c.height) +
+                        " gradient:red-blue " + Q(picture)));
+    std::string pictures, out;
+    for (int i = 0; i < 12; ++i) pictures += " " + Q(picture);
+    ASSERT_EQ(Cli("new --year 2026 --pictures" + pictures + " -o " + Q(cln), &out), 0) << out;
+    ASSERT_EQ(Cli("render " + Q(cln) + " --page 0 --paper a4 --format pdf -o " + Q(pdf), &out), 0) << out;
+    // What the print resolution check of `info` says it prints at.
+    ASSERT_EQ(Cli("info " + Q(cln) + " --paper a4", &out), 0);
+    const size_t ppiAt = out.find("\"ppi\": ", out.find("\"printResolution\""));
+    ASSERT_NE(ppiAt, std::string::npos) << out;
+    const int ppi = std::atoi(out.c_str() + ppiAt + 7);
+    ASSERT_EQ(RunCommand("pdfimages -list " + Q(pdf) + " | tail -n +3", &out), 0);
+    int width = 0, height = 0, xPpi = 0, yPpi = 0;
+    ASSERT_EQ(std::sscanf(out.c_str(), "%*d %*d image %d %d %*s %*d %*d %*s %*s %*d %*d %d %d", &width, &height, &xPpi,
+                          &yPpi),
+              4)
+        << out;
+    EXPECT_EQ(width < c.width, c.reduced) << out;
+    EXPECT_NEAR(xPpi, c.reduced ? 300 : ppi, 1) << out;
+    EXPECT_NEAR(yPpi, c.reduced ? 300 : ppi, 1) << out;
+
+    // The catalog names an sRGB output intent whose profile is an ICC one.
+    ASSERT_EQ(RunCommand("qpdf --check " + Q(pdf), &out), 0) << out;
+    ASSERT_EQ(RunCommand("qpdf --show-object=trailer " + Q(pdf), &out), 0) << out;
+    const std::string root = out.substr(out.find("/Root ") + 6, out.find(" 0 R", out.find("/Root ")) - out.find("/Root ") - 6);
+    ASSERT_EQ(RunCommand("qpdf --show-object=" + root + " " + Q(pdf), &out), 0) << out;
+    const size_t intents = out.find("/OutputIntents [ ");
+    ASSERT_NE(intents, std::string::npos) << out;
+    ASSERT_EQ(RunCommand("qpdf --show-object=" + std::to_string(std::atoi(out.c_str() + intents + 17)) + " " + Q(pdf), &out), 0);
+    EXPECT_TRUE(Has(out, "/S /GTS_PDFA1") && Has(out, "/OutputConditionIdentifier (sRGB IEC61966-2.1)")) << out;
+    const size_t profileAt = out.find("/DestOutputProfile ");
+    ASSERT_NE(profileAt, std::string::npos) << out;
+    ASSERT_EQ(RunCommand("qpdf --show-object=" + std::to_string(std::atoi(out.c_str() + profileAt + 19)) +
+                             " --filtered-stream-data " + Q(pdf),
+                         &out),
+              0);
+    EXPECT_EQ(out.substr(36, 4), "acsp") << "an ICC profile";
+    EXPECT_EQ(out.substr(16, 4), "RGB ");
+    // Poppler still reads it all.
+    ASSERT_EQ(RunCommand("pdftoppm -r 20 " + Q(pdf) + " " + Q(pdf)), 0);
+    EXPECT_NEAR(ReadPpm(pdf + "-1.ppm").width, 165, 1) << "an A4 page at 20 dpi";
+  }
+}

@@ -9,7 +9,7 @@
 #include "fuzz_support.h"
 #include "pictures/image_files.h"
 #include "pictures/picture_import.h"
-#include "pictures/picture_reduce.h"
+#include "pictures/resampler.h"
 
 namespace {
 

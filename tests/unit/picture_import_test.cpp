@@ -10,7 +10,7 @@
 #include "base/dib.h"
 #include "bench/photo_jpeg.h"
 #include "pictures/picture_import.h"
-#include "pictures/picture_reduce.h"
+#include "pictures/resampler.h"
 #include "unit/image_bytes.h"
 #include "unit/test_photos.h"
 #include "unit/test_support.h"

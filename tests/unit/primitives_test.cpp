@@ -68,29 +68,6 @@ TEST(Primitives, SoftShadowRingsThatCannotShowInTheClipAreSkipped) {
   }
 }
 
-TEST(Primitives, PaletteTripletsComeFromTheColourTable) {
-  BlockHandle pal = DibCreate(4, 4, 4);
-  {
-    BlockLock lock(pal);
-    RgbQuad* table = DibColourTable(lock.bytes());
-    table[0] = {10, 20, 30, 0};
-    table[15] = {1, 2, 3, 0};
-  }
-  uint8_t triplets[768];
-  std::fill(triplets, triplets + 768, 0xEE);
-  EXPECT_EQ(DibPaletteToTriplets(BlockLock(pal).as<BitmapInfoHeader>(), triplets), 16);
-  EXPECT_EQ(triplets[0], 30);
-  EXPECT_EQ(triplets[2], 10);
-  EXPECT_EQ(triplets[45], 3);
-  EXPECT_EQ(triplets[47], 1);
-  EXPECT_EQ(triplets[48], 0) << "the rest is cleared";
-  BlockHandle rgb = DibCreate(4, 4, 24);
-  EXPECT_EQ(DibPaletteToTriplets(BlockLock(rgb).as<BitmapInfoHeader>(), triplets), 0);
-  EXPECT_EQ(triplets[0], 0);
-  GlobalBlockFree(pal);
-  GlobalBlockFree(rgb);
-}
-
 TEST(OpsCanvas, MeasuresTextByTheFixedRule) {
   OpsCanvas c;
   c.SetFont({10, 400, 0, "ARIAL"});

@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "base/dib.h"
-#include "pictures/picture_reduce.h"
+#include "pictures/resampler.h"
 
 std::string PreparedPhotos() {
   const char* folder = std::getenv("QUERNAL_TEST_PHOTOS");

@@ -7,7 +7,7 @@
 #include "base/dib.h"
 #include "bench/photo_calendar.h"
 #include "gdi_test_support.h"
-#include "pictures/picture_preview.h"
+#include "pictures/resampler.h"
 #include "render/gdi_canvas_win32.h"
 #include "render/primitives.h"
 #include "render/screen_picture_win32.h"
@@ -152,7 +152,7 @@ TEST_F(QuernalTest, PrintedPicturesHaveNoMorePixelsThanTheirBox) {
   for (const auto& [dib, w, h] : {std::make_tuple(photo, 300, 225), std::make_tuple(small, 30, 20)}) {
     DibSurface printed(w, h, RGB(255, 255, 255)), reference(w, h, RGB(255, 255, 255));
     GdiCanvas(printed.dc()).DrawPicture(dib, w, h, true);
-    BlockHandle expected = dib == photo ? DibResampled(photo, w, h) : DuplicateBlock(small);
+    BlockHandle expected = dib == photo ? ResampleDib(photo, w, h) : DuplicateBlock(small);
     GdiCanvas(reference.dc()).DrawPicture(expected, w, h, true);
     EXPECT_EQ(printed.Differing(reference), 0) << w;
     GlobalBlockFree(expected);
