@@ -161,9 +161,9 @@ int32_t GdiCanvas::DrawText(const std::string& text, Rect* r, uint32_t format) {
 
 namespace {
 // Pictures drawn larger than this on a side are cut to the part the device
-// shows before they are stretched, so a picture blown up far beyond the page
-// by a damaged record costs no more than the page. Real pages stay below it,
-// and draw exactly as GDI stretches the whole picture.
+// shows before they are stretched for the printer, and the screen keeps no
+// tiles of them, so a picture blown up far beyond the page by a damaged
+// record costs no more than the page. Real pages stay below it.
 constexpr int32_t kWholeStretchLimit = 1 << 15;
 
 // The source and destination rectangles of the part of a picture drawn at
@@ -196,31 +196,29 @@ void GdiCanvas::DrawPicture(BlockHandle dib, int32_t width, int32_t height, bool
   DibInfo info;
   const void* bits = ReadDib(dib, lock, &info);
   if (!bits || width <= 0 || height <= 0) return;
-  const BITMAPINFO* bmi = reinterpret_cast<const BITMAPINFO*>(&info);
+  const bool whole = width <= kWholeStretchLimit && height <= kWholeStretchLimit;
+  if (!printing) {
+    // The screen makes only the part it shows; the window keeps what it made.
+    if (pictures_ && whole && pictures_->Draw(dc_, dib, lock.bytes(), width, height)) {
+      pictureKept_ = true;
+      return;
+    }
+    return DrawShownPart(dc_, lock.bytes(), width, height);
+  }
   const int dibW = info.header.biWidth, dibH = std::abs(info.header.biHeight);
   StretchPart part{0, 0, width, height, 0, 0, dibW, dibH};
-  const bool whole = width <= kWholeStretchLimit && height <= kWholeStretchLimit;
   if (!whole) {
     RECT visible;
     if (GetClipBox(dc_, &visible) == ERROR) return;
     part = VisiblePart(visible, width, height, dibW, dibH);
     if (part.sourceW <= 0 || part.sourceH <= 0) return;
   }
-  if (printing) {
-    if (whole && (dibW > width || dibH > height) && PrintReduced(dib, width, height)) return;
-    // Printers get the Dib itself and scale it up at their own resolution. A
-    // bottom-up Dib counts its source rows from the bottom.
-    const int sourceY = info.header.biHeight > 0 ? dibH - part.sourceTop - part.sourceH : part.sourceTop;
-    StretchDIBits(dc_, part.x, part.y, part.width, part.height, part.sourceX, sourceY, part.sourceW, part.sourceH,
-                  bits, bmi, DIB_RGB_COLORS, SRCCOPY);
-    return;
-  }
-  if (pictures_ && whole && pictures_->Draw(dc_, dib, info, bits, width, height)) {
-    pictureKept_ = true;
-    return;
-  }
-  StretchToScreen(dc_, info, bits, part.x, part.y, part.width, part.height, part.sourceX, part.sourceTop,
-                  part.sourceW, part.sourceH);
+  if (whole && (dibW > width || dibH > height) && PrintReduced(dib, width, height)) return;
+  // Printers get the Dib itself and scale it up at their own resolution. A
+  // bottom-up Dib counts its source rows from the bottom.
+  const int sourceY = info.header.biHeight > 0 ? dibH - part.sourceTop - part.sourceH : part.sourceTop;
+  StretchDIBits(dc_, part.x, part.y, part.width, part.height, part.sourceX, sourceY, part.sourceW, part.sourceH, bits,
+                reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS, SRCCOPY);
 }
 
 // A picture with more pixels than its box has at the printer's resolution

@@ -1,89 +1,121 @@
 #include "render/screen_picture_win32.h"
 
-#include <cstdlib>
+#include <algorithm>
+#include <cstring>
 
-#include "render/primitives_win32.h"
+#include "pictures/resampler.h"
 
 namespace {
 
-// A device bitmap of the whole picture, in the format of `dc`.
-HBITMAP DeviceBitmap(HDC dc, const DibInfo& info, const void* bits) {
-  return CreateDIBitmap(dc, &info.header, CBM_INIT, bits, reinterpret_cast<const BITMAPINFO*>(&info),
-                        DIB_RGB_COLORS);
+// A 24-bit top-down bitmap of `part` of `dib` resampled to width x height,
+// and where its pixels are; null when memory or the Dib fails.
+HBITMAP ResampledPart(HDC dc, const uint8_t* dib, int32_t width, int32_t height, const Rect& part) {
+  BITMAPINFO info{};
+  info.bmiHeader.biSize = sizeof info.bmiHeader;
+  info.bmiHeader.biWidth = Width(part);
+  info.bmiHeader.biHeight = -Height(part);
+  info.bmiHeader.biPlanes = 1;
+  info.bmiHeader.biBitCount = 24;
+  void* bits = nullptr;
+  HBITMAP bitmap = CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  if (!bitmap) return nullptr;
+  GdiFlush();
+  const size_t stride = (static_cast<size_t>(Width(part)) * 3 + 3) & ~size_t{3}, bytes = Width(part) * size_t{3};
+  uint8_t* rows = static_cast<uint8_t*>(bits);
+  if (!ResampleDibRows(dib, width, height, part, false, [&](int32_t y, const uint8_t* row) {
+        std::memcpy(rows + stride * static_cast<size_t>(y - part.top), row, bytes);
+      })) {
+    DeleteObject(bitmap);
+    return nullptr;
+  }
+  return bitmap;
 }
 
-// The kept copy: on a true-colour display 24 bits a pixel, a quarter less
-// than the display's own format holds, and every colour the stretch makes;
-// on displays of fewer colours, their own format, as the stretch onto them
-// reduces the colours.
-HBITMAP CopyBitmap(HDC dc, int32_t width, int32_t height) {
-  if (GetDeviceCaps(dc, BITSPIXEL) * GetDeviceCaps(dc, PLANES) < 24) return CreateCompatibleBitmap(dc, width, height);
-  BITMAPINFO info{};
-  info.bmiHeader = {sizeof info.bmiHeader, width, height, 1, 24, BI_RGB};
-  void* bits = nullptr;
-  return CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+// On a display of fewer than 24 bits, the tile in the display's own format,
+// so each copy onto it is a plain copy; true colour keeps the 24 bits.
+HBITMAP InDisplayFormat(HDC dc, HBITMAP tile, int32_t width, int32_t height) {
+  if (GetDeviceCaps(dc, BITSPIXEL) * GetDeviceCaps(dc, PLANES) >= 24) return tile;
+  HBITMAP device = CreateCompatibleBitmap(dc, width, height);
+  HDC from = CreateCompatibleDC(dc), to = CreateCompatibleDC(dc);
+  if (device && from && to) {
+    HGDIOBJ a = SelectObject(from, tile), b = SelectObject(to, device);
+    BitBlt(to, 0, 0, width, height, from, 0, 0, SRCCOPY);
+    SelectObject(from, a);
+    SelectObject(to, b);
+  }
+  if (from) DeleteDC(from);
+  if (to) DeleteDC(to);
+  DeleteObject(tile);
+  return device;
+}
+
+void Blit(HDC dc, HDC memory, HBITMAP bitmap, const Rect& at) {
+  HGDIOBJ previous = SelectObject(memory, bitmap);
+  BitBlt(dc, at.left, at.top, Width(at), Height(at), memory, 0, 0, SRCCOPY);
+  SelectObject(memory, previous);
+}
+
+// The part of {0, 0, width, height} that the clip box of `dc` shows; false
+// when none.
+bool ShownPart(HDC dc, int32_t width, int32_t height, Rect* part) {
+  RECT shown;
+  if (GetClipBox(dc, &shown) <= NULLREGION) return false;
+  *part = {std::clamp<int32_t>(shown.left, 0, width), std::clamp<int32_t>(shown.top, 0, height),
+           std::clamp<int32_t>(shown.right, 0, width), std::clamp<int32_t>(shown.bottom, 0, height)};
+  return Width(*part) > 0 && Height(*part) > 0;
 }
 
 }  // namespace
 
-void StretchToScreen(HDC dc, const DibInfo& info, const void* bits, int32_t x, int32_t y, int32_t width,
-                     int32_t height, int32_t sourceX, int32_t sourceTop, int32_t sourceW, int32_t sourceH) {
-  HBITMAP bitmap = DeviceBitmap(dc, info, bits);
+void DrawShownPart(HDC dc, const uint8_t* dib, int32_t width, int32_t height) {
+  Rect part;
+  if (!ShownPart(dc, width, height, &part)) return;
+  HBITMAP bitmap = ResampledPart(dc, dib, width, height, part);
   if (!bitmap) return;
-  HDC memory = CreateCompatibleDC(dc);
-  if (memory) {
-    HGDIOBJ previous = SelectObject(memory, bitmap);
-    // The screen view stays on GDI's HALFTONE rather than the program's
-    // resampler: it repaints at every scroll and zoom, where the display
-    // driver's stretch is far quicker, and what a screen shows at a zoom is
-    // not what prints (printing, PDF and PNG go through the resampler).
-    const int oldMode = SetStretchBltMode(dc, HALFTONE);
-    POINT oldBrushOrigin{0, 0};
-    SetBrushOrgEx(dc, 0, 0, &oldBrushOrigin);  // HALFTONE needs the brush origin reset
-    StretchBlt(dc, x, y, width, height, memory, sourceX, sourceTop, sourceW, sourceH, SRCCOPY);
-    SetStretchBltMode(dc, oldMode);
-    SetBrushOrgEx(dc, oldBrushOrigin.x, oldBrushOrigin.y, nullptr);
-    SelectObject(memory, previous);
+  if (HDC memory = CreateCompatibleDC(dc)) {
+    Blit(dc, memory, bitmap, part);
     DeleteDC(memory);
   }
   DeleteObject(bitmap);
 }
 
-bool ScreenPictureCache::Draw(HDC dc, BlockHandle dib, const DibInfo& info, const void* bits, int32_t width,
-                              int32_t height) {
+bool ScreenPictureCache::Draw(HDC dc, BlockHandle dib, const uint8_t* bytes, int32_t width, int32_t height) {
   const uint64_t serial = GlobalBlockSerial(dib);
-  if (!bitmap_ || dib != dib_ || serial != serial_ || width != width_ || height != height_) {
+  if (dib != dib_ || serial != serial_ || width != width_ || height != height_) {
     Drop();
-    HDC memory = CreateCompatibleDC(dc);
-    if (!memory) return false;
-    HBITMAP bitmap = CopyBitmap(dc, width, height);
-    if (bitmap) {
-      HGDIOBJ previous = SelectObject(memory, bitmap);
-      // Straight from the Dib: no device copy of all its pixels is needed.
-      SetStretchBltMode(memory, HALFTONE);
-      SetBrushOrgEx(memory, 0, 0, nullptr);
-      StretchDIBits(memory, 0, 0, width, height, 0, 0, info.header.biWidth, std::abs(info.header.biHeight), bits,
-                    reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS, SRCCOPY);
-      SelectObject(memory, previous);
-    }
-    DeleteDC(memory);
-    if (!bitmap) return false;
-    bitmap_ = bitmap, dib_ = dib, serial_ = serial, width_ = width, height_ = height;
-    ++made_;
+    if (width <= 0 || height <= 0) return false;
+    dib_ = dib, serial_ = serial, width_ = width, height_ = height;
+    columns_ = (width + kTile - 1) / kTile;
+    tiles_.assign(static_cast<size_t>(columns_) * ((height + kTile - 1) / kTile), nullptr);
   }
+  Rect shown;
+  if (!ShownPart(dc, width, height, &shown)) return true;
   HDC memory = CreateCompatibleDC(dc);
   if (!memory) return false;
-  HGDIOBJ previous = SelectObject(memory, bitmap_);
-  BitBlt(dc, 0, 0, width, height, memory, 0, 0, SRCCOPY);
-  SelectObject(memory, previous);
+  bool made = false, drawn = true;
+  for (int32_t y = shown.top / kTile * kTile; drawn && y < shown.bottom; y += kTile) {
+    for (int32_t x = shown.left / kTile * kTile; drawn && x < shown.right; x += kTile) {
+      const Rect tile = {x, y, std::min(x + kTile, width), std::min(y + kTile, height)};
+      HBITMAP& kept = tiles_[static_cast<size_t>(y / kTile) * columns_ + x / kTile];
+      if (!kept) {
+        if (HBITMAP made24 = ResampledPart(dc, bytes, width, height, tile))
+          kept = InDisplayFormat(dc, made24, Width(tile), Height(tile));
+        made = true;
+      }
+      drawn = kept != nullptr;
+      if (drawn) Blit(dc, memory, kept, tile);
+    }
+  }
   DeleteDC(memory);
-  return true;
+  if (made) ++made_;
+  return drawn;
 }
 
 void ScreenPictureCache::Drop() {
-  if (bitmap_) DeleteObject(bitmap_);
-  bitmap_ = nullptr;
+  for (HBITMAP tile : tiles_)
+    if (tile) DeleteObject(tile);
+  tiles_.clear();
   dib_ = 0;
   serial_ = 0;
-  width_ = height_ = 0;
+  width_ = height_ = columns_ = 0;
 }
