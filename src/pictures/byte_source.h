@@ -69,7 +69,6 @@ class FieldReader {
   void Seek(uint64_t offset) { offset_ = offset; }
   uint64_t Offset() const { return offset_; }
   uint64_t Size() const { return source_.Size(); }
-  bool AtEnd() const { return offset_ >= source_.Size(); }
   bool ok() const { return ok_; }
 
  private:

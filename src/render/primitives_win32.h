@@ -25,9 +25,6 @@ int MakePalette(HDC dc, PaletteHolder* holder, const uint8_t* triplets, int coun
 // clears the holder.
 void ReleasePalette(HDC dc, PaletteHolder* holder);
 
-// The screen's bits per pixel; every depth of 9 or more is reported as 24.
-int ScreenColourBits();
-
 // WM_DRAWITEM of a colour button: the swatch in `colour` (the button face
 // when disabled) inside a raised edge, sunken while pressed.
 void DrawColourSwatchButton(const DRAWITEMSTRUCT* item, COLORREF colour);
