@@ -6,6 +6,7 @@
 // allocation beyond kMaxImageBytes.
 #pragma once
 #include <cstdint>
+#include <string>
 
 #include "base/global_block.h"
 
@@ -23,6 +24,14 @@ int ImageFormatExtension(int index, char* buffer, int size);
 // Writes "%s files" of the extension ("jpg files") into `buffer`; returns 6,
 // or -1 for an index of 6 or more.
 int ImageFormatFilterName(int index, char* buffer, int size);
+
+// The format's name as people know it ("JPEG"), or null for an index of 6
+// or more.
+const char* ImageFormatName(int index);
+// The picture-open dialog's filter list: "JPEG files" "*.jpg" and so on for
+// every format in index order, then "All files" with all the extensions;
+// every text ends in a zero, and the string's own zero ends the list.
+std::string ImageFormatDialogFilter();
 
 // Reads the file's own header, without decoding pixels. Every output may be
 // null. `colourTable` (256 RGB triples, 768 bytes) is cleared and filled only

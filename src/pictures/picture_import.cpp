@@ -23,6 +23,7 @@ constexpr int kCameraFormat = 6;
 // The six formats' extensions come from their table; these are the other
 // names the same formats go by, and the formats the decoder libraries add.
 const char* const kOtherExtensions[] = {"jpeg", "jpe", "jfif", "tif", "tiff", "webp", "heic", "heif", "hif", "avif"};
+const char* const kOtherFormats[] = {"TIFF", "WebP", "HEIC/HEIF", "AVIF"};
 
 bool StartsWith(const uint8_t* data, size_t size, const char* magic, size_t n) {
   return size >= n && std::memcmp(data, magic, n) == 0;
@@ -190,6 +191,13 @@ std::string PictureExtensionList() {
   char extension[8];
   for (int i = 0; ImageFormatExtension(i, extension, sizeof extension) > 0; ++i) list += (i ? ", " : "") + std::string(extension);
   for (const char* other : kOtherExtensions) list += ", " + std::string(other);
+  return list;
+}
+
+std::string PictureFormatList() {
+  std::string list;
+  for (int i = 0; ImageFormatName(i); ++i) list += (i ? ", " : "") + std::string(ImageFormatName(i));
+  for (const char* other : kOtherFormats) list += ", " + std::string(other);
   return list;
 }
 

@@ -59,6 +59,8 @@ BlockHandle ImportPictureDib(BlockHandle dib, const ImportRequest& request);
 bool HasPictureExtension(const char* path);
 // Those extensions as "jpg, jpeg, ...".
 std::string PictureExtensionList();
+// The formats this build reads by content, as "JPEG, BMP, ..., AVIF".
+std::string PictureFormatList();
 
 // Why the picture could not be read, in a few words: "not a picture",
 // "unsupported format", "damaged", "too large: 250 megapixels, at most 200".
