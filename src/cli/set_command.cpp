@@ -210,7 +210,7 @@ int SetCommand(const Arguments& args) {
   if (status < 0 && hasPicture && pages[0] == kYearPage) status = Usage("the year page has no picture");
   BlockHandle picture = 0;
   if (status < 0 && args.Has("--picture") &&
-      !(picture = LoadPagePicture(args.options.at("--picture"), PageBackground(document, pages[0]), args)))
+      !(picture = ReadPictureOption(args.options.at("--picture"), PageBackground(document, pages[0]), args)))
     status = 1;
   for (size_t i = 0; status < 0 && i < pages.size(); ++i) {
     // Every page gets a picture of its own; the last one takes the one read.

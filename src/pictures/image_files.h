@@ -3,16 +3,15 @@
 // that keeps the file's kind: 1-, 4- and 8-bit files stay palette pictures
 // with their own colours (grey-scale files get a grey table), true-colour
 // files become 24-bit. Damaged or hostile files give 0, never a crash or an
-// allocation beyond kMaxImageBytes.
+// allocation beyond kMaxPictureBytes.
 #pragma once
 #include <cstdint>
 #include <string>
 
+#include "base/dib.h"
 #include "base/global_block.h"
 
 constexpr int kImageFormatCount = 6;
-// No picture larger than this is read (the calendar file's limit as well).
-constexpr uint32_t kMaxImageBytes = 512u << 20;
 
 // The format index 0..5 (jpg, bmp, gif, pcx, tga, png) of a path, from the
 // extension after the last dot of the file name, compared without regard to

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "base/dib.h"
+#include "base/regular_file.h"
 #include "base/text.h"
 #include "pictures/byte_source.h"
 #include "pictures/camera_formats.h"
@@ -44,7 +45,7 @@ int FormatOfContent(const uint8_t* data, size_t size, const char* path) {
 // The most pixels format `index` may hold: JPEGs are decoded a band at a
 // time, the others into a whole Dib of the header's bit count.
 uint64_t MaxPixelsOf(int index, uint16_t bitCount) {
-  return index == kJpeg ? kMaxJpegPixels : static_cast<uint64_t>(kMaxImageBytes) * 8 / (bitCount ? bitCount : 24);
+  return index == kJpeg ? kMaxJpegPixels : static_cast<uint64_t>(kMaxPictureBytes) * 8 / (bitCount ? bitCount : 24);
 }
 
 // `dib` brought down to `longest` on its longer side (freed when replaced);
@@ -158,7 +159,7 @@ ImportedPicture ImportPictureFile(const char* path, const ImportRequest& request
     result.error = ImportError::kNotAPicture;
     return result;
   }
-  FileBytes file = ReadWholeFile(path);
+  FileBytes file = ReadWholeFile(path, kMaxPictureBytes);
   if (!file.data) {
     result.error = ImportError::kUnreadableFile;
     return result;

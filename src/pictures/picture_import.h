@@ -17,7 +17,7 @@
 constexpr int32_t kImportLongestSide = 4000;
 // JPEGs are decoded a band at a time and scaled while decoding, so they may
 // hold this many pixels; other formats are decoded whole and stop at
-// kMaxImageBytes of picture.
+// kMaxPictureBytes of picture.
 constexpr uint64_t kMaxJpegPixels = 200000000;
 // Other decoder libraries hand over whole pictures of four bytes a pixel.
 constexpr uint64_t kMaxDecodedPixels = 100000000;

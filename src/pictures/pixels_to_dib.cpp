@@ -23,8 +23,8 @@ bool ImageHeaderIsReadable(ImageHeader& header) {
   h.biPlanes = 1;
   h.biBitCount = header.bitCount;
   uint64_t total = DibTotalSize(h);
-  header.tooLarge = total > kMaxImageBytes;
-  return total != 0 && total <= kMaxImageBytes;
+  header.tooLarge = total > kMaxPictureBytes;
+  return total != 0 && total <= kMaxPictureBytes;
 }
 
 void SetGreyTable(ImageHeader* header, int levels) {
