@@ -8,7 +8,7 @@
 #include "base/replace_file.h"
 #include "base/text.h"
 #include "pictures/byte_source.h"
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 #include "pictures/picture_import.h"
 
 namespace {

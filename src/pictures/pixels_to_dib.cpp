@@ -6,7 +6,7 @@
 
 #include "pictures/colour_profile.h"
 #include "pictures/image_files.h"
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 #include "pictures/stb_decode.h"
 
 bool ImageHeaderIsReadable(ImageHeader& header) {

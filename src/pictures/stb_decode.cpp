@@ -8,7 +8,7 @@
 #include <cstring>
 
 #include "pictures/image_files.h"
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The drawing routines that only the Windows program has: logical palettes
-// from colour triplets, the screen's colour depth, and the two owner-drawn
-// button faces of the property sheets.
+// from colour triplets and the two owner-drawn button faces of the property
+// sheets.
 #pragma once
 #include <windows.h>
 
