@@ -7,20 +7,19 @@
 #include "print/status_box_win32.h"
 
 namespace {
+BOOL CALLBACK TakeStatusBox(HWND window, LPARAM out) {
+  char kind[16] = "";
+  GetClassNameA(window, kind, sizeof kind);
+  if (std::strcmp(kind, "#32770") != 0 || !GetDlgItem(window, 101) || !GetDlgItem(window, 102)) return TRUE;
+  *reinterpret_cast<HWND*>(out) = window;
+  return FALSE;
+}
+
 // The status box among this thread's windows (a dialog with the text 101 and
 // the bar 102), or null.
 HWND StatusBox() {
   HWND found = nullptr;
-  EnumThreadWindows(
-      GetCurrentThreadId(),
-      [](HWND window, LPARAM out) -> BOOL {
-        char kind[16] = "";
-        GetClassNameA(window, kind, sizeof kind);
-        if (std::strcmp(kind, "#32770") != 0 || !GetDlgItem(window, 101) || !GetDlgItem(window, 102)) return TRUE;
-        *reinterpret_cast<HWND*>(out) = window;
-        return FALSE;
-      },
-      reinterpret_cast<LPARAM>(&found));
+  EnumThreadWindows(GetCurrentThreadId(), TakeStatusBox, reinterpret_cast<LPARAM>(&found));
   return found;
 }
 
