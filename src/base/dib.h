@@ -6,6 +6,11 @@
 
 #include "base/global_block.h"
 
+// The largest picture the program holds: no image file is read into more, and
+// a calendar file holds no picture block larger (a stream claiming more is a
+// damaged record). Real photographs are far below it.
+constexpr uint32_t kMaxPictureBytes = 512u << 20;
+
 #pragma pack(push, 1)
 struct BitmapInfoHeader {
   uint32_t biSize;

@@ -15,10 +15,6 @@ inline int32_t Height(const Rect& r) { return r.bottom - r.top; }
 inline Rect Inflated(Rect r, int32_t dx, int32_t dy) { return {r.left - dx, r.top - dy, r.right + dx, r.bottom + dy}; }
 inline Rect Deflated(const Rect& r, int32_t d) { return Inflated(r, -d, -d); }
 inline Rect Offset(Rect r, int32_t dx, int32_t dy) { return {r.left + dx, r.top + dy, r.right + dx, r.bottom + dy}; }
-// {left, top, left + width, top + height}
-inline Rect RectOfSize(int32_t left, int32_t top, int32_t width, int32_t height) {
-  return {left, top, left + width, top + height};
-}
 inline bool operator==(const Rect& a, const Rect& b) {
   return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
 }
@@ -46,10 +42,3 @@ enum : uint32_t {
   kDtNoPrefix = 0x0800,
 };
 
-// a * percent / 100, truncating toward zero like the int arithmetic it
-// stands for, but without overflow when a damaged file holds absurd
-// percentages (the result saturates instead).
-inline int32_t PercentOf(int64_t a, int64_t percent) {
-  int64_t v = a * percent / 100;
-  return v > INT32_MAX ? INT32_MAX : v < INT32_MIN ? INT32_MIN : static_cast<int32_t>(v);
-}

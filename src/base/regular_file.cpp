@@ -1,5 +1,7 @@
 #include "base/regular_file.h"
 
+#include <new>
+
 #include <sys/stat.h>
 #include <sys/types.h>
 
@@ -37,4 +39,27 @@ std::FILE* OpenRegularFile(const char* path, bool text, uint64_t* size) {
 #endif
   if (size) *size = static_cast<uint64_t>(st.st_size);
   return f;
+}
+
+FileBytes ReadWholeFile(const char* path, uint64_t limit) {
+  FileBytes bytes;
+  uint64_t size = 0;
+  std::FILE* f = OpenRegularFile(path, false, &size);
+  if (!f) {
+    bytes.problem = WholeFileProblem::kCannotOpen;
+    return bytes;
+  }
+  if (size > limit) {
+    bytes.problem = WholeFileProblem::kTooLarge;
+  } else {
+    std::unique_ptr<uint8_t[]> data(new (std::nothrow) uint8_t[static_cast<size_t>(size) + 1]);
+    if (data && std::fread(data.get(), 1, static_cast<size_t>(size), f) == static_cast<size_t>(size)) {
+      bytes.data = std::move(data);
+      bytes.size = static_cast<size_t>(size);
+    } else {
+      bytes.problem = WholeFileProblem::kCannotRead;
+    }
+  }
+  std::fclose(f);
+  return bytes;
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "base/dib.h"
 #include "base/global_block.h"
 #include "calendar/calendar_model.h"
 #include "calendar/file_progress.h"
@@ -15,9 +16,6 @@ constexpr const char* kSaveFailedMessage =
 constexpr const char* kLoadFailedMessage = "There has been an error reading this file. It might be corrupted.";
 constexpr const char* kMemoryFailedMessage = "There has been an error allocating memory.";
 
-// The largest picture block a calendar file may hold. Real photographs are far
-// below it; a stream claiming more is treated as a damaged record.
-constexpr uint32_t kMaxPictureBytes = 512u << 20;
 // The most all pictures of one calendar may hold together (the 32-bit program
 // could not hold more anyway). Pictures past it are damaged records, so a
 // small file of well-made huge pictures cannot demand many gigabytes.

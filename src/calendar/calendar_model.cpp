@@ -1,98 +1,77 @@
 #include "calendar/calendar_model.h"
 
 #include <cstring>
+#include <vector>
 
 #include "base/text.h"
 #include "calendar/calendar_dates.h"
 #include "calendar/event_list.h"
+#include "calendar/record_fields.h"
 #include "config/settings.h"
 
 namespace {
 
-// A record field that carries the setting of the same name. Copying a new
-// record's design from the settings reads `setting`; storing an edited
-// record's design writes `storeInto`, which differs in one row only.
+// A record field bound to the settings variables it is copied from and
+// stored into. The names in the records' lists are those of the settings
+// table, so the binding is looked up once by name.
 struct FieldBinding {
-  size_t field;
-  size_t size;  // kFontNameSize for texts, 4 for numbers and flags
-  size_t setting;
-  size_t storeInto;
+  const RecordField* field;
+  const uint8_t* from;
+  uint8_t* into;
 };
 
-#define BIND(Record, Name)                                                                \
-  FieldBinding {                                                                          \
-    offsetof(Record, Name), sizeof(Record::Name), offsetof(SettingsValues, Name), offsetof(SettingsValues, Name) \
+uint8_t* SettingNamed(const char* key) {
+  const SettingsRow* row = key ? FindSettingsRow(key) : nullptr;
+  return row ? static_cast<uint8_t*>(row->variable) : nullptr;
+}
+
+std::vector<FieldBinding> BindToSettings(RecordFieldList fields) {
+  std::vector<FieldBinding> bound;
+  for (const RecordField& field : fields) {
+    const uint8_t* from = SettingNamed(field.copiedFrom);
+    uint8_t* into = SettingNamed(field.storedInto);
+    if (from && into) bound.push_back({&field, from, into});
   }
+  return bound;
+}
 
-// Record order. The page's picture frame colour is stored into the
-// PicturePlacement default, right after the placement itself, and the
-// PictureFrameColour default is never updated from a page: a behaviour users
-// of earlier versions rely on, kept on purpose.
-const FieldBinding kMonthPageFields[] = {
-    BIND(MonthPage, DateFontName), BIND(MonthPage, DateFontColour), BIND(MonthPage, DateFontSize),
-    BIND(MonthPage, DateFontItal), BIND(MonthPage, DateFontBold), BIND(MonthPage, DateFontPlacement),
-    BIND(MonthPage, DateFrameColour), BIND(MonthPage, DateBackColour), BIND(MonthPage, DateInteriorPadding),
-    BIND(MonthPage, DateShadow), BIND(MonthPage, DateRound), BIND(MonthPage, DateShadowOffset),
-    BIND(MonthPage, HeadFontName), BIND(MonthPage, HeadFontColour), BIND(MonthPage, HeadFontSize),
-    BIND(MonthPage, HeadFontItal), BIND(MonthPage, HeadFontBold), BIND(MonthPage, HeadShadow),
-    BIND(MonthPage, HeadPrevNext), BIND(MonthPage, HeadFrameColour), BIND(MonthPage, HeadBackColour),
-    BIND(MonthPage, HeadPlacement), BIND(MonthPage, HeadInteriorPadding), BIND(MonthPage, HeadExteriorPadding),
-    BIND(MonthPage, DaysShow), BIND(MonthPage, DaysName), BIND(MonthPage, DaysFontName),
-    BIND(MonthPage, DaysFontColour), BIND(MonthPage, DaysFontSize), BIND(MonthPage, DaysFontItal),
-    BIND(MonthPage, DaysFontBold), BIND(MonthPage, PicturePlacement),
-    {offsetof(MonthPage, PictureFrameColour), 4, offsetof(SettingsValues, PictureFrameColour),
-     offsetof(SettingsValues, PicturePlacement)},
-    BIND(MonthPage, PictureShowPicture), BIND(MonthPage, PictureShowFrame), BIND(MonthPage, PictureDropShadow),
-    BIND(MonthPage, PictureShadowOffset), BIND(MonthPage, PictureExteriorPadding), BIND(MonthPage, CapFontName),
-    BIND(MonthPage, CapFontColour), BIND(MonthPage, CapFontSize), BIND(MonthPage, CapFontItal),
-    BIND(MonthPage, CapFontBold), BIND(MonthPage, CapPlacement), BIND(MonthPage, PageBackgroundColour),
-    BIND(MonthPage, PageMargin), BIND(MonthPage, Gutter), BIND(MonthPage, PictureShadowSoftness),
-};
+const std::vector<FieldBinding>& MonthPageBindings() {
+  static const std::vector<FieldBinding> bound = BindToSettings(MonthPageFields());
+  return bound;
+}
 
-const FieldBinding kHeaderFields[] = {
-    BIND(CalendarHeader, YagFontName), BIND(CalendarHeader, YagColour), BIND(CalendarHeader, TagFontItal),
-    BIND(CalendarHeader, YagFontBold), BIND(CalendarHeader, YagTitleFontName), BIND(CalendarHeader, TagTitleColour),
-    BIND(CalendarHeader, YagTitleFontSize), BIND(CalendarHeader, YagTitleFontItal),
-    BIND(CalendarHeader, YagTitleFontBold), BIND(CalendarHeader, YagGutter), BIND(CalendarHeader, YagPageMargin),
-    BIND(CalendarHeader, YagRound), BIND(CalendarHeader, YagShadow), BIND(CalendarHeader, YagShadowOffset),
-    BIND(CalendarHeader, YagInteriorPadding), BIND(CalendarHeader, YagExteriorPadding),
-    BIND(CalendarHeader, YagFrameColour), BIND(CalendarHeader, YagBackColour), BIND(CalendarHeader, YagPageColour),
-    BIND(CalendarHeader, CoverFontName), BIND(CalendarHeader, CoverFontColour), BIND(CalendarHeader, CoverFontSize),
-    BIND(CalendarHeader, CoverFontItal), BIND(CalendarHeader, CoverFontBold),
-    BIND(CalendarHeader, CoverFontPlacement), BIND(CalendarHeader, CoverPictureShowFrame),
-    BIND(CalendarHeader, CoverPictureDropShadow), BIND(CalendarHeader, CoverPictureShadowOffset),
-    BIND(CalendarHeader, CoverPictureExteriorPadding), BIND(CalendarHeader, CoverPictureShowPicture),
-    BIND(CalendarHeader, CoverPictureGutter), BIND(CalendarHeader, CoverPicturePlacement),
-    BIND(CalendarHeader, CoverPictureBleed), BIND(CalendarHeader, CoverBackgroundColour),
-    BIND(CalendarHeader, CoverPictureFrameColour),
-};
-#undef BIND
+const std::vector<FieldBinding>& HeaderBindings() {
+  static const std::vector<FieldBinding> bound = BindToSettings(HeaderFields());
+  return bound;
+}
 
-uint8_t* SettingAt(size_t offset) { return reinterpret_cast<uint8_t*>(&Settings) + offset; }
-
-template <size_t N>
-void CopyFromSettings(const FieldBinding (&fields)[N], void* record) {
+void CopyFromSettings(const std::vector<FieldBinding>& bindings, void* record) {
   uint8_t* bytes = static_cast<uint8_t*>(record);
-  for (const FieldBinding& f : fields) {
-    if (f.size == kFontNameSize)
-      CopyText(reinterpret_cast<char*>(bytes + f.field), f.size, reinterpret_cast<const char*>(SettingAt(f.setting)));
+  for (const FieldBinding& b : bindings) {
+    if (b.field->kind == FieldKind::Text)
+      CopyText(reinterpret_cast<char*>(bytes + b.field->offset), b.field->size, reinterpret_cast<const char*>(b.from));
     else
-      std::memcpy(bytes + f.field, SettingAt(f.setting), 4);
+      std::memcpy(bytes + b.field->offset, b.from, 4);
   }
 }
 
-template <size_t N>
-void StoreIntoSettings(const FieldBinding (&fields)[N], const void* record) {
+// In record order, so a field stored into another's setting wins over it.
+void StoreIntoSettings(const std::vector<FieldBinding>& bindings, const void* record) {
   const uint8_t* bytes = static_cast<const uint8_t*>(record);
-  for (const FieldBinding& f : fields) {
-    char* setting = reinterpret_cast<char*>(SettingAt(f.storeInto));
-    if (f.size == kFontNameSize) {
+  for (const FieldBinding& b : bindings) {
+    if (b.field->kind == FieldKind::Text) {
+      char* setting = reinterpret_cast<char*>(b.into);
       std::memset(setting, 0, kSettingTextSize);
-      CopyText(setting, kSettingTextSize, reinterpret_cast<const char*>(bytes + f.field));
+      CopyText(setting, kSettingTextSize, reinterpret_cast<const char*>(bytes + b.field->offset));
     } else {
-      std::memcpy(setting, bytes + f.field, 4);
+      std::memcpy(b.into, bytes + b.field->offset, 4);
     }
   }
+}
+
+void TerminateTextFields(RecordFieldList fields, void* record) {
+  for (const RecordField& field : fields)
+    if (field.kind == FieldKind::Text) static_cast<char*>(record)[field.offset + field.size - 1] = 0;
 }
 
 // Both records sit in the document block at fixed offsets.
@@ -129,7 +108,7 @@ void InitMonthPage(MonthPage* page) {
   std::memset(page, 0, sizeof *page);
   page->Magic = kPageMagic;
   page->RecordSize = kMonthPageSize;
-  CopyFromSettings(kMonthPageFields, page);
+  CopyFromSettings(MonthPageBindings(), page);
   page->Events = LoadEventList(page->DaysName);
 }
 
@@ -143,7 +122,7 @@ CalendarDocument CreateCalendar(int year, int currentPage) {
   header->Version = kRecordVersion;
   header->Year = year;
   header->CurrentPage = currentPage;
-  CopyFromSettings(kHeaderFields, header);
+  CopyFromSettings(HeaderBindings(), header);
   for (int month = 0; month < 12; ++month) {
     MonthPage page;
     InitMonthPage(&page);
@@ -152,9 +131,9 @@ CalendarDocument CreateCalendar(int year, int currentPage) {
   return document;
 }
 
-void StoreMonthPageAsDefaults(const MonthPage* page) { StoreIntoSettings(kMonthPageFields, page); }
+void StoreMonthPageAsDefaults(const MonthPage* page) { StoreIntoSettings(MonthPageBindings(), page); }
 
-void StoreHeaderAsDefaults(const CalendarHeader* header) { StoreIntoSettings(kHeaderFields, header); }
+void StoreHeaderAsDefaults(const CalendarHeader* header) { StoreIntoSettings(HeaderBindings(), header); }
 
 void FreeMonthPage(MonthPage* page) {
   if (page->Picture) GlobalBlockFree(page->Picture);
@@ -215,13 +194,6 @@ bool PutMonthPage(CalendarDocument document, int month, const MonthPage* in) {
   return month >= 0 && month < 12 && CopyBlock(document, MonthOffset(month), nullptr, in, kMonthPageSize, true);
 }
 
-void TerminateTexts(CalendarHeader* h) {
-  h->YagFontName[kFontNameSize - 1] = h->YagTitleFontName[kFontNameSize - 1] = 0;
-  h->CoverFontName[kFontNameSize - 1] = h->CoverTitle[kFontNameSize - 1] = 0;
-}
+void TerminateTexts(CalendarHeader* header) { TerminateTextFields(HeaderFields(), header); }
 
-void TerminateTexts(MonthPage* p) {
-  p->DateFontName[kFontNameSize - 1] = p->HeadFontName[kFontNameSize - 1] = 0;
-  p->DaysName[kFontNameSize - 1] = p->DaysFontName[kFontNameSize - 1] = p->CapFontName[kFontNameSize - 1] = 0;
-  p->LeftCaption[kCaptionSize - 1] = p->RightCaption[kCaptionSize - 1] = 0;
-}
+void TerminateTexts(MonthPage* page) { TerminateTextFields(MonthPageFields(), page); }

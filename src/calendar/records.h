@@ -1,6 +1,8 @@
 // The calendar's two records. Each struct is byte for byte the record of the
-// calendar file, on every target: packed, little-endian, with every offset
-// checked below.
+// calendar file, on every target: packed, little-endian. Each record is one
+// list of its fields below; the struct, the offset checks, the binding of the
+// design defaults to the settings, the command line's field table and the
+// text terminators all come from that list.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -19,234 +21,184 @@ constexpr int kCaptionSize = 2050;
 constexpr int kYearPageIndex = 12;
 constexpr int kCoverPageIndex = 13;
 
+// What a field holds, which says how it is shown and how it may be set.
+enum class FieldKind : uint8_t {
+  Number,      // a percentage, a size, a year or a page
+  Flag,        // 0 or 1
+  Colour,      // a COLORREF 0x00BBGGRR
+  Weight,      // a font weight, 400 or 700
+  Placement,   // a placement code
+  Text,        // a zero-terminated text filling the field
+  Picture,     // a block holding a Dib
+  Events,      // a block holding an event list
+  Magic,       // the four letters that open the record
+  Structural,  // how the file is put together: record sizes, the version, picture sizes
+  Kept,        // the program's own state: changed and edited marks, the sheet's last tab
+  Reserved,    // unused bytes, kept zero
+};
+
+// How a field meets the design defaults of new calendars: `Own` fields are
+// the calendar's own; `Setting` fields are copied from the setting of the
+// same name into a new record and stored back into it from an edited one;
+// `StoredAs(key)` fields are copied from their own setting but stored into
+// `key`'s.
+struct DefaultBinding {
+  bool fromSetting;
+  const char* storedAs;  // null: the setting of the field's own name
+};
+namespace field_default {
+constexpr DefaultBinding Own{false, nullptr};
+constexpr DefaultBinding Setting{true, nullptr};
+constexpr DefaultBinding StoredAs(const char* key) { return {true, key}; }
+}  // namespace field_default
+
+// X(name, C type, array length or 0, offset, FieldKind, DefaultBinding)
+#define QUERNAL_CALENDAR_HEADER_FIELDS(X) \
+  X(Magic, uint32_t, 0, 0, Magic, Own) \
+  X(RecordSize, uint32_t, 0, 4, Structural, Own) /* in a file: 1,343 plus the compressed cover picture that follows */ \
+  X(Version, uint32_t, 0, 8, Structural, Own) \
+  X(Reserved0, uint32_t, 0, 12, Reserved, Own) \
+  X(Year, int32_t, 0, 16, Number, Own) \
+  X(CurrentPage, int32_t, 0, 20, Number, Own) /* PageIndex 0..13 of the page shown */ \
+  X(UseCurrentYear, uint16_t, 0, 24, Flag, Own) \
+  X(ShowYearInPages, uint16_t, 0, 26, Flag, Own) \
+  X(Changed, uint16_t, 0, 28, Kept, Own) \
+  X(CoverPicture, BlockHandle, 0, 30, Picture, Own) \
+  X(YagFontName, char, kFontNameSize, 34, Text, Setting) \
+  X(YagColour, uint32_t, 0, 295, Colour, Setting) \
+  X(TagFontItal, int32_t, 0, 299, Flag, Setting) \
+  X(YagFontBold, int32_t, 0, 303, Weight, Setting) \
+  X(YagTitleFontName, char, kFontNameSize, 307, Text, Setting) \
+  X(TagTitleColour, uint32_t, 0, 568, Colour, Setting) \
+  X(YagTitleFontSize, int32_t, 0, 572, Number, Setting) \
+  X(YagTitleFontItal, int32_t, 0, 576, Flag, Setting) \
+  X(YagTitleFontBold, int32_t, 0, 580, Weight, Setting) \
+  X(YagGutter, int32_t, 0, 584, Number, Setting) \
+  X(YagPageMargin, int32_t, 0, 588, Number, Setting) \
+  X(YagRound, int32_t, 0, 592, Number, Setting) \
+  X(YagShadow, int32_t, 0, 596, Flag, Setting) \
+  X(YagShadowOffset, int32_t, 0, 600, Number, Setting) \
+  X(YagInteriorPadding, int32_t, 0, 604, Number, Setting) \
+  X(YagExteriorPadding, int32_t, 0, 608, Number, Setting) \
+  X(YagFrameColour, uint32_t, 0, 612, Colour, Setting) \
+  X(YagBackColour, uint32_t, 0, 616, Colour, Setting) \
+  X(YagPageColour, uint32_t, 0, 620, Colour, Setting) \
+  X(CoverFontName, char, kFontNameSize, 624, Text, Setting) \
+  X(CoverFontColour, uint32_t, 0, 885, Colour, Setting) \
+  X(CoverFontSize, int32_t, 0, 889, Number, Setting) \
+  X(CoverFontItal, int32_t, 0, 893, Flag, Setting) \
+  X(CoverFontBold, int32_t, 0, 897, Weight, Setting) \
+  X(CoverFontPlacement, int32_t, 0, 901, Placement, Setting) \
+  X(CoverPictureShowFrame, int32_t, 0, 905, Flag, Setting) \
+  X(CoverPictureDropShadow, int32_t, 0, 909, Flag, Setting) \
+  X(CoverPictureShadowOffset, int32_t, 0, 913, Number, Setting) \
+  X(CoverPictureExteriorPadding, int32_t, 0, 917, Number, Setting) \
+  X(CoverPictureShowPicture, int32_t, 0, 921, Flag, Setting) \
+  X(CoverPictureGutter, int32_t, 0, 925, Number, Setting) \
+  X(CoverPicturePlacement, int32_t, 0, 929, Placement, Setting) \
+  X(CoverPictureBleed, int32_t, 0, 933, Flag, Setting) \
+  X(CoverBackgroundColour, uint32_t, 0, 937, Colour, Setting) \
+  X(CoverPictureFrameColour, uint32_t, 0, 941, Colour, Setting) \
+  X(CoverTitle, char, kFontNameSize, 945, Text, Own) \
+  /* The year sheet's state lives in what was reserved space. */ \
+  X(LastYearPropertyPage, int32_t, 0, 1206, Kept, Own) \
+  X(YearEdited, int32_t, 0, 1210, Kept, Own) \
+  X(Reserved1, uint8_t, 0, 1214, Reserved, Own) \
+  X(CoverPictureDataSize, uint32_t, 0, 1215, Structural, Own) /* uncompressed cover picture size; meaningful only in a file */ \
+  X(Reserved2, uint8_t, 124, 1219, Reserved, Own)
+
+// The page's picture frame colour is stored into the PicturePlacement
+// default and the PictureFrameColour default is never updated from a page:
+// a behaviour users of earlier versions rely on, kept on purpose.
+#define QUERNAL_MONTH_PAGE_FIELDS(X) \
+  X(Magic, uint32_t, 0, 0, Magic, Own) \
+  X(RecordSize, uint32_t, 0, 4, Structural, Own) /* in a file: 5,733 plus the compressed picture that follows */ \
+  X(Reserved0, uint32_t, 0, 8, Reserved, Own) \
+  X(DateFontName, char, kFontNameSize, 12, Text, Setting) \
+  X(DateFontColour, uint32_t, 0, 273, Colour, Setting) \
+  X(DateFontSize, int32_t, 0, 277, Number, Setting) \
+  X(DateFontItal, int32_t, 0, 281, Flag, Setting) \
+  X(DateFontBold, int32_t, 0, 285, Weight, Setting) \
+  X(DateFontPlacement, int32_t, 0, 289, Placement, Setting) \
+  X(DateFrameColour, uint32_t, 0, 293, Colour, Setting) \
+  X(DateBackColour, uint32_t, 0, 297, Colour, Setting) \
+  X(DateInteriorPadding, int32_t, 0, 301, Number, Setting) \
+  X(DateShadow, int32_t, 0, 305, Flag, Setting) \
+  X(DateRound, int32_t, 0, 309, Number, Setting) \
+  X(DateShadowOffset, int32_t, 0, 313, Number, Setting) \
+  X(HeadFontName, char, kFontNameSize, 317, Text, Setting) \
+  X(HeadFontColour, uint32_t, 0, 578, Colour, Setting) \
+  X(HeadFontSize, int32_t, 0, 582, Number, Setting) \
+  X(HeadFontItal, int32_t, 0, 586, Flag, Setting) \
+  X(HeadFontBold, int32_t, 0, 590, Weight, Setting) \
+  X(HeadShadow, int32_t, 0, 594, Flag, Setting) \
+  X(HeadPrevNext, int32_t, 0, 598, Flag, Setting) \
+  X(HeadFrameColour, uint32_t, 0, 602, Colour, Setting) \
+  X(HeadBackColour, uint32_t, 0, 606, Colour, Setting) \
+  X(HeadPlacement, int32_t, 0, 610, Placement, Setting) \
+  X(HeadInteriorPadding, int32_t, 0, 614, Number, Setting) \
+  X(HeadExteriorPadding, int32_t, 0, 618, Number, Setting) \
+  X(Reserved1, uint32_t, 0, 622, Reserved, Own) \
+  X(DaysShow, int32_t, 0, 626, Flag, Setting) \
+  X(DaysName, char, kFontNameSize, 630, Text, Setting) /* the event list this page shows */ \
+  X(DaysFontName, char, kFontNameSize, 891, Text, Setting) \
+  X(DaysFontColour, uint32_t, 0, 1152, Colour, Setting) \
+  X(DaysFontSize, int32_t, 0, 1156, Number, Setting) \
+  X(DaysFontItal, int32_t, 0, 1160, Flag, Setting) \
+  X(DaysFontBold, int32_t, 0, 1164, Weight, Setting) \
+  X(PicturePlacement, int32_t, 0, 1168, Placement, Setting) \
+  X(PictureFrameColour, uint32_t, 0, 1172, Colour, StoredAs("PicturePlacement")) \
+  X(PictureShowPicture, int32_t, 0, 1176, Flag, Setting) \
+  X(PictureShowFrame, int32_t, 0, 1180, Flag, Setting) \
+  X(PictureDropShadow, int32_t, 0, 1184, Flag, Setting) \
+  X(PictureShadowOffset, int32_t, 0, 1188, Number, Setting) \
+  X(PictureExteriorPadding, int32_t, 0, 1192, Number, Setting) \
+  X(CapFontName, char, kFontNameSize, 1196, Text, Setting) \
+  X(CapFontColour, uint32_t, 0, 1457, Colour, Setting) \
+  X(CapFontSize, int32_t, 0, 1461, Number, Setting) \
+  X(CapFontItal, int32_t, 0, 1465, Flag, Setting) \
+  X(CapFontBold, int32_t, 0, 1469, Weight, Setting) \
+  X(CapPlacement, int32_t, 0, 1473, Placement, Setting) \
+  X(PageBackgroundColour, uint32_t, 0, 1477, Colour, Setting) \
+  X(PageMargin, int32_t, 0, 1481, Number, Setting) \
+  X(Gutter, int32_t, 0, 1485, Number, Setting) \
+  X(Picture, BlockHandle, 0, 1489, Picture, Own) \
+  X(Events, BlockHandle, 0, 1493, Events, Own) \
+  X(LastPropertyPage, int32_t, 0, 1497, Kept, Own) /* page of the page property sheet last applied */ \
+  X(LeftCaption, char, kCaptionSize, 1501, Text, Own) \
+  X(RightCaption, char, kCaptionSize, 3551, Text, Own) \
+  X(Edited, int32_t, 0, 5601, Kept, Own) \
+  X(PictureDataSize, uint32_t, 0, 5605, Structural, Own) /* uncompressed picture size; meaningful only in a file */ \
+  X(PictureShadowSoftness, int32_t, 0, 5609, Number, Setting) \
+  X(Reserved2, uint8_t, 120, 5613, Reserved, Own)
+
+template <typename T, size_t N>
+struct FieldStorage {
+  using type = T[N];
+};
+template <typename T>
+struct FieldStorage<T, 0> {
+  using type = T;
+};
+
+#define QUERNAL_MEMBER(name, T, length, offset, kind, binding) typename FieldStorage<T, length>::type name;
 #pragma pack(push, 1)
 struct CalendarHeader {
-  uint32_t Magic;
-  uint32_t RecordSize;  // in a file: 1,343 plus the compressed cover picture that follows
-  uint32_t Version;
-  uint32_t Reserved0;
-  int32_t Year;
-  int32_t CurrentPage;  // PageIndex 0..13 of the page shown
-  uint16_t UseCurrentYear;
-  uint16_t ShowYearInPages;
-  uint16_t Changed;
-  BlockHandle CoverPicture;
-  char YagFontName[kFontNameSize];
-  uint32_t YagColour;
-  int32_t TagFontItal;
-  int32_t YagFontBold;
-  char YagTitleFontName[kFontNameSize];
-  uint32_t TagTitleColour;
-  int32_t YagTitleFontSize;
-  int32_t YagTitleFontItal;
-  int32_t YagTitleFontBold;
-  int32_t YagGutter;
-  int32_t YagPageMargin;
-  int32_t YagRound;
-  int32_t YagShadow;
-  int32_t YagShadowOffset;
-  int32_t YagInteriorPadding;
-  int32_t YagExteriorPadding;
-  uint32_t YagFrameColour;
-  uint32_t YagBackColour;
-  uint32_t YagPageColour;
-  char CoverFontName[kFontNameSize];
-  uint32_t CoverFontColour;
-  int32_t CoverFontSize;
-  int32_t CoverFontItal;
-  int32_t CoverFontBold;
-  int32_t CoverFontPlacement;
-  int32_t CoverPictureShowFrame;
-  int32_t CoverPictureDropShadow;
-  int32_t CoverPictureShadowOffset;
-  int32_t CoverPictureExteriorPadding;
-  int32_t CoverPictureShowPicture;
-  int32_t CoverPictureGutter;
-  int32_t CoverPicturePlacement;
-  int32_t CoverPictureBleed;
-  uint32_t CoverBackgroundColour;
-  uint32_t CoverPictureFrameColour;
-  char CoverTitle[kFontNameSize];
-  // The year sheet's state lives in what was reserved space.
-  int32_t LastYearPropertyPage;
-  int32_t YearEdited;
-  uint8_t Reserved1;
-  uint32_t CoverPictureDataSize;  // uncompressed cover picture size; meaningful only in a file
-  uint8_t Reserved2[124];
+  QUERNAL_CALENDAR_HEADER_FIELDS(QUERNAL_MEMBER)
 };
-
 struct MonthPage {
-  uint32_t Magic;
-  uint32_t RecordSize;  // in a file: 5,733 plus the compressed picture that follows
-  uint32_t Reserved0;
-  char DateFontName[kFontNameSize];
-  uint32_t DateFontColour;
-  int32_t DateFontSize;
-  int32_t DateFontItal;
-  int32_t DateFontBold;
-  int32_t DateFontPlacement;
-  uint32_t DateFrameColour;
-  uint32_t DateBackColour;
-  int32_t DateInteriorPadding;
-  int32_t DateShadow;
-  int32_t DateRound;
-  int32_t DateShadowOffset;
-  char HeadFontName[kFontNameSize];
-  uint32_t HeadFontColour;
-  int32_t HeadFontSize;
-  int32_t HeadFontItal;
-  int32_t HeadFontBold;
-  int32_t HeadShadow;
-  int32_t HeadPrevNext;
-  uint32_t HeadFrameColour;
-  uint32_t HeadBackColour;
-  int32_t HeadPlacement;
-  int32_t HeadInteriorPadding;
-  int32_t HeadExteriorPadding;
-  uint32_t Reserved1;
-  int32_t DaysShow;
-  char DaysName[kFontNameSize];  // the event list this page shows
-  char DaysFontName[kFontNameSize];
-  uint32_t DaysFontColour;
-  int32_t DaysFontSize;
-  int32_t DaysFontItal;
-  int32_t DaysFontBold;
-  int32_t PicturePlacement;
-  uint32_t PictureFrameColour;
-  int32_t PictureShowPicture;
-  int32_t PictureShowFrame;
-  int32_t PictureDropShadow;
-  int32_t PictureShadowOffset;
-  int32_t PictureExteriorPadding;
-  char CapFontName[kFontNameSize];
-  uint32_t CapFontColour;
-  int32_t CapFontSize;
-  int32_t CapFontItal;
-  int32_t CapFontBold;
-  int32_t CapPlacement;
-  uint32_t PageBackgroundColour;
-  int32_t PageMargin;
-  int32_t Gutter;
-  BlockHandle Picture;
-  BlockHandle Events;
-  int32_t LastPropertyPage;  // page of the page property sheet last applied
-  char LeftCaption[kCaptionSize];
-  char RightCaption[kCaptionSize];
-  int32_t Edited;
-  uint32_t PictureDataSize;  // uncompressed picture size; meaningful only in a file
-  int32_t PictureShadowSoftness;
-  uint8_t Reserved2[120];
+  QUERNAL_MONTH_PAGE_FIELDS(QUERNAL_MEMBER)
 };
 #pragma pack(pop)
+#undef QUERNAL_MEMBER
 
-#define QUERNAL_AT(record, field, offset) static_assert(offsetof(record, field) == (offset), #record "." #field)
 static_assert(sizeof(CalendarHeader) == kHeaderSize, "CalendarHeader is 1,343 bytes");
-QUERNAL_AT(CalendarHeader, RecordSize, 4);
-QUERNAL_AT(CalendarHeader, Version, 8);
-QUERNAL_AT(CalendarHeader, Year, 16);
-QUERNAL_AT(CalendarHeader, CurrentPage, 20);
-QUERNAL_AT(CalendarHeader, UseCurrentYear, 24);
-QUERNAL_AT(CalendarHeader, ShowYearInPages, 26);
-QUERNAL_AT(CalendarHeader, Changed, 28);
-QUERNAL_AT(CalendarHeader, CoverPicture, 30);
-QUERNAL_AT(CalendarHeader, YagFontName, 34);
-QUERNAL_AT(CalendarHeader, YagColour, 295);
-QUERNAL_AT(CalendarHeader, TagFontItal, 299);
-QUERNAL_AT(CalendarHeader, YagFontBold, 303);
-QUERNAL_AT(CalendarHeader, YagTitleFontName, 307);
-QUERNAL_AT(CalendarHeader, TagTitleColour, 568);
-QUERNAL_AT(CalendarHeader, YagTitleFontSize, 572);
-QUERNAL_AT(CalendarHeader, YagTitleFontItal, 576);
-QUERNAL_AT(CalendarHeader, YagTitleFontBold, 580);
-QUERNAL_AT(CalendarHeader, YagGutter, 584);
-QUERNAL_AT(CalendarHeader, YagPageMargin, 588);
-QUERNAL_AT(CalendarHeader, YagRound, 592);
-QUERNAL_AT(CalendarHeader, YagShadow, 596);
-QUERNAL_AT(CalendarHeader, YagShadowOffset, 600);
-QUERNAL_AT(CalendarHeader, YagInteriorPadding, 604);
-QUERNAL_AT(CalendarHeader, YagExteriorPadding, 608);
-QUERNAL_AT(CalendarHeader, YagFrameColour, 612);
-QUERNAL_AT(CalendarHeader, YagBackColour, 616);
-QUERNAL_AT(CalendarHeader, YagPageColour, 620);
-QUERNAL_AT(CalendarHeader, CoverFontName, 624);
-QUERNAL_AT(CalendarHeader, CoverFontColour, 885);
-QUERNAL_AT(CalendarHeader, CoverFontSize, 889);
-QUERNAL_AT(CalendarHeader, CoverFontItal, 893);
-QUERNAL_AT(CalendarHeader, CoverFontBold, 897);
-QUERNAL_AT(CalendarHeader, CoverFontPlacement, 901);
-QUERNAL_AT(CalendarHeader, CoverPictureShowFrame, 905);
-QUERNAL_AT(CalendarHeader, CoverPictureDropShadow, 909);
-QUERNAL_AT(CalendarHeader, CoverPictureShadowOffset, 913);
-QUERNAL_AT(CalendarHeader, CoverPictureExteriorPadding, 917);
-QUERNAL_AT(CalendarHeader, CoverPictureShowPicture, 921);
-QUERNAL_AT(CalendarHeader, CoverPictureGutter, 925);
-QUERNAL_AT(CalendarHeader, CoverPicturePlacement, 929);
-QUERNAL_AT(CalendarHeader, CoverPictureBleed, 933);
-QUERNAL_AT(CalendarHeader, CoverBackgroundColour, 937);
-QUERNAL_AT(CalendarHeader, CoverPictureFrameColour, 941);
-QUERNAL_AT(CalendarHeader, CoverTitle, 945);
-QUERNAL_AT(CalendarHeader, LastYearPropertyPage, 1206);
-QUERNAL_AT(CalendarHeader, YearEdited, 1210);
-QUERNAL_AT(CalendarHeader, CoverPictureDataSize, 1215);
-QUERNAL_AT(CalendarHeader, Reserved2, 1219);
-
 static_assert(sizeof(MonthPage) == kMonthPageSize, "MonthPage is 5,733 bytes");
-QUERNAL_AT(MonthPage, RecordSize, 4);
-QUERNAL_AT(MonthPage, DateFontName, 12);
-QUERNAL_AT(MonthPage, DateFontColour, 273);
-QUERNAL_AT(MonthPage, DateFontSize, 277);
-QUERNAL_AT(MonthPage, DateFontItal, 281);
-QUERNAL_AT(MonthPage, DateFontBold, 285);
-QUERNAL_AT(MonthPage, DateFontPlacement, 289);
-QUERNAL_AT(MonthPage, DateFrameColour, 293);
-QUERNAL_AT(MonthPage, DateBackColour, 297);
-QUERNAL_AT(MonthPage, DateInteriorPadding, 301);
-QUERNAL_AT(MonthPage, DateShadow, 305);
-QUERNAL_AT(MonthPage, DateRound, 309);
-QUERNAL_AT(MonthPage, DateShadowOffset, 313);
-QUERNAL_AT(MonthPage, HeadFontName, 317);
-QUERNAL_AT(MonthPage, HeadFontColour, 578);
-QUERNAL_AT(MonthPage, HeadFontSize, 582);
-QUERNAL_AT(MonthPage, HeadFontItal, 586);
-QUERNAL_AT(MonthPage, HeadFontBold, 590);
-QUERNAL_AT(MonthPage, HeadShadow, 594);
-QUERNAL_AT(MonthPage, HeadPrevNext, 598);
-QUERNAL_AT(MonthPage, HeadFrameColour, 602);
-QUERNAL_AT(MonthPage, HeadBackColour, 606);
-QUERNAL_AT(MonthPage, HeadPlacement, 610);
-QUERNAL_AT(MonthPage, HeadInteriorPadding, 614);
-QUERNAL_AT(MonthPage, HeadExteriorPadding, 618);
-QUERNAL_AT(MonthPage, Reserved1, 622);
-QUERNAL_AT(MonthPage, DaysShow, 626);
-QUERNAL_AT(MonthPage, DaysName, 630);
-QUERNAL_AT(MonthPage, DaysFontName, 891);
-QUERNAL_AT(MonthPage, DaysFontColour, 1152);
-QUERNAL_AT(MonthPage, DaysFontSize, 1156);
-QUERNAL_AT(MonthPage, DaysFontItal, 1160);
-QUERNAL_AT(MonthPage, DaysFontBold, 1164);
-QUERNAL_AT(MonthPage, PicturePlacement, 1168);
-QUERNAL_AT(MonthPage, PictureFrameColour, 1172);
-QUERNAL_AT(MonthPage, PictureShowPicture, 1176);
-QUERNAL_AT(MonthPage, PictureShowFrame, 1180);
-QUERNAL_AT(MonthPage, PictureDropShadow, 1184);
-QUERNAL_AT(MonthPage, PictureShadowOffset, 1188);
-QUERNAL_AT(MonthPage, PictureExteriorPadding, 1192);
-QUERNAL_AT(MonthPage, CapFontName, 1196);
-QUERNAL_AT(MonthPage, CapFontColour, 1457);
-QUERNAL_AT(MonthPage, CapFontSize, 1461);
-QUERNAL_AT(MonthPage, CapFontItal, 1465);
-QUERNAL_AT(MonthPage, CapFontBold, 1469);
-QUERNAL_AT(MonthPage, CapPlacement, 1473);
-QUERNAL_AT(MonthPage, PageBackgroundColour, 1477);
-QUERNAL_AT(MonthPage, PageMargin, 1481);
-QUERNAL_AT(MonthPage, Gutter, 1485);
-QUERNAL_AT(MonthPage, Picture, 1489);
-QUERNAL_AT(MonthPage, Events, 1493);
-QUERNAL_AT(MonthPage, LastPropertyPage, 1497);
-QUERNAL_AT(MonthPage, LeftCaption, 1501);
-QUERNAL_AT(MonthPage, RightCaption, 3551);
-QUERNAL_AT(MonthPage, Edited, 5601);
-QUERNAL_AT(MonthPage, PictureDataSize, 5605);
-QUERNAL_AT(MonthPage, PictureShadowSoftness, 5609);
-QUERNAL_AT(MonthPage, Reserved2, 5613);
+#define QUERNAL_AT(record, name, offset) static_assert(offsetof(record, name) == (offset), #record "." #name);
+#define QUERNAL_HEADER_AT(name, type, length, offset, kind, binding) QUERNAL_AT(CalendarHeader, name, offset)
+#define QUERNAL_PAGE_AT(name, type, length, offset, kind, binding) QUERNAL_AT(MonthPage, name, offset)
+QUERNAL_CALENDAR_HEADER_FIELDS(QUERNAL_HEADER_AT)
+QUERNAL_MONTH_PAGE_FIELDS(QUERNAL_PAGE_AT)
+#undef QUERNAL_PAGE_AT
+#undef QUERNAL_HEADER_AT
 #undef QUERNAL_AT

@@ -17,6 +17,7 @@
 #include "config/settings.h"
 #include "pictures/image_files.h"
 #include "base/replace_file.h"
+#include "pictures/page_picture.h"
 #include "pictures/picture_import.h"
 #include "pictures/picture_kind.h"
 #include "config/settings_file.h"
@@ -140,23 +141,36 @@ int Save(const std::string& path, CalendarDocument document) {
   return 1;
 }
 
-BlockHandle LoadPagePicture(const std::string& path, Colour background, const Arguments& args, bool quiet) {
+namespace {
+
+// A line on stderr for what went wrong and for the palette warning.
+class CliPictureHost : public PagePictureHost {
+ public:
+  explicit CliPictureHost(bool quiet) : quiet_(quiet) {}
+  void Failed(const char* path, const ImportedPicture& picture) override {
+    // A damaged picture gets the program's own message after the reason.
+    if (!quiet_)
+      std::fprintf(stderr, "quernal-cli: %s: %s%s%s\n", path, ImportErrorText(picture).c_str(),
+                   picture.error == ImportError::kDamaged ? ": " : "",
+                   picture.error == ImportError::kDamaged ? kImageLoadFailedMessage : "");
+  }
+  void WarnAboutPalette(const char* path) override {
+    std::fprintf(stderr, "quernal-cli: %s: warning: %s\n", path, kPaletteWarningMessage);
+  }
+
+ private:
+  bool quiet_;
+};
+
+}  // namespace
+
+BlockHandle ReadPictureOption(const std::string& path, Colour background, const Arguments& args, bool quiet) {
   ImportRequest request;
   request.background = background;
   request.longestSide = args.Has("--full-size") ? 0 : kImportLongestSide;
   request.formats = ImportFormats::kByContent;
-  const ImportedPicture picture = ImportPictureFile(path.c_str(), request);
-  if (!picture.dib) {
-    // A damaged picture gets the program's own message after the reason.
-    if (!quiet)
-      std::fprintf(stderr, "quernal-cli: %s: %s%s%s\n", path.c_str(), ImportErrorText(picture).c_str(),
-                   picture.error == ImportError::kDamaged ? ": " : "",
-                   picture.error == ImportError::kDamaged ? kImageLoadFailedMessage : "");
-    return 0;
-  }
-  if (picture.paletteWarning)
-    std::fprintf(stderr, "quernal-cli: %s: warning: %s\n", path.c_str(), kPaletteWarningMessage);
-  return picture.dib;
+  CliPictureHost host(quiet);
+  return ReadPagePicture(path.c_str(), request, host);
 }
 
 CalendarDocument NewCalendar(const Arguments& args, int* status) {

@@ -56,7 +56,7 @@ int Save(const std::string& path, CalendarDocument document);
 // laid over `background`, reduced to 4000 pixels unless --full-size was
 // given. 0 after a line naming the reason on stderr (`quiet`: no line) when
 // it cannot be read; a palette picture is warned about on stderr.
-BlockHandle LoadPagePicture(const std::string& path, Colour background, const Arguments& args, bool quiet = false);
+BlockHandle ReadPictureOption(const std::string& path, Colour background, const Arguments& args, bool quiet = false);
 // A calendar from --year, --month and --config as `new` makes it; 0 with an
 // exit code in *status when the options are wrong or memory runs out.
 CalendarDocument NewCalendar(const Arguments& args, int* status);

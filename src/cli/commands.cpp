@@ -22,18 +22,25 @@ const char* PictureDirHelp() {
   return help.c_str();
 }
 
+// The new command's paragraph names the formats the import reads.
+const char* NewPurpose() {
+  static const std::string purpose =
+      "Makes a new calendar as the program's New command does, from the settings, and saves it. Pictures are read "
+      "by their content (" + PictureFormatList() + ") and imported as the page "
+      "editor's \"Select...\" imports them: turned upright by their EXIF orientation, converted from their colour "
+      "profile to sRGB, transparent parts laid over the page's background, reduced to 4000 pixels on the longer "
+      "side; a palette picture is warned about, a picture that cannot be read stops the command before anything "
+      "is written.";
+  return purpose.c_str();
+}
+
 const CommandOption kFullSize{"--full-size", nullptr,
                            "keep each picture at the file's size instead of reducing its longer side to 4000 pixels"};
 
 const std::vector<Command> kCommands = {
     {"new", "[--year Y] [--month M] [--config DIR] [--locale NAME] [--pictures F1 ... F12 | --picture-dir DIR\n"
             "    [--skip-unreadable]] [--cover-picture F] [--title TEXT] [--full-size] -o FILE.CLN",
-     "Makes a new calendar as the program's New command does, from the settings, and saves it. Pictures are read "
-     "by their content (JPEG, PNG, BMP, GIF, PCX, TGA, TIFF, WebP, HEIC/HEIF, AVIF) and imported as the page "
-     "editor's \"Select...\" imports them: turned upright by their EXIF orientation, converted from their colour "
-     "profile to sRGB, transparent parts laid over the page's background, reduced to 4000 pixels on the longer "
-     "side; a palette picture is warned about, a picture that cannot be read stops the command before anything "
-     "is written.",
+     NewPurpose(),
      {{"--year", "Y", "the calendar's year, 1583 to 2583; this year when not given"},
       {"--month", "M", "the month (1 to 12) the calendar opens on; this month when not given"},
       kConfig,

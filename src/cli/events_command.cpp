@@ -50,24 +50,19 @@ bool ReadYear(const Arguments& args, int* year, int* status) {
   return true;
 }
 
-bool ReadWholeFile(const std::string& path, std::string* bytes) {
+bool ReadIcsFile(const std::string& path, std::string* bytes) {
   errno = 0;
-  std::FILE* f = OpenRegularFile(path.c_str(), false);
-  if (!f) {
-    std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), errno ? std::strerror(errno) : "not a regular file");
-    return false;
+  const FileBytes file = ReadWholeFile(path.c_str(), kMaxIcsBytes);
+  switch (file.problem) {
+    case WholeFileProblem::kNone: bytes->assign(reinterpret_cast<const char*>(file.data.get()), file.size); return true;
+    case WholeFileProblem::kCannotOpen:
+      std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(), errno ? std::strerror(errno) : "not a regular file");
+      return false;
+    case WholeFileProblem::kTooLarge:
+      std::fprintf(stderr, "quernal-cli: %s: larger than an iCalendar file of events can be (16 MiB)\n", path.c_str());
+      return false;
+    default: std::fprintf(stderr, "quernal-cli: %s: the file cannot be read\n", path.c_str()); return false;
   }
-  char buffer[65536];
-  size_t n;
-  while ((n = std::fread(buffer, 1, sizeof buffer, f)) > 0 && bytes->size() <= kMaxIcsBytes) bytes->append(buffer, n);
-  const bool failed = std::ferror(f) != 0;
-  std::fclose(f);
-  if (failed || bytes->size() > kMaxIcsBytes) {
-    std::fprintf(stderr, "quernal-cli: %s: %s\n", path.c_str(),
-                 failed ? "the file cannot be read" : "larger than an iCalendar file of events can be (16 MiB)");
-    return false;
-  }
-  return true;
 }
 
 // Months whose names start alike cannot be told apart in an events file;
@@ -142,7 +137,7 @@ int ImportEvents(const Arguments& args) {
 
   const std::string& ics = args.positional[1];
   std::string bytes;
-  if (!ReadWholeFile(ics, &bytes)) return 1;
+  if (!ReadIcsFile(ics, &bytes)) return 1;
   std::vector<IcalDay> days;
   IcalProblem problem;
   if (!IcalendarDaysOfYear(bytes, year, &days, &problem)) {

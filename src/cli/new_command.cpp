@@ -77,7 +77,7 @@ bool LoadPictures(const std::vector<std::string>& paths, size_t months, Calendar
     const Colour background = cover || !GetMonthPage(document, static_cast<int>(pictures->size()), &page)
                                   ? header.CoverBackgroundColour
                                   : page.PageBackgroundColour;
-    BlockHandle picture = LoadPagePicture(paths[i], background, args);
+    BlockHandle picture = ReadPictureOption(paths[i], background, args);
     if (picture) {
       pictures->push_back(picture);
     } else if (skip && !cover) {

@@ -1,7 +1,6 @@
 #include "cli/record_json.h"
 
 #include "cli/print_resolution.h"
-#include "cli/record_fields.h"
 
 #include <cstdio>
 #include <cstring>
@@ -10,6 +9,7 @@
 #include "base/text.h"
 #include "calendar/calendar_dates.h"
 #include "calendar/event_list.h"
+#include "calendar/record_fields.h"
 
 namespace {
 
@@ -64,32 +64,37 @@ void WriteEvents(std::FILE* out, BlockHandle events, int year, int month, const 
   std::fprintf(out, first ? "}}" : "\n%s}}", indent);
 }
 
-void WriteRecord(std::FILE* out, const FieldList& fields, const uint8_t* record, int year, int month,
+// The record's fields by name, the reserved areas left out.
+void WriteRecord(std::FILE* out, const RecordFieldList& fields, const uint8_t* record, int year, int month,
                  const char* indent) {
   std::fputs("{", out);
-  for (size_t i = 0; i < fields.count; ++i) {
-    const Field& f = fields.fields[i];
+  bool first = true;
+  for (const RecordField& f : fields) {
+    if (f.kind == FieldKind::Reserved) continue;
     const uint8_t* at = record + f.offset;
-    std::fprintf(out, "%s\n%s  \"%s\": ", i ? "," : "", indent, f.name);
+    std::fprintf(out, "%s\n%s  \"%s\": ", first ? "" : ",", indent, f.name);
+    first = false;
     uint32_t u32 = 0;
     if (f.size == 4) std::memcpy(&u32, at, 4);
     switch (f.kind) {
-      case kMagic: WriteString(out, std::string(reinterpret_cast<const char*>(at), 4)); break;
-      case kU32: std::fprintf(out, "%u", u32); break;
-      case kI32: std::fprintf(out, "%d", static_cast<int32_t>(u32)); break;
-      case kU16: {
-        uint16_t u16;
-        std::memcpy(&u16, at, 2);
-        std::fprintf(out, "%u", static_cast<unsigned>(u16));
-        break;
-      }
-      case kText: {
+      case FieldKind::Magic: WriteString(out, std::string(reinterpret_cast<const char*>(at), 4)); break;
+      case FieldKind::Text: {
         const char* text = reinterpret_cast<const char*>(at);
         WriteString(out, Cp1252ToUtf8(std::string(text, strnlen(text, f.size))));
         break;
       }
-      case kPicture: WritePicture(out, u32); break;
-      case kEvents: WriteEvents(out, u32, year, month, (std::string(indent) + "  ").c_str()); break;
+      case FieldKind::Picture: WritePicture(out, u32); break;
+      case FieldKind::Events: WriteEvents(out, u32, year, month, (std::string(indent) + "  ").c_str()); break;
+      default:
+        if (f.size == 2) {
+          uint16_t u16;
+          std::memcpy(&u16, at, 2);
+          std::fprintf(out, "%u", static_cast<unsigned>(u16));
+        } else if (f.isSigned) {
+          std::fprintf(out, "%d", static_cast<int32_t>(u32));
+        } else {
+          std::fprintf(out, "%u", u32);
+        }
     }
   }
   std::fprintf(out, "\n%s}", indent);

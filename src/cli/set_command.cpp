@@ -9,9 +9,9 @@
 #include "base/text.h"
 #include "calendar/calendar_file.h"
 #include "calendar/calendar_model.h"
+#include "calendar/record_fields.h"
 #include "cli/calendar_lock.h"
 #include "cli/commands.h"
-#include "cli/record_fields.h"
 
 namespace {
 
@@ -26,26 +26,14 @@ Colour PageBackground(CalendarDocument document, int page) {
   return GetHeader(document, &header) ? header.CoverBackgroundColour : 0xFFFFFF;
 }
 
-bool EndsWith(const std::string& text, const char* end) {
-  const size_t n = std::strlen(end);
-  return text.size() >= n && text.compare(text.size() - n, n, end) == 0;
-}
-
 // The record fields that say how the file is put together, or that the
 // program keeps for itself, are not for setting.
-bool Settable(const Field& field) {
-  static const char* const kKept[] = {"RecordSize", "Version", "Changed", "LastYearPropertyPage", "YearEdited",
-                                      "LastPropertyPage", "Edited", "CoverPictureDataSize", "PictureDataSize"};
-  if (field.kind == kMagic || field.kind == kPicture || field.kind == kEvents) return false;
-  for (const char* kept : kKept)
-    if (std::strcmp(field.name, kept) == 0) return false;
-  return true;
-}
-
-bool IsFlag(const Field& field) {
-  const std::string name = field.name;
-  return field.kind == kU16 || EndsWith(name, "Ital") || EndsWith(name, "Shadow") || EndsWith(name, "Bleed") ||
-         EndsWith(name, "PrevNext") || name.find("Show") != std::string::npos;
+bool Settable(const RecordField& field) {
+  switch (field.kind) {
+    case FieldKind::Magic: case FieldKind::Structural: case FieldKind::Kept: case FieldKind::Picture:
+    case FieldKind::Events: case FieldKind::Reserved: return false;
+    default: return true;
+  }
 }
 
 bool ParseLong(const std::string& text, long low, long high, long* value) {
@@ -79,11 +67,11 @@ bool ParseColour(const std::string& text, uint32_t* colour) {
 
 // Writes `value` into the field of `record`; an empty string, or what is
 // wrong with the value.
-std::string SetField(uint8_t* record, const Field& field, const std::string& value) {
+std::string SetField(uint8_t* record, const RecordField& field, const std::string& value) {
   const std::string name = field.name;
   uint8_t* at = record + field.offset;
   long number = 0;
-  if (field.kind == kText) {
+  if (field.kind == FieldKind::Text) {
     std::string text;
     if (!Utf8ToCp1252(value, &text)) return "has a character Windows-1252 cannot hold (shown as ?): " + Cp1252ToUtf8(text);
     if (text.size() >= field.size) return "is longer than " + std::to_string(field.size - 1) + " characters";
@@ -91,16 +79,16 @@ std::string SetField(uint8_t* record, const Field& field, const std::string& val
     std::memcpy(at, text.data(), text.size());
     return "";
   }
-  if (name.find("Colour") != std::string::npos) {
+  if (field.kind == FieldKind::Colour) {
     uint32_t colour;
     if (!ParseColour(value, &colour)) return "takes a colour: #RRGGBB or r,g,b";
     std::memcpy(at, &colour, 4);
     return "";
   }
-  if (IsFlag(field)) {
+  if (field.kind == FieldKind::Flag) {
     if (value != "0" && value != "1") return "takes 0 or 1";
     number = value == "1";
-  } else if (EndsWith(name, "Bold")) {
+  } else if (field.kind == FieldKind::Weight) {
     if (value != "400" && value != "700") return "takes 400 (normal) or 700 (bold)";
     number = std::atol(value.c_str());
   } else if (name == "Year") {
@@ -110,7 +98,7 @@ std::string SetField(uint8_t* record, const Field& field, const std::string& val
   } else if (!ParseLong(value, 0, 0x7FFFFFFF, &number)) {
     return "takes a whole number from 0 to 2147483647";
   }
-  if (field.kind == kU16) {
+  if (field.size == 2) {
     const uint16_t u16 = static_cast<uint16_t>(number);
     std::memcpy(at, &u16, 2);
   } else {
@@ -121,23 +109,23 @@ std::string SetField(uint8_t* record, const Field& field, const std::string& val
 }
 
 struct Assignment {
-  const Field* field;
+  const RecordField* field;
   std::string value;
 };
 
 // The FIELD=VALUE arguments checked against the fields of the page kind;
 // an exit code, or -1.
 int ReadAssignments(const std::vector<std::string>& args, int page, std::vector<Assignment>* out) {
-  const FieldList fields = page < kYearPage ? MonthPageFields() : HeaderFields();
+  const RecordFieldList fields = page < kYearPage ? MonthPageFields() : HeaderFields();
   for (const std::string& arg : args) {
     const size_t equals = arg.find('=');
     if (equals == std::string::npos || equals == 0) return Usage(("set takes FIELD=VALUE, not " + arg).c_str());
     const std::string name = arg.substr(0, equals);
-    const Field* field = FindField(fields, name.c_str());
+    const RecordField* field = FindField(fields, name.c_str());
     const char* pageKind = page < kYearPage ? "a month page" : page == kYearPage ? "the year page" : "the cover";
     // The header holds both pages: the cover's fields are those named Cover...
     const bool cover = name.compare(0, 5, "Cover") == 0;
-    if (!field || (page == kYearPage && cover) || (page == kCoverPage && !cover))
+    if (!field || field->kind == FieldKind::Reserved || (page == kYearPage && cover) || (page == kCoverPage && !cover))
       return Usage(("no field " + name + " on " + pageKind + " (info lists the fields)").c_str());
     if (!Settable(*field)) return Usage((name + " is kept by the program and cannot be set").c_str());
     uint8_t scratch[kMonthPageSize];
@@ -222,7 +210,7 @@ int SetCommand(const Arguments& args) {
   if (status < 0 && hasPicture && pages[0] == kYearPage) status = Usage("the year page has no picture");
   BlockHandle picture = 0;
   if (status < 0 && args.Has("--picture") &&
-      !(picture = LoadPagePicture(args.options.at("--picture"), PageBackground(document, pages[0]), args)))
+      !(picture = ReadPictureOption(args.options.at("--picture"), PageBackground(document, pages[0]), args)))
     status = 1;
   for (size_t i = 0; status < 0 && i < pages.size(); ++i) {
     // Every page gets a picture of its own; the last one takes the one read.

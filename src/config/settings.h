@@ -1,9 +1,10 @@
 // Every user option and every design default of a new calendar is a member
 // of `Settings`, bound by name to one row of `SettingsTable`. One generic
 // reader and one generic writer move all rows between the members and the
-// settings file; adding a setting means adding a member and a row.
+// settings file; adding a setting means adding a row to the list below.
 #pragma once
 #include <cstdint>
+#include <type_traits>
 
 constexpr int kSettingTextSize = 260;  // 259 characters and a terminating zero
 
@@ -33,139 +34,152 @@ struct SettingsRow {
   const SettingChoice* choices;
 };
 
+// Every row of the settings table in its order: X(key, type code, value before
+// any file is read, setup control). The order matters: a key abbreviated in
+// the settings file selects the first row that starts with it (so "Month"
+// means MonthApril, and June stands before July on purpose).
+#define QUERNAL_SETTINGS(X) \
+  X(ApplicationPath, kSettingText, "", 0) \
+  X(BuildDate, kSettingText | kSettingWriteOnly, "Dec 20 2010", 0) \
+  X(CapFontBold, kSettingNumber, 400, 0) \
+  X(CapFontColour, kSettingNumber, 0, 0) \
+  X(CapFontItal, kSettingFlag, 0, 0) \
+  X(CapFontName, kSettingText, "ARIAL", 0) \
+  X(CapFontSize, kSettingNumber, 20, 0) \
+  X(CapPlacement, kSettingNumber, 1, 0) \
+  X(ColourTableFile, kSettingText, "QUERNL.CCL", 0) \
+  X(CoverBackgroundColour, kSettingNumber, 0xFFFFFF, 0) \
+  X(CoverFontBold, kSettingNumber, 700, 0) \
+  X(CoverFontColour, kSettingNumber, 0, 0) \
+  X(CoverFontItal, kSettingFlag, 0, 0) \
+  X(CoverFontName, kSettingText, "ARIAL", 0) \
+  X(CoverFontPlacement, kSettingNumber, 1, 0) \
+  X(CoverFontSize, kSettingNumber, 25, 0) \
+  X(CoverPictureBleed, kSettingFlag, 0, 0) \
+  X(CoverPictureDropShadow, kSettingFlag, 1, 0) \
+  X(CoverPictureExteriorPadding, kSettingNumber, 5, 0) \
+  X(CoverPictureFrameColour, kSettingNumber, 0, 0) \
+  X(CoverPictureGutter, kSettingNumber, 2, 0) \
+  X(CoverPicturePlacement, kSettingNumber, 1, 0) \
+  X(CoverPictureShadowOffset, kSettingNumber, 5, 0) \
+  X(CoverPictureShowFrame, kSettingFlag, 1, 0) \
+  X(CoverPictureShowPicture, kSettingFlag, 0, 0) \
+  X(DateBackColour, kSettingNumber, 0xE0E0E0, 0) \
+  X(DateFontBold, kSettingNumber, 700, 0) \
+  X(DateFontColour, kSettingNumber, 0, 0) \
+  X(DateFontItal, kSettingFlag, 0, 0) \
+  X(DateFontName, kSettingText, "ARIAL", 0) \
+  X(DateFontPlacement, kSettingNumber, 10, 0) \
+  X(DateFontSize, kSettingNumber, 50, 0) \
+  X(DateFrameColour, kSettingNumber, 0, 0) \
+  X(DateInteriorPadding, kSettingNumber, 5, 0) \
+  X(DateRound, kSettingNumber, 0, 0) \
+  X(DateShadow, kSettingFlag, 1, 0) \
+  X(DateShadowOffset, kSettingNumber, 8, 0) \
+  X(DayFriday, kSettingText, "Friday", 129) \
+  X(DayMonday, kSettingText, "Monday", 125) \
+  X(DaySaturday, kSettingText, "Saturday", 130) \
+  X(DaySunday, kSettingText, "Sunday", 124) \
+  X(DayThursday, kSettingText, "Thursday", 128) \
+  X(DayTuesday, kSettingText, "Tuesday", 126) \
+  X(DayWednesday, kSettingText, "Wednesday", 127) \
+  X(DaysFontBold, kSettingNumber, 700, 0) \
+  X(DaysFontColour, kSettingNumber, 0, 0) \
+  X(DaysFontItal, kSettingFlag, 0, 0) \
+  X(DaysFontName, kSettingText, "ARIAL", 0) \
+  X(DaysFontSize, kSettingNumber, 10, 0) \
+  X(DaysName, kSettingText, "General", 0) \
+  X(DaysShow, kSettingFlag, 1, 0) \
+  X(FileMenuRange, kSettingNumber, 10, 0) \
+  X(Gutter, kSettingNumber, 2, 0) \
+  X(HeadBackColour, kSettingNumber, 0xE0E0E0, 0) \
+  X(HeadExteriorPadding, kSettingNumber, 15, 0) \
+  X(HeadFontBold, kSettingNumber, 700, 0) \
+  X(HeadFontColour, kSettingNumber, 0, 0) \
+  X(HeadFontItal, kSettingFlag, 0, 0) \
+  X(HeadFontName, kSettingText, "ARIAL", 0) \
+  X(HeadFontSize, kSettingNumber, 40, 0) \
+  X(HeadFrameColour, kSettingNumber, 0, 0) \
+  X(HeadInteriorPadding, kSettingNumber, 15, 0) \
+  X(HeadPlacement, kSettingNumber, 1, 0) \
+  X(HeadPrevNext, kSettingFlag, 1, 0) \
+  X(HeadShadow, kSettingFlag, 1, 0) \
+  X(HeadShowYear, kSettingFlag, 0, 0) \
+  X(ImageCompression, kSettingNumber | kSettingRanged, 6, 107) \
+  X(ImageFileOpenIndex, kSettingNumber, 0, 0) \
+  X(InkJet, kSettingFlag, 0, 0) \
+  X(LiveButtons, kSettingFlag, 1, 0) \
+  X(LogoDelay, kSettingNumber, 8000, 0) \
+  X(MaximizePaint, kSettingFlag, 1, 104) \
+  X(MonthApril, kSettingText, "April", 115) \
+  X(MonthAugust, kSettingText, "August", 119) \
+  X(MonthDecember, kSettingText, "December", 123) \
+  X(MonthFebruary, kSettingText, "February", 113) \
+  X(MonthJanuary, kSettingText, "January", 112) \
+  X(MonthJune, kSettingText, "June", 117) \
+  X(MonthJuly, kSettingText, "July", 118) \
+  X(MonthMarch, kSettingText, "March", 114) \
+  X(MonthMay, kSettingText, "May", 116) \
+  X(MonthNovember, kSettingText, "November", 122) \
+  X(MonthOctober, kSettingText, "October", 121) \
+  X(MonthSeptember, kSettingText, "September", 120) \
+  X(OpenPath, kSettingText, "", 0) \
+  X(PageBackgroundColour, kSettingNumber, 0xFFFFFF, 0) \
+  X(PageMargin, kSettingNumber, 2, 0) \
+  X(PatchLevel, kSettingNumber | kSettingWriteOnly, 35, 0) \
+  X(PaintbrushName, kSettingText, "MSPAINT.EXE", 0) \
+  X(PaintbrushPath, kSettingText, "", 0) \
+  X(PictureDropShadow, kSettingFlag, 1, 0) \
+  X(PictureExteriorPadding, kSettingNumber, 5, 0) \
+  X(PictureFrameColour, kSettingNumber, 0, 0) \
+  X(PicturePlacement, kSettingNumber, 1, 0) \
+  X(PictureShadowOffset, kSettingNumber, 5, 0) \
+  X(PictureShadowSoftness, kSettingNumber, 5, 0) \
+  X(PictureShowFrame, kSettingFlag, 1, 0) \
+  X(PictureShowPicture, kSettingFlag, 1, 0) \
+  X(SearchForPaintbrush, kSettingFlag, 1, 106) \
+  X(ShowDriverMessage, kSettingFlag, 1, 0) \
+  X(ShowFileOpenPreview, kSettingFlag, 1, 0) \
+  X(ShowStartupWindow, kSettingFlag, 1, 105) \
+  X(StartMaximized, kSettingFlag, 0, 0) \
+  X(StartMonday, kSettingFlag, 0, 133) \
+  X(StickyWindowBottom, kSettingNumber, 0xFFFFFFFFu, 0) \
+  X(StickyWindowLeft, kSettingNumber, 0xFFFFFFFFu, 0) \
+  X(StickyWindowRight, kSettingNumber, 0xFFFFFFFFu, 0) \
+  X(StickyWindowTop, kSettingNumber, 0xFFFFFFFFu, 0) \
+  X(TagFontItal, kSettingFlag, 0, 0) \
+  X(TagTitleColour, kSettingNumber, 0, 0) \
+  X(ThemeCurrent, kSettingText, "THEME_Standard.dll", 0) \
+  X(UseAD, kSettingFlag, 0, 109) \
+  X(VersionNumber, kSettingNumber | kSettingWriteOnly, 64, 0) \
+  X(WarnPaletteColour, kSettingNumber, 1, 111) \
+  X(WarnShowManual, kSettingFlag, 1, 108) \
+  X(YagBackColour, kSettingNumber, 0xE0E0E0, 0) \
+  X(YagColour, kSettingNumber, 0, 0) \
+  X(YagExteriorPadding, kSettingNumber, 5, 0) \
+  X(YagFontBold, kSettingNumber, 400, 0) \
+  X(YagFontName, kSettingText, "ARIAL", 0) \
+  X(YagFrameColour, kSettingNumber, 0, 0) \
+  X(YagGutter, kSettingNumber, 2, 0) \
+  X(YagInteriorPadding, kSettingNumber, 5, 0) \
+  X(YagPageColour, kSettingNumber, 0xFFFFFF, 0) \
+  X(YagPageMargin, kSettingNumber, 5, 0) \
+  X(YagRound, kSettingNumber, 0, 0) \
+  X(YagShadow, kSettingFlag, 1, 0) \
+  X(YagShadowOffset, kSettingNumber, 10, 0) \
+  X(YagTitleFontBold, kSettingNumber, 400, 0) \
+  X(YagTitleFontItal, kSettingFlag, 0, 0) \
+  X(YagTitleFontName, kSettingText, "ARIAL", 0) \
+  X(YagTitleFontSize, kSettingNumber, 25, 0)
+
+template <uint32_t Type>
+using SettingStorage = std::conditional_t<(Type & kSettingText) != 0, char[kSettingTextSize], uint32_t>;
+
 struct SettingsValues {
-  char ApplicationPath[kSettingTextSize] = "";
-  char BuildDate[kSettingTextSize] = "Dec 20 2010";
-  uint32_t CapFontBold = 400;
-  uint32_t CapFontColour = 0;
-  uint32_t CapFontItal = 0;
-  char CapFontName[kSettingTextSize] = "ARIAL";
-  uint32_t CapFontSize = 20;
-  uint32_t CapPlacement = 1;
-  char ColourTableFile[kSettingTextSize] = "QUERNL.CCL";
-  uint32_t CoverBackgroundColour = 0xFFFFFF;
-  uint32_t CoverFontBold = 700;
-  uint32_t CoverFontColour = 0;
-  uint32_t CoverFontItal = 0;
-  char CoverFontName[kSettingTextSize] = "ARIAL";
-  uint32_t CoverFontPlacement = 1;
-  uint32_t CoverFontSize = 25;
-  uint32_t CoverPictureBleed = 0;
-  uint32_t CoverPictureDropShadow = 1;
-  uint32_t CoverPictureExteriorPadding = 5;
-  uint32_t CoverPictureFrameColour = 0;
-  uint32_t CoverPictureGutter = 2;
-  uint32_t CoverPicturePlacement = 1;
-  uint32_t CoverPictureShadowOffset = 5;
-  uint32_t CoverPictureShowFrame = 1;
-  uint32_t CoverPictureShowPicture = 0;
-  uint32_t DateBackColour = 0xE0E0E0;
-  uint32_t DateFontBold = 700;
-  uint32_t DateFontColour = 0;
-  uint32_t DateFontItal = 0;
-  char DateFontName[kSettingTextSize] = "ARIAL";
-  uint32_t DateFontPlacement = 10;
-  uint32_t DateFontSize = 50;
-  uint32_t DateFrameColour = 0;
-  uint32_t DateInteriorPadding = 5;
-  uint32_t DateRound = 0;
-  uint32_t DateShadow = 1;
-  uint32_t DateShadowOffset = 8;
-  char DayFriday[kSettingTextSize] = "Friday";
-  char DayMonday[kSettingTextSize] = "Monday";
-  char DaySaturday[kSettingTextSize] = "Saturday";
-  char DaySunday[kSettingTextSize] = "Sunday";
-  char DayThursday[kSettingTextSize] = "Thursday";
-  char DayTuesday[kSettingTextSize] = "Tuesday";
-  char DayWednesday[kSettingTextSize] = "Wednesday";
-  uint32_t DaysFontBold = 700;
-  uint32_t DaysFontColour = 0;
-  uint32_t DaysFontItal = 0;
-  char DaysFontName[kSettingTextSize] = "ARIAL";
-  uint32_t DaysFontSize = 10;
-  char DaysName[kSettingTextSize] = "General";
-  uint32_t DaysShow = 1;
-  uint32_t FileMenuRange = 10;
-  uint32_t Gutter = 2;
-  uint32_t HeadBackColour = 0xE0E0E0;
-  uint32_t HeadExteriorPadding = 15;
-  uint32_t HeadFontBold = 700;
-  uint32_t HeadFontColour = 0;
-  uint32_t HeadFontItal = 0;
-  char HeadFontName[kSettingTextSize] = "ARIAL";
-  uint32_t HeadFontSize = 40;
-  uint32_t HeadFrameColour = 0;
-  uint32_t HeadInteriorPadding = 15;
-  uint32_t HeadPlacement = 1;
-  uint32_t HeadPrevNext = 1;
-  uint32_t HeadShadow = 1;
-  uint32_t HeadShowYear = 0;
-  uint32_t ImageCompression = 6;
-  uint32_t ImageFileOpenIndex = 0;
-  uint32_t InkJet = 0;
-  uint32_t LiveButtons = 1;
-  uint32_t LogoDelay = 8000;
-  uint32_t MaximizePaint = 1;
-  char MonthApril[kSettingTextSize] = "April";
-  char MonthAugust[kSettingTextSize] = "August";
-  char MonthDecember[kSettingTextSize] = "December";
-  char MonthFebruary[kSettingTextSize] = "February";
-  char MonthJanuary[kSettingTextSize] = "January";
-  char MonthJune[kSettingTextSize] = "June";
-  char MonthJuly[kSettingTextSize] = "July";
-  char MonthMarch[kSettingTextSize] = "March";
-  char MonthMay[kSettingTextSize] = "May";
-  char MonthNovember[kSettingTextSize] = "November";
-  char MonthOctober[kSettingTextSize] = "October";
-  char MonthSeptember[kSettingTextSize] = "September";
-  char OpenPath[kSettingTextSize] = "";
-  uint32_t PageBackgroundColour = 0xFFFFFF;
-  uint32_t PageMargin = 2;
-  uint32_t PatchLevel = 35;
-  char PaintbrushName[kSettingTextSize] = "MSPAINT.EXE";
-  char PaintbrushPath[kSettingTextSize] = "";
-  uint32_t PictureDropShadow = 1;
-  uint32_t PictureExteriorPadding = 5;
-  uint32_t PictureFrameColour = 0;
-  uint32_t PicturePlacement = 1;
-  uint32_t PictureShadowOffset = 5;
-  uint32_t PictureShadowSoftness = 5;
-  uint32_t PictureShowFrame = 1;
-  uint32_t PictureShowPicture = 1;
-  uint32_t SearchForPaintbrush = 1;
-  uint32_t ShowDriverMessage = 1;
-  uint32_t ShowFileOpenPreview = 1;
-  uint32_t ShowStartupWindow = 1;
-  uint32_t StartMaximized = 0;
-  uint32_t StartMonday = 0;
-  uint32_t StickyWindowBottom = 0xFFFFFFFFu;
-  uint32_t StickyWindowLeft = 0xFFFFFFFFu;
-  uint32_t StickyWindowRight = 0xFFFFFFFFu;
-  uint32_t StickyWindowTop = 0xFFFFFFFFu;
-  uint32_t TagFontItal = 0;
-  uint32_t TagTitleColour = 0;
-  char ThemeCurrent[kSettingTextSize] = "THEME_Standard.dll";
-  uint32_t UseAD = 0;
-  uint32_t VersionNumber = 64;
-  uint32_t WarnPaletteColour = 1;
-  uint32_t WarnShowManual = 1;
-  uint32_t YagBackColour = 0xE0E0E0;
-  uint32_t YagColour = 0;
-  uint32_t YagExteriorPadding = 5;
-  uint32_t YagFontBold = 400;
-  char YagFontName[kSettingTextSize] = "ARIAL";
-  uint32_t YagFrameColour = 0;
-  uint32_t YagGutter = 2;
-  uint32_t YagInteriorPadding = 5;
-  uint32_t YagPageColour = 0xFFFFFF;
-  uint32_t YagPageMargin = 5;
-  uint32_t YagRound = 0;
-  uint32_t YagShadow = 1;
-  uint32_t YagShadowOffset = 10;
-  uint32_t YagTitleFontBold = 400;
-  uint32_t YagTitleFontItal = 0;
-  char YagTitleFontName[kSettingTextSize] = "ARIAL";
-  uint32_t YagTitleFontSize = 25;};
+#define QUERNAL_SETTING_MEMBER(key, type, value, control) SettingStorage<type> key = value;
+  QUERNAL_SETTINGS(QUERNAL_SETTING_MEMBER)
+#undef QUERNAL_SETTING_MEMBER
+};
 
 // The bound variables. They hold the compiled-in defaults until a settings
 // file is read.

@@ -1,5 +1,5 @@
 // The owner-drawn and font-bearing controls every editor tab has: the font
-// sample beside a font button, the labelled colour button, and the placement
+// sample beside a font button and the placement
 // glyphs beside the left / centre / right radio buttons.
 #pragma once
 #include <windows.h>
@@ -19,10 +19,6 @@ INT_PTR TabFace(HWND tab, UINT message, WPARAM wParam);
 // The sample static `id` shows `face` in that face at 24 pixels with the
 // weight and italic given; the font it had before (in `held`) is deleted.
 void SetFontSample(HWND dialog, int id, const char* face, int weight, int italic, HFONT* held);
-// WM_DRAWITEM of a colour button with a caption: the colour with a raised
-// edge (sunken while pressed), the caption (or with `showValue` the colour
-// as "r,g,b") centred near the top in white or black as the colour asks.
-void DrawLabelledColourButton(const DRAWITEMSTRUCT* item, COLORREF colour, bool showValue);
 // WM_DRAWITEM of a placement glyph: button `firstId` shows the left glyph,
 // the next the centre one, the next the right one; embossed when disabled.
 void DrawPlacementGlyph(const DRAWITEMSTRUCT* item, int firstId);

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 
 namespace {
 

@@ -18,7 +18,7 @@ namespace {
 // picture of ours; nullptr otherwise (a FIFO or a device is never waited on).
 std::FILE* OpenPictureFile(const char* path, uint64_t* size) {
   std::FILE* f = OpenRegularFile(path, false, size);
-  if (f && *size > kMaxImageBytes) {
+  if (f && *size > kMaxPictureBytes) {
     std::fclose(f);
     return nullptr;
   }
@@ -42,21 +42,6 @@ bool FileSource::Read(uint64_t offset, void* to, size_t n) {
   size_t got = std::fread(to, 1, n, file_);
   position_ = offset + got;
   return got == n;
-}
-
-FileBytes ReadWholeFile(const char* path) {
-  FileBytes bytes;
-  uint64_t size = 0;
-  std::FILE* f = OpenPictureFile(path, &size);
-  if (!f) return bytes;
-  // One byte more than needed, so an empty file still has a buffer.
-  std::unique_ptr<uint8_t[]> data(new (std::nothrow) uint8_t[static_cast<size_t>(size) + 1]);
-  if (data && std::fread(data.get(), 1, static_cast<size_t>(size), f) == static_cast<size_t>(size)) {
-    bytes.data = std::move(data);
-    bytes.size = static_cast<size_t>(size);
-  }
-  std::fclose(f);
-  return bytes;
 }
 
 uint8_t FieldReader::U8() {

@@ -30,7 +30,7 @@ class FileSource : public ByteSource {
  public:
   // Opens `path` for reading; ok() is false when it cannot be opened, is no
   // regular file (a FIFO or a device is refused without waiting) or is
-  // larger than kMaxImageBytes.
+  // larger than kMaxPictureBytes.
   explicit FileSource(const char* path);
   ~FileSource() override;
   FileSource(const FileSource&) = delete;
@@ -45,13 +45,6 @@ class FileSource : public ByteSource {
   uint64_t position_ = 0;  // seeking only when a read does not follow the last one
 };
 
-// A whole file in memory, or empty data when it cannot be read, is no
-// regular file or is larger than kMaxImageBytes.
-struct FileBytes {
-  std::unique_ptr<uint8_t[]> data;
-  size_t size = 0;
-};
-FileBytes ReadWholeFile(const char* path);
 
 // Reads fields one after another. The first read past the end makes ok()
 // false for good and every later read gives zero, so a parser can read a
@@ -69,7 +62,6 @@ class FieldReader {
   void Seek(uint64_t offset) { offset_ = offset; }
   uint64_t Offset() const { return offset_; }
   uint64_t Size() const { return source_.Size(); }
-  bool AtEnd() const { return offset_ >= source_.Size(); }
   bool ok() const { return ok_; }
 
  private:

@@ -4,7 +4,7 @@
 // give 8. stb_image decodes the LZW data.
 #include <cstring>
 
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 
 namespace {
 

@@ -8,22 +8,23 @@
 #include "base/replace_file.h"
 #include "base/text.h"
 #include "pictures/byte_source.h"
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 #include "pictures/picture_import.h"
 
 namespace {
 
 struct ImageFormat {
   const char* extension;
+  const char* name;  // as the open dialog and the texts name it
   bool (*readHeader)(ByteSource& file, ImageHeader* header);
   BlockHandle (*readPicture)(const uint8_t* data, size_t size, PictureDecode* decode);
 };
 
 // The order is the format index, which the open dialog's filters follow.
 const ImageFormat kImageFormats[kImageFormatCount] = {
-    {"jpg", ReadJpegHeader, ReadJpegPicture}, {"bmp", ReadBmpHeader, ReadBmpPicture},
-    {"gif", ReadGifHeader, ReadGifPicture},   {"pcx", ReadPcxHeader, ReadPcxPicture},
-    {"tga", ReadTgaHeader, ReadTgaPicture},   {"png", ReadPngHeader, ReadPngPicture},
+    {"jpg", "JPEG", ReadJpegHeader, ReadJpegPicture}, {"bmp", "BMP", ReadBmpHeader, ReadBmpPicture},
+    {"gif", "GIF", ReadGifHeader, ReadGifPicture},    {"pcx", "PCX", ReadPcxHeader, ReadPcxPicture},
+    {"tga", "TGA", ReadTgaHeader, ReadTgaPicture},    {"png", "PNG", ReadPngHeader, ReadPngPicture},
 };
 
 bool IsFormatIndex(int index) { return index >= 0 && index < kImageFormatCount; }
@@ -67,6 +68,18 @@ int ImageFormatFilterName(int index, char* buffer, int size) {
   if (!IsFormatIndex(index)) return -1;
   if (buffer && size > 0) std::snprintf(buffer, static_cast<size_t>(size), "%s files", kImageFormats[index].extension);
   return kImageFormatCount;
+}
+
+const char* ImageFormatName(int index) { return IsFormatIndex(index) ? kImageFormats[index].name : nullptr; }
+
+std::string ImageFormatDialogFilter() {
+  using namespace std::string_literals;
+  std::string filter, all;
+  for (const ImageFormat& format : kImageFormats) {
+    filter += format.name + " files\0*."s + format.extension + '\0';
+    all += (all.empty() ? "*."s : ";*."s) + format.extension;
+  }
+  return filter + "All files\0"s + all + '\0';
 }
 
 int GetImageFileInformation(const char* path, int32_t* width, int32_t* height, uint16_t* bitCount,

@@ -3,15 +3,15 @@
 // that keeps the file's kind: 1-, 4- and 8-bit files stay palette pictures
 // with their own colours (grey-scale files get a grey table), true-colour
 // files become 24-bit. Damaged or hostile files give 0, never a crash or an
-// allocation beyond kMaxImageBytes.
+// allocation beyond kMaxPictureBytes.
 #pragma once
 #include <cstdint>
+#include <string>
 
+#include "base/dib.h"
 #include "base/global_block.h"
 
 constexpr int kImageFormatCount = 6;
-// No picture larger than this is read (the calendar file's limit as well).
-constexpr uint32_t kMaxImageBytes = 512u << 20;
 
 // The format index 0..5 (jpg, bmp, gif, pcx, tga, png) of a path, from the
 // extension after the last dot of the file name, compared without regard to
@@ -23,6 +23,14 @@ int ImageFormatExtension(int index, char* buffer, int size);
 // Writes "%s files" of the extension ("jpg files") into `buffer`; returns 6,
 // or -1 for an index of 6 or more.
 int ImageFormatFilterName(int index, char* buffer, int size);
+
+// The format's name as people know it ("JPEG"), or null for an index of 6
+// or more.
+const char* ImageFormatName(int index);
+// The picture-open dialog's filter list: "JPEG files" "*.jpg" and so on for
+// every format in index order, then "All files" with all the extensions;
+// every text ends in a zero, and the string's own zero ends the list.
+std::string ImageFormatDialogFilter();
 
 // Reads the file's own header, without decoding pixels. Every output may be
 // null. `colourTable` (256 RGB triples, 768 bytes) is cleared and filled only

@@ -15,7 +15,7 @@
 
 #include "pictures/colour_profile.h"
 #include "pictures/exif_orientation.h"
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 #include "pictures/picture_import.h"
 #include "pictures/resampler.h"
 

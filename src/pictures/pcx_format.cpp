@@ -9,7 +9,7 @@
 #include <cstring>
 #include <vector>
 
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 
 namespace {
 

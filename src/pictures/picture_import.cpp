@@ -5,13 +5,14 @@
 #include <new>
 
 #include "base/dib.h"
+#include "base/regular_file.h"
 #include "base/text.h"
 #include "pictures/byte_source.h"
 #include "pictures/camera_formats.h"
 #include "pictures/colour_profile.h"
 #include "pictures/exif_orientation.h"
 #include "pictures/image_files.h"
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 #include "pictures/picture_kind.h"
 #include "pictures/resampler.h"
 
@@ -23,6 +24,7 @@ constexpr int kCameraFormat = 6;
 // The six formats' extensions come from their table; these are the other
 // names the same formats go by, and the formats the decoder libraries add.
 const char* const kOtherExtensions[] = {"jpeg", "jpe", "jfif", "tif", "tiff", "webp", "heic", "heif", "hif", "avif"};
+const char* const kOtherFormats[] = {"TIFF", "WebP", "HEIC/HEIF", "AVIF"};
 
 bool StartsWith(const uint8_t* data, size_t size, const char* magic, size_t n) {
   return size >= n && std::memcmp(data, magic, n) == 0;
@@ -43,7 +45,7 @@ int FormatOfContent(const uint8_t* data, size_t size, const char* path) {
 // The most pixels format `index` may hold: JPEGs are decoded a band at a
 // time, the others into a whole Dib of the header's bit count.
 uint64_t MaxPixelsOf(int index, uint16_t bitCount) {
-  return index == kJpeg ? kMaxJpegPixels : static_cast<uint64_t>(kMaxImageBytes) * 8 / (bitCount ? bitCount : 24);
+  return index == kJpeg ? kMaxJpegPixels : static_cast<uint64_t>(kMaxPictureBytes) * 8 / (bitCount ? bitCount : 24);
 }
 
 // `dib` brought down to `longest` on its longer side (freed when replaced);
@@ -157,7 +159,7 @@ ImportedPicture ImportPictureFile(const char* path, const ImportRequest& request
     result.error = ImportError::kNotAPicture;
     return result;
   }
-  FileBytes file = ReadWholeFile(path);
+  FileBytes file = ReadWholeFile(path, kMaxPictureBytes);
   if (!file.data) {
     result.error = ImportError::kUnreadableFile;
     return result;
@@ -190,6 +192,13 @@ std::string PictureExtensionList() {
   char extension[8];
   for (int i = 0; ImageFormatExtension(i, extension, sizeof extension) > 0; ++i) list += (i ? ", " : "") + std::string(extension);
   for (const char* other : kOtherExtensions) list += ", " + std::string(other);
+  return list;
+}
+
+std::string PictureFormatList() {
+  std::string list;
+  for (int i = 0; ImageFormatName(i); ++i) list += (i ? ", " : "") + std::string(ImageFormatName(i));
+  for (const char* other : kOtherFormats) list += ", " + std::string(other);
   return list;
 }
 

@@ -17,7 +17,7 @@
 constexpr int32_t kImportLongestSide = 4000;
 // JPEGs are decoded a band at a time and scaled while decoding, so they may
 // hold this many pixels; other formats are decoded whole and stop at
-// kMaxImageBytes of picture.
+// kMaxPictureBytes of picture.
 constexpr uint64_t kMaxJpegPixels = 200000000;
 // Other decoder libraries hand over whole pictures of four bytes a pixel.
 constexpr uint64_t kMaxDecodedPixels = 100000000;
@@ -59,6 +59,8 @@ BlockHandle ImportPictureDib(BlockHandle dib, const ImportRequest& request);
 bool HasPictureExtension(const char* path);
 // Those extensions as "jpg, jpeg, ...".
 std::string PictureExtensionList();
+// The formats this build reads by content, as "JPEG, BMP, ..., AVIF".
+std::string PictureFormatList();
 
 // Why the picture could not be read, in a few words: "not a picture",
 // "unsupported format", "damaged", "too large: 250 megapixels, at most 200".

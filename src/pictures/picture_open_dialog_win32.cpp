@@ -17,9 +17,6 @@ namespace {
 constexpr UINT kCentre = WM_USER + 1;  // posted on initialisation
 // Over the preview box's size on any display, and quick to decode.
 constexpr int32_t kPreviewLongestSide = 512;
-const char kFilter[] =
-    "JPEG files\0*.jpg\0BMP files\0*.bmp\0GIF files\0*.gif\0PCX files\0*.pcx\0TGA files\0*.tga\0PNG files\0*.png\0"
-    "All files\0*.jpg;*.bmp;*.gif;*.pcx;*.tga;*.png\0";
 
 struct PreviewState {
   BlockHandle picture = 0;
@@ -165,7 +162,8 @@ int OpenPictureFile(HWND owner, char* path) {
   ofn.lStructSize = sizeof ofn;
   ofn.hwndOwner = owner;
   ofn.hInstance = GetModuleHandleA(nullptr);
-  ofn.lpstrFilter = kFilter;
+  const std::string filter = ImageFormatDialogFilter();
+  ofn.lpstrFilter = filter.c_str();
   ofn.nFilterIndex = Settings.ImageFileOpenIndex;
   ofn.lpstrFile = path;
   ofn.nMaxFile = MAX_PATH;

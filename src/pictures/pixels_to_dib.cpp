@@ -6,7 +6,7 @@
 
 #include "pictures/colour_profile.h"
 #include "pictures/image_files.h"
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 #include "pictures/stb_decode.h"
 
 bool ImageHeaderIsReadable(ImageHeader& header) {
@@ -23,8 +23,8 @@ bool ImageHeaderIsReadable(ImageHeader& header) {
   h.biPlanes = 1;
   h.biBitCount = header.bitCount;
   uint64_t total = DibTotalSize(h);
-  header.tooLarge = total > kMaxImageBytes;
-  return total != 0 && total <= kMaxImageBytes;
+  header.tooLarge = total > kMaxPictureBytes;
+  return total != 0 && total <= kMaxPictureBytes;
 }
 
 void SetGreyTable(ImageHeader* header, int levels) {

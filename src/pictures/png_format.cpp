@@ -8,7 +8,7 @@
 #include <new>
 
 #include "pictures/exif_orientation.h"
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // stb_image is compiled here and nowhere else, for the four formats it reads
 // for us. Its memory comes from a budget: every block it holds counts, so a
-// hostile file cannot make it hold more than kMaxImageBytes at once, however
+// hostile file cannot make it hold more than kMaxPictureBytes at once, however
 // its headers lie.
 #include "pictures/stb_decode.h"
 
@@ -8,7 +8,7 @@
 #include <cstring>
 
 #include "pictures/image_files.h"
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ namespace {
 constexpr size_t kPrefix = 16;
 size_t g_stbBytes = 0;
 
-bool Affordable(size_t more) { return more <= kMaxImageBytes && g_stbBytes <= kMaxImageBytes - more; }
+bool Affordable(size_t more) { return more <= kMaxPictureBytes && g_stbBytes <= kMaxPictureBytes - more; }
 
 // New blocks are zero-filled: a file can make the decoder read what it never
 // wrote (a scan that names a Huffman table no segment defined), and zeros
@@ -71,7 +71,7 @@ void* BudgetRealloc(void* p, size_t size) {
 
 bool StbDecode(const uint8_t* data, size_t size, StbPixels* pixels) {
   *pixels = StbPixels{};
-  if (size > kMaxImageBytes) return false;
+  if (size > kMaxPictureBytes) return false;
   int width = 0, height = 0, channels = 0;
   stbi_uc* decoded = stbi_load_from_memory(data, static_cast<int>(size), &width, &height, &channels, 0);
   if (!decoded) return false;

@@ -1,5 +1,5 @@
 // The one door to stb_image: whole files decoded from memory, with every
-// allocation it makes counted against kMaxImageBytes.
+// allocation it makes counted against kMaxPictureBytes.
 #pragma once
 #include <cstddef>
 #include <cstdint>

@@ -2,7 +2,7 @@
 // table; grey files (8 bits, or 16 with alpha) get the grey table; the rest
 // become 24-bit. Raw and run-length coded data are both read by stb_image.
 // A colour map that does not start at entry 0 is not read.
-#include "pictures/image_format.h"
+#include "pictures/format_readers.h"
 
 namespace {
 

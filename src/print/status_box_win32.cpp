@@ -67,4 +67,3 @@ void ClosePrintStatus() {
   g_box = nullptr;
 }
 
-HWND PrintStatusWindow() { return g_box; }

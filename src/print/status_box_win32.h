@@ -6,5 +6,3 @@
 void ShowPrintStatus(HWND owner, const char* text);
 void UpdatePrintStatus(int total, int current);
 void ClosePrintStatus();
-// The box while it is open, else null.
-HWND PrintStatusWindow();

@@ -17,44 +17,16 @@ Box CoverPictureBox(const Box& page, Length lowerTop, Length gutter) {
 Length CoverGutter(const Box& page, const CalendarHeader& h) { return Percent(Height(page), h.CoverPictureGutter); }
 Length CoverLowerTop(const Box& page) { return page.top + Height(page) / 2; }
 
-// Draws the cover picture and returns the bottom its box was left with.
+// Draws the cover picture and returns the bottom its box was left with. The
+// cover's shadow is always a hard one.
 Length DrawCoverPicture(Canvas& c, const CalendarHeader& h, const Box& page, Length lowerTop, Length pad,
                         Length gutter, bool printing) {
-  int32_t pictureW, pictureH;
-  if (!h.CoverPictureShowPicture || !PictureSize(h.CoverPicture, &pictureW, &pictureH)) return page.bottom;
   Box box = CoverPictureBox(page, lowerTop, gutter);
-  const bool bleed = h.CoverPictureBleed != 0;
-  Length shadow = 0;
-  if (bleed) {
-    c.Clip(ToRect(box));
-  } else {
-    box = Deflated(box, pad);
-    if (h.CoverPictureDropShadow) shadow = Percent(std::min(Width(box), Height(box)), h.CoverPictureShadowOffset);
-    box.right -= shadow;
-    box.bottom -= shadow;
-  }
-  // A bleeding picture covers the whole box and is cropped; otherwise it fits.
-  const PictureFit fit = FitPicture(box, pictureW, pictureH, bleed);
-  Length x, y;
-  PlacePicture(box, fit, h.CoverPicturePlacement, &x, &y);
-  c.SaveState();
-  c.SetOrigin(Device(box.left + x), Device(box.top + y));
-  if (!bleed && h.CoverPictureDropShadow) {
-    // The cover's shadow is always a hard one.
-    c.SetPen(kNullPen);
-    c.SetBrush(SolidBrush(Mix(h.CoverPictureFrameColour, h.CoverBackgroundColour)));
-    c.Rectangle(ToRect({shadow, shadow, fit.width + shadow, fit.height + shadow}));
-  }
-  c.DrawPicture(h.CoverPicture, Device(fit.width), Device(fit.height), printing);
-  if (!bleed && h.CoverPictureShowFrame) {
-    c.SetPen(SolidPen(h.CoverPictureFrameColour));
-    c.SetBrush(kNullBrush);
-    c.Rectangle(ToRect({0, 0, fit.width, fit.height}));
-  }
-  c.RestoreState();
-  if (bleed) c.Unclip();
-  c.EndStage();
-  return box.bottom;
+  const FramedPicture picture{h.CoverPicture,           h.CoverPictureShowPicture != 0, h.CoverPicturePlacement,
+                              h.CoverPictureDropShadow != 0, h.CoverPictureShadowOffset, 0,
+                              h.CoverPictureShowFrame != 0,  h.CoverPictureFrameColour, h.CoverBackgroundColour,
+                              h.CoverPictureBleed != 0};
+  return DrawFramedPicture(c, &box, pad, picture, printing) ? box.bottom : page.bottom;
 }
 
 void DrawCoverTitle(Canvas& c, const CalendarHeader& h, const Box& page, Length lowerTop, Length gutter,

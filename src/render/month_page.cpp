@@ -51,39 +51,14 @@ MonthLayout Layout(const Rect& page, const MonthPage& p) {
 }
 
 void DrawPicture(Canvas& c, const MonthLayout& l, const MonthPage& p, bool printing) {
-  int32_t pictureW, pictureH;
-  if (!p.PictureShowPicture || !PictureSize(p.Picture, &pictureW, &pictureH)) return;
   // The box ends a margin short of the middle: its bottom comes from the inner
   // height alone, without the inner top.
-  Box box = Deflated({l.inner.left, l.inner.top, l.inner.right, (Height(l.inner) - l.gutter) / 2}, l.pictureInset);
-  const Length shadow = p.PictureDropShadow ? Percent(std::min(Width(box), Height(box)), p.PictureShadowOffset) : 0;
-  box.right -= shadow;
-  box.bottom -= shadow;
-  const PictureFit fit = FitPicture(box, pictureW, pictureH, false);
-  Length x, y;
-  PlacePicture(box, fit, p.PicturePlacement, &x, &y);
-  const Colour shadowColour = Mix(p.PictureFrameColour, p.PageBackgroundColour);
-
-  c.SaveState();
-  c.SetOrigin(Device(box.left + x), Device(box.top + y));
-  if (p.PictureDropShadow) {
-    if (p.PictureShadowSoftness) {
-      DrawSoftShadow(c, shadow, shadow, fit.width + shadow, fit.height + shadow, shadowColour, p.PageBackgroundColour,
-                     p.PictureShadowSoftness);
-    } else {
-      c.SetPen(kNullPen);
-      c.SetBrush(SolidBrush(shadowColour));
-      c.Rectangle(ToRect({shadow, shadow, fit.width + shadow, fit.height + shadow}));
-    }
-  }
-  c.DrawPicture(p.Picture, Device(fit.width), Device(fit.height), printing);
-  if (p.PictureShowFrame) {
-    c.SetPen(SolidPen(p.PictureFrameColour));
-    c.SetBrush(kNullBrush);
-    c.Rectangle(ToRect({0, 0, fit.width, fit.height}));
-  }
-  c.RestoreState();
-  c.EndStage();
+  Box box{l.inner.left, l.inner.top, l.inner.right, (Height(l.inner) - l.gutter) / 2};
+  DrawFramedPicture(c, &box, l.pictureInset,
+                    {p.Picture, p.PictureShowPicture != 0, p.PicturePlacement, p.PictureDropShadow != 0,
+                     p.PictureShadowOffset, p.PictureShadowSoftness, p.PictureShowFrame != 0, p.PictureFrameColour,
+                     p.PageBackgroundColour, false},
+                    printing);
 }
 
 void DrawHeading(Canvas& c, const MonthLayout& l, const MonthPage& p, const std::string& title) {

@@ -7,6 +7,7 @@
 
 #include "base/dib.h"
 #include "calendar/calendar_dates.h"
+#include "render/primitives.h"
 
 std::string MonthTitle(int month, int year, bool withYear) {
   if (!withYear) return MonthName(month);
@@ -97,4 +98,44 @@ void PlacePicture(const Box& box, const PictureFit& fit, int32_t placement, Leng
 
 void DrawScreenFrame(Canvas& canvas, const Rect& pageRect) {
   canvas.FrameRect(Inflated(pageRect, 1, 1), canvas.ButtonShadowColour());
+}
+
+bool DrawFramedPicture(Canvas& c, Box* box, Length pad, const FramedPicture& p, bool printing) {
+  int32_t pictureW, pictureH;
+  if (!p.show || !PictureSize(p.dib, &pictureW, &pictureH)) return false;
+  Length shadow = 0;
+  if (p.bleed) {
+    c.Clip(ToRect(*box));
+  } else {
+    *box = Deflated(*box, pad);
+    if (p.dropShadow) shadow = Percent(std::min(Width(*box), Height(*box)), p.shadowOffset);
+    box->right -= shadow;
+    box->bottom -= shadow;
+  }
+  const PictureFit fit = FitPicture(*box, pictureW, pictureH, p.bleed);
+  Length x, y;
+  PlacePicture(*box, fit, p.placement, &x, &y);
+  c.SaveState();
+  c.SetOrigin(Device(box->left + x), Device(box->top + y));
+  if (!p.bleed && p.dropShadow) {
+    const Colour shadowColour = Mix(p.frameColour, p.background);
+    if (p.shadowSoftness) {
+      DrawSoftShadow(c, shadow, shadow, fit.width + shadow, fit.height + shadow, shadowColour, p.background,
+                     p.shadowSoftness);
+    } else {
+      c.SetPen(kNullPen);
+      c.SetBrush(SolidBrush(shadowColour));
+      c.Rectangle(ToRect({shadow, shadow, fit.width + shadow, fit.height + shadow}));
+    }
+  }
+  c.DrawPicture(p.dib, Device(fit.width), Device(fit.height), printing);
+  if (!p.bleed && p.showFrame) {
+    c.SetPen(SolidPen(p.frameColour));
+    c.SetBrush(kNullBrush);
+    c.Rectangle(ToRect({0, 0, fit.width, fit.height}));
+  }
+  c.RestoreState();
+  if (p.bleed) c.Unclip();
+  c.EndStage();
+  return true;
 }

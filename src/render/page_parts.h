@@ -50,6 +50,25 @@ PictureFit FitPicture(const Box& box, int32_t pictureWidth, int32_t pictureHeigh
 // 0 top left, 2 top right, 8 bottom left, 10 bottom right, else centred.
 void PlacePicture(const Box& box, const PictureFit& fit, int32_t placement, Length* x, Length* y);
 
+// A page's picture as its record describes it: the month page's or the cover's.
+struct FramedPicture {
+  BlockHandle dib;
+  bool show;
+  int32_t placement;
+  bool dropShadow;
+  int32_t shadowOffset;    // percent of the box's shorter side
+  int32_t shadowSoftness;  // 0: a hard shadow
+  bool showFrame;
+  Colour frameColour;
+  Colour background;  // the page's, which the shadow is mixed with
+  bool bleed;         // covers its box, cropped, without padding, shadow or frame
+};
+// Draws `picture` in `*box`: padded by `pad` (or clipped to it when it
+// bleeds), room made for the shadow, fitted and placed, then the shadow, the
+// picture and the frame. *box receives the box the picture was placed in;
+// false, with nothing drawn, for a picture not shown or not drawable.
+bool DrawFramedPicture(Canvas& canvas, Box* box, Length pad, const FramedPicture& picture, bool printing);
+
 // The page frame of the screen view: one pixel outside the page.
 void DrawScreenFrame(Canvas& canvas, const Rect& pageRect);
 

@@ -61,14 +61,6 @@ void ReleasePalette(HDC dc, PaletteHolder* holder) {
   *holder = PaletteHolder{nullptr, nullptr, nullptr};
 }
 
-int ScreenColourBits() {
-  HDC screen = GetDC(nullptr);
-  if (!screen) return 0;
-  const int bits = GetDeviceCaps(screen, BITSPIXEL) * GetDeviceCaps(screen, PLANES);
-  ReleaseDC(nullptr, screen);
-  return bits >= 9 ? 24 : bits;
-}
-
 void DrawColourSwatchButton(const DRAWITEMSTRUCT* item, COLORREF colour) {
   HDC dc = item->hDC;
   const RECT& r = item->rcItem;

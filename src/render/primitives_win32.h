@@ -1,6 +1,6 @@
 // The drawing routines that only the Windows program has: logical palettes
-// from colour triplets, the screen's colour depth, and the two owner-drawn
-// button faces of the property sheets.
+// from colour triplets and the two owner-drawn button faces of the property
+// sheets.
 #pragma once
 #include <windows.h>
 
@@ -24,9 +24,6 @@ int MakePalette(HDC dc, PaletteHolder* holder, const uint8_t* triplets, int coun
 // Selects the previous palette back, deletes the palette and the copy, and
 // clears the holder.
 void ReleasePalette(HDC dc, PaletteHolder* holder);
-
-// The screen's bits per pixel; every depth of 9 or more is reported as 24.
-int ScreenColourBits();
 
 // WM_DRAWITEM of a colour button: the swatch in `colour` (the button face
 // when disabled) inside a raised edge, sunken while pressed.

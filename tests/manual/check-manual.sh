@@ -2,7 +2,8 @@
 # The manual (res/html) as it ships: every place the program opens it at
 # exists, its links lead somewhere, its pictures are there, small, and go
 # into the installer, it needs nothing from outside, and the controls it
-# names are in the dialogs.
+# names are in the dialogs, and its lists of picture formats are the
+# program's table of formats.
 #   check-manual.sh [SOURCE_DIR]
 set -u
 root=${1:-$(cd "$(dirname "$0")/../.." && pwd)}
@@ -62,4 +63,19 @@ while IFS= read -r name; do
   grep -qxF -- "$name" <<<"$template_texts" || missing="$missing \"$name\""
 done <<<"$controls"
 [ -z "$missing" ] || fail "the manual names controls that no dialog has:$missing"
+
+# Each list of the formats the program opens by name, marked <span
+# class="formats"> (names) or <span class="extensions"> (extensions), names
+# every row of the formats table in its order, ending in "or" or "and".
+table=$(grep -oE '\{"[a-z]+", "[A-Za-z]+", Read[A-Za-z]+Header' "$root/src/pictures/image_files.cpp")
+names=$(cut -d'"' -f4 <<<"$table" | paste -sd, | sed 's/,/, /g')
+extensions=$(cut -d'"' -f2 <<<"$table" | sed 's/^/./' | paste -sd, | sed 's/,/, /g')
+[ "$(grep -c . <<<"$table")" -ge 6 ] || fail "found only these formats in src/pictures/image_files.cpp: $(echo $table)"
+lists=$(tr '\n' ' ' < "$manual" | grep -oP '<span class="(formats|extensions)">.*?</span>' |
+  sed -E 's/<span class="([a-z]+)">/\1 /; s/<[^>]*>//g; s/  */ /g; s/ (or|and) /, /; s/ $//')
+[ "$(grep -c . <<<"$lists")" -ge 4 ] || fail "the manual marks only these lists of formats: $lists"
+while read -r kind list; do
+  expected=$([ "$kind" = formats ] && echo "$names" || echo "$extensions")
+  [ "$list" = "$expected" ] || fail "the manual lists the formats as \"$list\", the program reads $expected"
+done <<<"$lists"
 exit $failed

@@ -1,7 +1,9 @@
 #include <cstring>
+#include <vector>
 
 #include "calendar/calendar_model.h"
 #include "calendar/calendar_dates.h"
+#include "calendar/record_fields.h"
 #include "config/settings.h"
 #include "test_support.h"
 
@@ -231,4 +233,27 @@ TEST_F(CalendarModelTest, CurrentYearFlagFollowsTodaysYear) {
   SetTodayForTesting(&later);
   EXPECT_EQ(CalendarYear(&h), 2027);
   EXPECT_EQ(h.Year, 2026);
+}
+
+// Each record's field list covers every byte of the record exactly once, and
+// a field bound to the design defaults names a setting of its own type.
+TEST(RecordFields, CoverEveryByteOnceAndBindToSettingsOfTheirType) {
+  const struct {
+    RecordFieldList fields;
+    size_t size;
+  } records[] = {{HeaderFields(), sizeof(CalendarHeader)}, {MonthPageFields(), sizeof(MonthPage)}};
+  for (const auto& record : records) {
+    std::vector<int> covered(record.size, 0);
+    for (const RecordField& field : record.fields) {
+      ASSERT_LE(field.offset + field.size, record.size) << field.name;
+      for (uint32_t i = 0; i < field.size; ++i) ++covered[field.offset + i];
+      for (const char* key : {field.copiedFrom, field.storedInto}) {
+        if (!key) continue;
+        const SettingsRow* row = FindSettingsRow(key);
+        ASSERT_NE(row, nullptr) << field.name << " is bound to no setting " << key;
+        EXPECT_EQ((row->type & kSettingText) != 0, field.kind == FieldKind::Text) << field.name << " and " << key;
+      }
+    }
+    for (size_t i = 0; i < record.size; ++i) EXPECT_EQ(covered[i], 1) << "byte " << i << " of " << record.size;
+  }
 }

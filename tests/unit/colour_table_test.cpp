@@ -2,7 +2,6 @@
 #include "base/text.h"
 #include "colours/colour_table.h"
 #include "config/settings.h"
-#include "editors/colour_caption.h"
 #include "test_support.h"
 
 TEST(ColourTable, LinesNameColoursOrAreSkipped) {
@@ -70,18 +69,5 @@ TEST_F(QuernalTest, TheTableInUseIsAlwaysAFileOfTheProgramsFolder) {
   for (const auto& c : cases) {
     CopyText(Settings.ColourTableFile, sizeof Settings.ColourTableFile, c.setting);
     EXPECT_EQ(ColourTablePath(), JoinPath(app, c.used)) << c.setting;
-  }
-}
-
-TEST(ColourCaption, WhiteOnDarkColoursBlackOnLightOnes) {
-  const struct {
-    uint32_t colour;
-    bool white;
-    const char* value;
-  } cases[] = {{0x000000, true, "0,0,0"},        {0xFFFFFF, false, "255,255,255"}, {0x808080, true, "128,128,128"},
-               {0x828282, false, "130,130,130"}, {0x0000FF, true, "255,0,0"},      {0x00FF00, false, "0,255,0"}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(CaptionIsWhite(c.colour), c.white) << c.value;
-    EXPECT_EQ(ColourValueText(c.colour), c.value);
   }
 }

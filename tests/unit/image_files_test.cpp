@@ -180,19 +180,31 @@ TEST(ImageFormatTable, ExtensionsMatchTheFileNameWithoutRegardToCase) {
   EXPECT_EQ(FindImageFormat(nullptr), -1);
 }
 
-TEST(ImageFormatTable, ExtensionsAndFilterNamesByIndex) {
-  const char* names[] = {"jpg", "bmp", "gif", "pcx", "tga", "png"};
+// The open dialog's filter list is the one people know; the extensions and
+// names by index are those of its rows.
+TEST(ImageFormatTable, TheDialogFilterAndEveryIndexComeFromOneTable) {
+  static const char kFilter[] =
+      "JPEG files\0*.jpg\0BMP files\0*.bmp\0GIF files\0*.gif\0PCX files\0*.pcx\0TGA files\0*.tga\0PNG files\0*.png\0"
+      "All files\0*.jpg;*.bmp;*.gif;*.pcx;*.tga;*.png\0";
+  const std::string expected(kFilter, sizeof kFilter - 1);  // the list ends in two zeros
+  const std::string filter = ImageFormatDialogFilter();
+  ASSERT_EQ(filter, expected);
   char buffer[32];
+  size_t at = 0;
   for (int i = 0; i < 6; ++i) {
+    const std::string label = filter.c_str() + at, pattern = filter.c_str() + at + label.size() + 1;
+    at += label.size() + pattern.size() + 2;
+    EXPECT_EQ(label, std::string(ImageFormatName(i)) + " files");
     EXPECT_EQ(ImageFormatExtension(i, buffer, sizeof buffer), 6);
-    EXPECT_STREQ(buffer, names[i]);
+    EXPECT_EQ("*." + std::string(buffer), pattern);
     EXPECT_EQ(ImageFormatFilterName(i, buffer, sizeof buffer), 6);
-    EXPECT_EQ(std::string(buffer), std::string(names[i]) + " files");
+    EXPECT_EQ(std::string(buffer), pattern.substr(2) + " files");
   }
   for (int bad : {6, 7, -1, INT_MIN}) {
     std::strcpy(buffer, "untouched");
     EXPECT_EQ(ImageFormatExtension(bad, buffer, sizeof buffer), -1) << bad;
     EXPECT_EQ(ImageFormatFilterName(bad, buffer, sizeof buffer), -1) << bad;
+    EXPECT_EQ(ImageFormatName(bad), nullptr) << bad;
     EXPECT_STREQ(buffer, "untouched");
   }
   EXPECT_EQ(ImageFormatFilterName(0, buffer, 6), 6);
@@ -541,10 +553,11 @@ TEST_F(ImageFiles, UnknownMissingAndEmptyFilesGiveNothing) {
   EXPECT_EQ(ReadImageFile(absent.c_str(), nullptr), 0u);
   EXPECT_EQ(GetImageFileInformation(absent.c_str(), nullptr, nullptr, nullptr, nullptr), 0);
   // Every reader checks what the file holds, not only its name.
-  for (const char* extension : {"jpg", "gif", "pcx", "tga", "png"})
-    ExpectNoPicture(std::string("bmp.") + extension, bmp, 0);
-  for (const char* extension : {"jpg", "bmp", "gif", "pcx", "tga", "png"})
+  char extension[8];
+  for (int i = 0; ImageFormatExtension(i, extension, sizeof extension) > 0; ++i) {
+    if (std::string(extension) != "bmp") ExpectNoPicture(std::string("bmp.") + extension, bmp, 0);
     ExpectNoPicture(std::string("empty.") + extension, "", 0);
+  }
   // Every output of the information call may be left out.
   EXPECT_EQ(GetImageFileInformation(Write("good.bmp", bmp).c_str(), nullptr, nullptr, nullptr, nullptr), 1);
 }

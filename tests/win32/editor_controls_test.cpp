@@ -51,28 +51,6 @@ class Canvas {
 
 }  // namespace
 
-TEST(EditorControls, ColourButtonsCaptionInTheColourThatReads) {
-  HWND button = CreateWindowA("BUTTON", "Frame", WS_POPUP | BS_OWNERDRAW, 0, 0, 40, 24, nullptr, nullptr, nullptr,
-                              nullptr);
-  const struct {
-    COLORREF colour;
-    COLORREF ink;
-  } cases[] = {{RGB(20, 40, 120), RGB(255, 255, 255)}, {RGB(250, 230, 120), RGB(0, 0, 0)}};
-  for (const auto& c : cases) {
-    Canvas canvas;
-    DRAWITEMSTRUCT item = canvas.Item(116, 0, button);
-    DrawLabelledColourButton(&item, c.colour, false);
-    EXPECT_GT(canvas.Count(c.ink, {2, 3, 38, 16}), 5) << "the caption";
-    EXPECT_GT(canvas.Count(c.colour, {2, 2, 38, 22}), 300) << "the colour";
-    // Disabled: the face colour and no caption.
-    Canvas off;
-    item = off.Item(116, ODS_DISABLED, button);
-    DrawLabelledColourButton(&item, c.colour, false);
-    EXPECT_EQ(off.Count(c.colour, {2, 2, 38, 22}), 0);
-  }
-  DestroyWindow(button);
-}
-
 TEST(EditorControls, PlacementGlyphsLeanLeftCentreAndRight) {
   // Each glyph's first text line: where its ink starts and ends.
   int starts[3], ends[3];

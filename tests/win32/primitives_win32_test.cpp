@@ -37,11 +37,6 @@ TEST_F(QuernalTest, PalettesHave16Or256Entries) {
   EXPECT_EQ(LiveGdiObjects(), before);
 }
 
-TEST_F(QuernalTest, ScreenColourBitsIsADepthThePaletteCodeKnows) {
-  const int bits = ScreenColourBits();
-  EXPECT_TRUE(bits == 1 || bits == 2 || bits == 4 || bits == 8 || bits == 24) << bits;
-}
-
 TEST_F(QuernalTest, ColourSwatchShowsItsColour) {
   constexpr COLORREF kSwatch = RGB(200, 20, 120);
   DibSurface plain(70, 50, 0), focused(70, 50, 0), pressed(70, 50, 0), disabled(70, 50, 0);

@@ -47,7 +47,7 @@ struct ImageHeader {
 };
 
 // True when the header describes a Dib this program reads: sides 1 to
-// kMaxImageSide, 1/4/8/24 bits, and at most kMaxImageBytes in all. A picture
+// kMaxImageSide, 1/4/8/24 bits, and at most kMaxPictureBytes in all. A picture
 // that fails only by its size is marked tooLarge.
 bool ImageHeaderIsReadable(ImageHeader& header);
 // The (i, i, i) table of a grey-scale file with `levels` evenly spaced
