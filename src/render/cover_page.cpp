@@ -6,6 +6,7 @@
 
 #include "render/page_parts.h"
 #include "render/page_renderer.h"
+#include "render/picture_box.h"
 #include "render/primitives.h"
 
 namespace {
@@ -16,23 +17,29 @@ Box CoverPictureBox(const Box& page, Length lowerTop, Length gutter) {
 }
 Length CoverGutter(const Box& page, const CalendarHeader& h) { return Percent(Height(page), h.CoverPictureGutter); }
 Length CoverLowerTop(const Box& page) { return page.top + Height(page) / 2; }
+Length CoverPad(const Box& page, const CalendarHeader& h) { return Percent(Width(page), h.CoverPictureExteriorPadding); }
+
+// The box the picture fits (or, bleeding, covers), and its shadow's offset.
+Box CoverFitBox(const CalendarHeader& h, const Box& page, Length lowerTop, Length pad, Length gutter, Length* shadow) {
+  Box box = CoverPictureBox(page, lowerTop, gutter);
+  *shadow = 0;
+  if (h.CoverPictureBleed) return box;
+  box = Deflated(box, pad);
+  if (h.CoverPictureDropShadow) *shadow = Percent(std::min(Width(box), Height(box)), h.CoverPictureShadowOffset);
+  box.right -= *shadow;
+  box.bottom -= *shadow;
+  return box;
+}
 
 // Draws the cover picture and returns the bottom its box was left with.
 Length DrawCoverPicture(Canvas& c, const CalendarHeader& h, const Box& page, Length lowerTop, Length pad,
                         Length gutter, bool printing) {
   int32_t pictureW, pictureH;
   if (!h.CoverPictureShowPicture || !PictureSize(h.CoverPicture, &pictureW, &pictureH)) return page.bottom;
-  Box box = CoverPictureBox(page, lowerTop, gutter);
   const bool bleed = h.CoverPictureBleed != 0;
-  Length shadow = 0;
-  if (bleed) {
-    c.Clip(ToRect(box));
-  } else {
-    box = Deflated(box, pad);
-    if (h.CoverPictureDropShadow) shadow = Percent(std::min(Width(box), Height(box)), h.CoverPictureShadowOffset);
-    box.right -= shadow;
-    box.bottom -= shadow;
-  }
+  Length shadow;
+  const Box box = CoverFitBox(h, page, lowerTop, pad, gutter, &shadow);
+  if (bleed) c.Clip(ToRect(box));
   // A bleeding picture covers the whole box and is cropped; otherwise it fits.
   const PictureFit fit = FitPicture(box, pictureW, pictureH, bleed);
   Length x, y;
@@ -83,7 +90,7 @@ int DrawCoverPage(Canvas& canvas, const Rect& pageRect, CalendarDocument documen
   TerminateTexts(&h);
   if (!printing) DrawScreenFrame(canvas, pageRect);
   const Box page = ToBox(pageRect);
-  const Length pad = Percent(Width(page), h.CoverPictureExteriorPadding);
+  const Length pad = CoverPad(page, h);
   const Length gutter = CoverGutter(page, h);
   const Length titleH = Percent((Height(page) - 2 * pad) / 2, h.CoverFontSize);
   const Length titleShadow = Percent(titleH, h.CoverPictureShadowOffset);
@@ -127,4 +134,10 @@ void DrawCoverPictureBleed(Canvas& canvas, const Rect& pageRect, const CalendarH
     canvas.DrawPictureExtended(h.CoverPicture, Device(fit.width), Device(fit.height), true);
     canvas.RestoreState();
   }
+}
+
+Rect CoverPictureFitBox(const Rect& pageRect, const CalendarHeader& h) {
+  const Box page = ToBox(pageRect);
+  Length shadow;
+  return ToRect(CoverFitBox(h, page, CoverLowerTop(page), CoverPad(page, h), CoverGutter(page, h), &shadow));
 }

@@ -8,6 +8,7 @@
 #include "calendar/event_list.h"
 #include "render/page_parts.h"
 #include "render/page_renderer.h"
+#include "render/picture_box.h"
 #include "render/primitives.h"
 
 namespace {
@@ -50,15 +51,22 @@ MonthLayout Layout(const Rect& page, const MonthPage& p) {
   return l;
 }
 
-void DrawPicture(Canvas& c, const MonthLayout& l, const MonthPage& p, bool printing) {
-  int32_t pictureW, pictureH;
-  if (!p.PictureShowPicture || !PictureSize(p.Picture, &pictureW, &pictureH)) return;
+// The box the picture is fitted into, and the offset of its shadow.
+Box PictureBox(const MonthLayout& l, const MonthPage& p, Length* shadow) {
   // The box ends a margin short of the middle: its bottom comes from the inner
   // height alone, without the inner top.
   Box box = Deflated({l.inner.left, l.inner.top, l.inner.right, (Height(l.inner) - l.gutter) / 2}, l.pictureInset);
-  const Length shadow = p.PictureDropShadow ? Percent(std::min(Width(box), Height(box)), p.PictureShadowOffset) : 0;
-  box.right -= shadow;
-  box.bottom -= shadow;
+  *shadow = p.PictureDropShadow ? Percent(std::min(Width(box), Height(box)), p.PictureShadowOffset) : 0;
+  box.right -= *shadow;
+  box.bottom -= *shadow;
+  return box;
+}
+
+void DrawPicture(Canvas& c, const MonthLayout& l, const MonthPage& p, bool printing) {
+  int32_t pictureW, pictureH;
+  if (!p.PictureShowPicture || !PictureSize(p.Picture, &pictureW, &pictureH)) return;
+  Length shadow;
+  const Box box = PictureBox(l, p, &shadow);
   const PictureFit fit = FitPicture(box, pictureW, pictureH, false);
   Length x, y;
   PlacePicture(box, fit, p.PicturePlacement, &x, &y);
@@ -252,4 +260,9 @@ int DrawCalendarPage(Canvas& canvas, const Rect& pageRect, CalendarDocument docu
   TerminateTexts(&header);
   TerminateTexts(&page);
   return DrawMonthPage(canvas, pageRect, header, page, pageIndex, printing, drawPictureHalf, drawCalendarHalf);
+}
+
+Rect MonthPictureFitBox(const Rect& pageRect, const MonthPage& page) {
+  Length shadow;
+  return ToRect(PictureBox(Layout(pageRect, page), page, &shadow));
 }
