@@ -79,10 +79,12 @@ CropFrame DraggedFrame(const CropShape& shape, const CropFrame& start, FrameHit 
   if (hit == FrameHit::kInside) return MovedFrame(shape, start, dx, dy);
   const int corner = static_cast<int>(hit) - static_cast<int>(FrameHit::kCorner0);
   const bool right = corner & 1, bottom = corner & 2;
-  // The corner follows whichever of the pointer's two moves asks for more.
+  // The corner follows whichever of the pointer's two moves changes the
+  // frame more, growing or shrinking it.
   const int64_t byX = start.width + (right ? dx : -dx);
   const int64_t byY = WidthForHeight(Usable(shape), std::max<int64_t>(1, start.height + (bottom ? dy : -dy)));
-  return ResizedFrame(shape, start, std::max(byX, byY), right ? 0 : 2, bottom ? 0 : 2);
+  const int64_t width = std::llabs(byX - start.width) >= std::llabs(byY - start.width) ? byX : byY;
+  return ResizedFrame(shape, start, width, right ? 0 : 2, bottom ? 0 : 2);
 }
 
 CropFrame KeyedFrame(const CropShape& shape, const CropFrame& f, FrameKey key, bool shift) {

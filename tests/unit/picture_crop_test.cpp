@@ -37,6 +37,7 @@ TEST(PictureCrop, TheFrameKeepsTheBoxShapeInsideThePicture) {
       {"top left corner dragged up more than left", DraggedFrame(wide, f, FrameHit::kCorner0, -20, -40), {20, 60, 180, 90}},
       {"top left corner dragged beyond the picture", DraggedFrame(wide, f, FrameHit::kCorner0, -300, -300), {0, 50, 200, 100}},
       {"dragged inside, stopped at the left edge", DraggedFrame(wide, f, FrameHit::kInside, -500, 0), {0, 100, 100, 50}},
+      {"bottom right corner dragged in and a little down", DraggedFrame(wide, f, FrameHit::kCorner3, -40, 4), {100, 100, 60, 30}},
       {"a drag outside the frame does nothing", DraggedFrame(wide, f, FrameHit::kNone, 30, 30), f},
       {"right arrow: a hundredth of the longer side", KeyedFrame(wide, f, FrameKey::kRight, false), {104, 100, 100, 50}},
       {"up arrow", KeyedFrame(wide, f, FrameKey::kUp, false), {100, 96, 100, 50}},
