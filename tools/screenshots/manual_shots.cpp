@@ -95,6 +95,10 @@ void PageSheet(const Quernal& quernal, const char* picture) {
   Close(colour);
 
   ShowTab(sheet, 3);
+  Press(CurrentTab(sheet), IDC_PICTURE_CROP);
+  HWND crop = quernal.Wait("Crop Picture");
+  Shot("crop", crop);
+  Close(crop);
   Press(CurrentTab(sheet), IDC_PICTURE_SELECT);
   HWND open = quernal.Wait("Open");
   if (open) SelectFirstFile(open);
