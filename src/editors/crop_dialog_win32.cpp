@@ -58,6 +58,26 @@ void SetFrame(HWND area, CropState* s, const CropFrame& frame) {
   InvalidateRect(area, nullptr, FALSE);
 }
 
+// The part of the picture outside the frame, which the crop takes away, is
+// shown darker.
+void Darken(HDC dc, const RECT& picture, const RECT& frame) {
+  HDC black = CreateCompatibleDC(dc);
+  HBITMAP pixel = CreateCompatibleBitmap(dc, 1, 1);
+  HGDIOBJ old = SelectObject(black, pixel);
+  PatBlt(black, 0, 0, 1, 1, BLACKNESS);
+  const BLENDFUNCTION half{AC_SRC_OVER, 0, 128, 0};
+  const RECT parts[] = {{picture.left, picture.top, picture.right, frame.top},
+                        {picture.left, frame.bottom, picture.right, picture.bottom},
+                        {picture.left, frame.top, frame.left, frame.bottom},
+                        {frame.right, frame.top, picture.right, frame.bottom}};
+  for (const RECT& r : parts)
+    if (r.right > r.left && r.bottom > r.top)
+      AlphaBlend(dc, r.left, r.top, r.right - r.left, r.bottom - r.top, black, 0, 0, 1, 1, half);
+  SelectObject(black, old);
+  DeleteObject(pixel);
+  DeleteDC(black);
+}
+
 void PaintArea(HWND area, const CropState& s) {
   PAINTSTRUCT paint;
   HDC dc = BeginPaint(area, &paint);
@@ -75,6 +95,11 @@ void PaintArea(HWND area, const CropState& s) {
                    static_cast<LONG>(m.top + ToScreen(s.frame.y, m.scale)),
                    static_cast<LONG>(m.left + ToScreen(int64_t{s.frame.x} + s.frame.width, m.scale)),
                    static_cast<LONG>(m.top + ToScreen(int64_t{s.frame.y} + s.frame.height, m.scale))};
+  Darken(dc,
+         {static_cast<LONG>(m.left), static_cast<LONG>(m.top),
+          static_cast<LONG>(m.left + ToScreen(s.shape.pictureW, m.scale)),
+          static_cast<LONG>(m.top + ToScreen(s.shape.pictureH, m.scale))},
+         frame);
   // A white line inside a black one shows on any picture.
   FrameRect(dc, &frame, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
   RECT inner = frame;
