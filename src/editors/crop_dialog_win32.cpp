@@ -13,13 +13,13 @@
 
 namespace {
 
-constexpr char kAreaClass[] = "QuernalCropArea";
 constexpr int kHandle = 4;  // half a corner handle's side, in screen pixels
 
 struct CropState {
   HWND dialog;
   BlockHandle picture;
   BlockHandle shown;  // the picture reduced to the area, made once
+  WNDPROC button;     // the area is an owner-drawn button that this file draws and drives
   CropShape shape;
   CropFrame frame;
   // A drag: what it took hold of, where it began and the frame then.
@@ -138,10 +138,9 @@ bool KeyOf(WPARAM key, FrameKey* out) {
 
 LRESULT CALLBACK AreaProc(HWND area, UINT message, WPARAM wParam, LPARAM lParam) {
   CropState* s = StateOf(area);
-  if (!s) return DefWindowProcA(area, message, wParam, lParam);
   switch (message) {
     case WM_PAINT: PaintArea(area, *s); return 0;
-    case WM_GETDLGCODE: return DLGC_WANTARROWS;
+    case WM_GETDLGCODE: return CallWindowProcA(s->button, area, message, wParam, lParam) | DLGC_WANTARROWS;
     case WM_SETFOCUS:
     case WM_KILLFOCUS: InvalidateRect(area, nullptr, FALSE); return 0;
     case WM_LBUTTONDOWN: {
@@ -189,17 +188,7 @@ LRESULT CALLBACK AreaProc(HWND area, UINT message, WPARAM wParam, LPARAM lParam)
       return 0;
     }
   }
-  return DefWindowProcA(area, message, wParam, lParam);
-}
-
-void RegisterArea() {
-  WNDCLASSA area{};
-  if (GetClassInfoA(GetModuleHandleA(nullptr), kAreaClass, &area)) return;
-  area.lpfnWndProc = AreaProc;
-  area.hInstance = GetModuleHandleA(nullptr);
-  area.hCursor = LoadCursorA(nullptr, IDC_ARROW);
-  area.lpszClassName = kAreaClass;
-  RegisterClassA(&area);
+  return CallWindowProcA(s->button, area, message, wParam, lParam);
 }
 
 INT_PTR CALLBACK CropProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -209,6 +198,7 @@ INT_PTR CALLBACK CropProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
     SetWindowLongPtrA(dialog, GWLP_USERDATA, lParam);
     HWND area = GetDlgItem(dialog, IDC_CROP_AREA);
     SetWindowLongPtrA(area, GWLP_USERDATA, lParam);
+    s->button = reinterpret_cast<WNDPROC>(SetWindowLongPtrA(area, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(AreaProc)));
     // Dragging repaints often: a picture larger than the area is drawn from
     // a copy of the area's size.
     const Mapping m = MappingOf(area, s->shape);
@@ -244,7 +234,6 @@ bool CropPictureDialog(HWND owner, BlockHandle* picture, int32_t boxW, int32_t b
   if (!DibSize(*picture, &state.shape.pictureW, &state.shape.pictureH)) return false;
   state.shape.boxW = boxW;
   state.shape.boxH = boxH;
-  RegisterArea();
   DialogBoxParamA(GetModuleHandleA(nullptr), "CropPicture", owner, CropProc, reinterpret_cast<LPARAM>(&state));
   if (state.shown) GlobalBlockFree(state.shown);
   if (state.picture == *picture) return false;
