@@ -60,6 +60,8 @@
 #define IDC_PICTURE_GUTTER 163
 #define IDC_PICTURE_PAINT 164
 #define IDC_PICTURE_SOFTNESS 167
+#define IDC_PICTURE_CROP 168
+#define IDC_PICTURE_PRINT 169
 
 // "PagePropertyFive", the captions and the page.
 #define IDC_CAP_FONT 151

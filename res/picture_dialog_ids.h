@@ -8,6 +8,12 @@
 #define IDC_PICTURE_SHOW_PREVIEW 1501
 #define IDC_PICTURE_FACTS 1502
 
+// CropPicture: the picture with the frame the user moves and resizes, what
+// the frame keeps, and the button that makes it as large as it can be.
+#define IDC_CROP_AREA 1510
+#define IDC_CROP_KEEPS 1511
+#define IDC_CROP_WHOLE 1512
+
 // PaletteWarningBox: the warning about a palette picture, with the icon,
 // text and check box ids every warning with a check box has.
 #define IDC_PALETTE_ICON 101

@@ -46,6 +46,13 @@
 #define IDS_FOLDER_REFUSES 167
 // A picture dropped on the year page.
 #define IDS_YEAR_HAS_NO_PICTURE 168
+// How sharp a picture tab's picture prints on the printer's page (the
+// second %s says which page when there is no printer), and what the crop
+// dialog keeps of the picture.
+#define IDS_PRINTS_AT 169
 // The colour dialog's questions.
 #define IDS_COLOUR_EXISTS 170
 #define IDS_COLOUR_DELETE 171
+#define IDS_PRINTS_BLURRY 172
+#define IDS_PRINTS_WITHOUT_PRINTER 173
+#define IDS_CROP_KEEPS 174

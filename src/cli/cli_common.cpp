@@ -1,5 +1,8 @@
 #include "cli/cli_common.h"
 
+#include "pictures/picture_crop.h"
+#include "render/picture_box.h"
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -219,4 +222,61 @@ void ProgressLine::Show(const char* what, int done, int total) {
   std::fprintf(stderr, "\r\033[K%s %d/%d", what, done, total);
   std::fflush(stderr);
   shown_ = true;
+}
+
+const Paper* PaperOption(const Arguments& args) {
+  const Paper* paper = FindPaper(args.Has("--paper") ? args.options.at("--paper") : "a4");
+  if (!paper) Usage("--paper takes a4, letter or a3");
+  return paper;
+}
+
+int FillBoxOption(const Arguments& args, FillBox* out) {
+  out->on = args.Has("--fill-box");
+  if (!out->on) {
+    if (args.Has("--focus")) return Usage("--focus goes with --fill-box");
+    return -1;
+  }
+  if (!(out->paper = PaperOption(args))) return 2;
+  if (!args.Has("--focus")) return -1;
+  const std::string& focus = args.options.at("--focus");
+  const size_t comma = focus.find(',');
+  if (comma == std::string::npos || !ParseInt(focus.substr(0, comma), 0, 100, &out->focusX) ||
+      !ParseInt(focus.substr(comma + 1), 0, 100, &out->focusY))
+    return Usage("--focus takes X,Y in percent of the picture, 0 to 100 each, as 50,30");
+  return -1;
+}
+
+namespace {
+
+// The picture in `slot` cropped to `box`'s shape; false when memory runs out.
+bool FillOne(BlockHandle* slot, const Rect& box, const FillBox& fill) {
+  int32_t width, height;
+  if (!*slot || !DibSize(*slot, &width, &height)) return true;
+  const CropShape shape{width, height, box.right - box.left, box.bottom - box.top};
+  const BlockHandle cropped = DibCropped(*slot, FrameAtFocus(shape, fill.focusX, fill.focusY));
+  if (!cropped) return false;
+  GlobalBlockFree(*slot);
+  *slot = cropped;
+  return true;
+}
+
+}  // namespace
+
+bool FillBoxes(CalendarDocument document, const std::vector<int>& pages, const FillBox& fill) {
+  if (!fill.on) return true;
+  const Rect paper = PaperPage(*fill.paper, kLayoutDpi);
+  for (int page : pages) {
+    CalendarHeader header;
+    MonthPage month;
+    if (page == kCoverPageIndex) {
+      if (!GetHeader(document, &header) || !FillOne(&header.CoverPicture, CoverPictureFitBox(paper, header), fill) ||
+          !PutHeader(document, &header))
+        return false;
+    } else if (page >= 0 && page < 12) {
+      if (!GetMonthPage(document, page, &month) || !FillOne(&month.Picture, MonthPictureFitBox(paper, month), fill) ||
+          !PutMonthPage(document, page, &month))
+        return false;
+    }
+  }
+  return true;
 }

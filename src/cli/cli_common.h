@@ -20,6 +20,26 @@ struct Arguments {
 // Prints the problem (or, without one, the usage) on stderr; returns the
 // exit code 2.
 int Usage(const char* problem);
+struct Paper;
+// The paper of --paper (A4 when it is not given), or null after saying
+// what --paper takes.
+const Paper* PaperOption(const Arguments& args);
+
+// --fill-box [--focus X,Y] [--paper P]: each picture cropped to the shape of
+// the box its page shows it in on that paper, so that it fills the box
+// instead of being letterboxed, the frame as large as the picture allows
+// and centred on the point X,Y (percent of the picture; 50,50 when not
+// given).
+struct FillBox {
+  bool on = false;
+  const Paper* paper = nullptr;
+  int focusX = 50, focusY = 50;
+};
+// An exit code for a wrong option, or -1.
+int FillBoxOption(const Arguments& args, FillBox* out);
+// Crops the pictures of `pages` (0..11 the months, 13 the cover; others have
+// none); false when memory runs out.
+bool FillBoxes(CalendarDocument document, const std::vector<int>& pages, const FillBox& fill);
 // Splits argv[2..] into positional arguments and the command's options: a
 // flag, an option with one value, or a list option taking every value up to
 // the next option.

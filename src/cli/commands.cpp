@@ -34,12 +34,22 @@ const char* NewPurpose() {
   return purpose.c_str();
 }
 
+const CommandOption kFillBox{"--fill-box", nullptr,
+                           "crop each picture to the shape of the box its page shows it in on the paper, so that it "
+                           "fills the box instead of showing the page's background beside it; the largest such part "
+                           "of the picture is kept"};
+const CommandOption kFocus{"--focus", "X,Y",
+                           "with --fill-box: the point of the picture the kept part is centred on, as far as the "
+                           "picture allows, in percent of its width and height; 50,50 (the middle) when not given"};
+const CommandOption kFillPaper{"--paper", "a4|letter|a3", "with --fill-box: the paper the box is laid out on; A4 when not given"};
+
 const CommandOption kFullSize{"--full-size", nullptr,
                            "keep each picture at the file's size instead of reducing its longer side to 4000 pixels"};
 
 const std::vector<Command> kCommands = {
     {"new", "[--year Y] [--month M] [--config DIR] [--locale NAME] [--pictures F1 ... F12 | --picture-dir DIR\n"
-            "    [--skip-unreadable]] [--cover-picture F] [--title TEXT] [--full-size] -o FILE.CLN",
+            "    [--skip-unreadable]] [--cover-picture F] [--title TEXT] [--full-size]\n"
+            "    [--fill-box [--focus X,Y] [--paper a4|letter|a3]] -o FILE.CLN",
      NewPurpose(),
      {{"--year", "Y", "the calendar's year, 1583 to 2583; this year when not given"},
       {"--month", "M", "the month (1 to 12) the calendar opens on; this month when not given"},
@@ -50,19 +60,22 @@ const std::vector<Command> kCommands = {
       {"--skip-unreadable", nullptr, "with --picture-dir: leave out the files that cannot be read, naming them"},
       {"--cover-picture", "F", "an image file for the cover page, shown there"},
       kFullSize,
+      kFillBox,
+      kFocus,
+      kFillPaper,
       {"--title", "TEXT", "the cover's title (UTF-8, at most 260 characters in Windows-1252)"},
       kAppDir,
       {"-o", "FILE.CLN", "the calendar file to write"}},
      NewCommand},
-    {"info", "FILE.CLN [--paper a4|letter] [--app-dir DIR]",
+    {"info", "FILE.CLN [--paper a4|letter|a3] [--app-dir DIR]",
      "Prints every field of the calendar's records as JSON: the header, then the twelve month pages with their "
      "pictures' sizes and the events each page shows, then the resolution each picture prints at.",
-     {{"--paper", "a4|letter", "the paper the pictures' print resolution is given for; A4 when not given"}, kAppDir},
+     {{"--paper", "a4|letter|a3", "the paper the pictures' print resolution is given for; A4 when not given"}, kAppDir},
      InfoCommand},
-    {"summary", "FILE.CLN [--paper a4|letter] [--app-dir DIR]",
+    {"summary", "FILE.CLN [--paper a4|letter|a3] [--app-dir DIR]",
      "Prints a few lines about the calendar: its year, the page it opens on, its pictures with the resolution "
      "each prints at (below 150 ppi a picture may print blurry), and its events.",
-     {{"--paper", "a4|letter", "the paper the pictures' print resolution is given for; A4 when not given"}, kAppDir},
+     {{"--paper", "a4|letter|a3", "the paper the pictures' print resolution is given for; A4 when not given"}, kAppDir},
      SummaryCommand},
     {"resave", "IN.CLN -o OUT.CLN [--level 1-9] [--app-dir DIR]",
      "Reads a calendar and saves it again, dropping damaged pictures; OUT may be IN.",
@@ -70,7 +83,8 @@ const std::vector<Command> kCommands = {
       {"--level", "1-9", "the compression level of the pictures (the setting ImageCompression when not given)"},
       kAppDir},
      ResaveCommand},
-    {"set", "FILE.CLN [--page N | --months | --year-page | --cover] FIELD=VALUE ... [--picture F | --no-picture]",
+    {"set", "FILE.CLN [--page N | --months | --year-page | --cover] FIELD=VALUE ... [--picture F | --no-picture]\n"
+            "    [--fill-box [--focus X,Y] [--paper a4|letter|a3]]",
      "Changes fields of one page, of all twelve month pages, of the year page or of the cover, named as `info` "
      "names them, and saves the calendar in place. Colours are #RRGGBB or r,g,b; flags 0 or 1; texts UTF-8. "
      "Nothing is written when a field, a value or the page is wrong.",
@@ -81,6 +95,9 @@ const std::vector<Command> kCommands = {
       {"--picture", "F", "the image file that becomes the page's picture, imported as `new` imports pictures"},
       {"--no-picture", nullptr, "the page loses its picture"},
       kFullSize,
+      kFillBox,
+      kFocus,
+      kFillPaper,
       kAppDir},
      SetCommand},
     {"settings", "[--ini FILE] [--locale NAME]",
@@ -89,7 +106,7 @@ const std::vector<Command> kCommands = {
      SettingsCommand},
     {"render",
      "(FILE.CLN | --new [--year Y]) [--config DIR] [--locale NAME] [--page N | --all | --booklet]\n"
-     "    [--halves both|upper|lower] [--screen] [--width W --height H | --paper a4|letter] [--dpi D]\n"
+     "    [--halves both|upper|lower] [--screen] [--width W --height H | --paper a4|letter|a3] [--dpi D]\n"
      "    [--bleed MM] [--crop-marks] [--jpeg-quality Q | --lossless] [--app-dir DIR] --format png|pdf|svg|ops -o OUT",
      "Draws pages of a calendar as the program prints them: PNG, SVG and ops (a line per drawing call) write a "
      "file per page (OUT-01.png, ...), PDF writes one file.",
@@ -106,7 +123,7 @@ const std::vector<Command> kCommands = {
       {"--screen", nullptr, "as the screen shows the page, with a pixel of window round it"},
       {"--width", "W", "the page's width in pixels (with --height)"},
       {"--height", "H", "the page's height in pixels (with --width)"},
-      {"--paper", "a4|letter", "the paper; a4 when not given"},
+      {"--paper", "a4|letter|a3", "the paper; a4 when not given"},
       {"--dpi", "D", "pixels per inch, 36 to 2400; 300 when not given"},
       {"--bleed", "MM", "PDF only: the page grows by MM millimetres on each side, the page's background reaching "
                         "the new edge; the PDF's TrimBox and BleedBox are set"},

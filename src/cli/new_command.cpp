@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "calendar/calendar_file.h"
 #include "calendar/calendar_model.h"
 #include "cli/calendar_lock.h"
 #include "cli/commands.h"
@@ -127,6 +128,8 @@ int NewCommand(const Arguments& args) {
       return Usage(("--title has a character Windows-1252 cannot hold (shown as ?): " + Cp1252ToUtf8(title)).c_str());
     if (title.size() > 260) return Usage("--title takes at most 260 characters");
   }
+  FillBox fill;
+  if ((status = FillBoxOption(args, &fill)) >= 0) return status;
   const size_t candidates = paths.size();
   const bool hasCover = args.Has("--cover-picture");
   if (hasCover) paths.push_back(args.options.at("--cover-picture"));
@@ -140,6 +143,11 @@ int NewCommand(const Arguments& args) {
   const BlockHandle cover = hasCover ? pictures.back() : 0;
   if (hasCover) pictures.pop_back();
   GivePictures(document, pictures, cover, title);
+  if (!FillBoxes(document, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, kCoverPageIndex}, fill)) {
+    std::fprintf(stderr, "quernal-cli: %s\n", kMemoryFailedMessage);
+    FreeCalendar(document);
+    return 1;
+  }
   const CalendarLock lock(args.options.at("-o"));
   const int result = lock.ok() ? Save(args.options.at("-o"), document) : 1;
   FreeCalendar(document);

@@ -1,6 +1,6 @@
 #include "cli/record_json.h"
 
-#include "cli/print_resolution.h"
+#include "render/picture_box.h"
 
 #include <cstdio>
 #include <cstring>
@@ -102,7 +102,7 @@ void WriteRecord(std::FILE* out, const RecordFieldList& fields, const uint8_t* r
 
 }  // namespace
 
-void WriteCalendarJson(std::FILE* out, CalendarDocument document, const std::string& paper) {
+void WriteCalendarJson(std::FILE* out, CalendarDocument document, const Paper& paper) {
   CalendarHeader header;
   if (!GetHeader(document, &header)) return;
   int year = CalendarYear(&header);
@@ -116,11 +116,9 @@ void WriteCalendarJson(std::FILE* out, CalendarDocument document, const std::str
     WriteRecord(out, MonthPageFields(), reinterpret_cast<const uint8_t*>(&page), year, month, "    ");
   }
   // Pages 0..11 the months, 13 the cover; below 150 ppi a picture may print blurry.
-  double width = 0, height = 0;
-  PaperInches(paper, &width, &height);
-  std::fprintf(out, "\n  ],\n  \"printResolution\": {\"paper\": \"%s\", \"pictures\": [", paper.c_str());
+  std::fprintf(out, "\n  ],\n  \"printResolution\": {\"paper\": \"%s\", \"pictures\": [", paper.name);
   const std::vector<PrintedPicture> printed =
-      PrintedPictures(document, width, height, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 13});
+      PrintedPictures(document, paper.widthInches, paper.heightInches, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 13});
   for (size_t i = 0; i < printed.size(); ++i)
     std::fprintf(out, "%s{\"page\": %d, \"ppi\": %d, \"mayPrintBlurry\": %s}", i ? ", " : "", printed[i].page,
                  printed[i].ppi, printed[i].ppi < kBlurryBelowPpi ? "true" : "false");

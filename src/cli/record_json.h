@@ -7,4 +7,5 @@
 
 #include "calendar/calendar_model.h"
 
-void WriteCalendarJson(std::FILE* out, CalendarDocument document, const std::string& paper = "a4");
+struct Paper;
+void WriteCalendarJson(std::FILE* out, CalendarDocument document, const Paper& paper);

@@ -15,7 +15,7 @@
 #include "calendar/calendar_dates.h"
 #include "calendar/calendar_file.h"
 #include "cli/locale_names.h"
-#include "cli/print_resolution.h"
+#include "render/picture_box.h"
 #include "cli/pdf_boxes.h"
 #include "cli/pdf_output_intent.h"
 #include "config/settings_file.h"
@@ -30,11 +30,6 @@ constexpr Colour kWindowColour = 0xF0F0F0;  // round the page in the screen view
 
 constexpr double kPointsPerMm = 72 / 25.4;
 
-struct PageSize {
-  const char* name;
-  double widthInches, heightInches;
-};
-const PageSize kPapers[] = {{"a4", 210 / 25.4, 297 / 25.4}, {"letter", 8.5, 11}};
 
 // Crop marks: hairlines on the lines of the trimmed page's edges, beginning
 // 2 mm outside the bleed so that none is printed on the bleed and a cut a
@@ -376,16 +371,13 @@ int Plan(const Arguments& args, RenderJob* job) {
     job->pointsPerPixelX = job->pointsPerPixelY = 72.0 / job->dpi;
     return -1;
   }
-  const std::string paper = args.Has("--paper") ? args.options.at("--paper") : "a4";
-  for (const PageSize& p : kPapers) {
-    if (paper != p.name) continue;
-    job->width = static_cast<int>(std::lround(p.widthInches * job->dpi));
-    job->height = static_cast<int>(std::lround(p.heightInches * job->dpi));
-    job->pointsPerPixelX = p.widthInches * 72 / job->width;
-    job->pointsPerPixelY = p.heightInches * 72 / job->height;
-    return -1;
-  }
-  return Usage("--paper takes a4 or letter");
+  const Paper* p = PaperOption(args);
+  if (!p) return 2;
+  const Rect page = PaperPage(*p, job->dpi);
+  job->width = page.right, job->height = page.bottom;
+  job->pointsPerPixelX = p->widthInches * 72 / job->width;
+  job->pointsPerPixelY = p->heightInches * 72 / job->height;
+  return -1;
 }
 
 }  // namespace

@@ -185,8 +185,11 @@ int SetCommand(const Arguments& args) {
   if (args.positional.empty()) return Usage("set needs FILE.CLN and FIELD=VALUE");
   const std::string path = args.positional[0];
   const std::vector<std::string> values(args.positional.begin() + 1, args.positional.end());
-  if (values.empty() && !args.Has("--picture") && !args.Has("--no-picture"))
-    return Usage("set needs a FIELD=VALUE, --picture or --no-picture");
+  if (values.empty() && !args.Has("--picture") && !args.Has("--no-picture") && !args.Has("--fill-box"))
+    return Usage("set needs a FIELD=VALUE, --picture, --no-picture or --fill-box");
+  FillBox fill;
+  const int fillStatus = FillBoxOption(args, &fill);
+  if (fillStatus >= 0) return fillStatus;
   if (args.Has("--picture") && args.Has("--no-picture")) return Usage("--picture and --no-picture exclude each other");
   SetApplicationPath(args);
   const CalendarLock lock(path);
@@ -222,6 +225,11 @@ int SetCommand(const Arguments& args) {
     status = 1;
   }
   if (picture) GlobalBlockFree(picture);
+  // The box is the one the page's new fields make.
+  if (status < 0 && !FillBoxes(document, pages, fill)) {
+    std::fprintf(stderr, "quernal-cli: %s\n", kMemoryFailedMessage);
+    status = 1;
+  }
   if (status < 0) status = Save(path, document);
   FreeCalendar(document);
   return status;

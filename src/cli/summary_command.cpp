@@ -10,7 +10,7 @@
 #include "calendar/calendar_model.h"
 #include "calendar/event_list.h"
 #include "cli/cli_common.h"
-#include "cli/print_resolution.h"
+#include "render/picture_box.h"
 
 namespace {
 
@@ -28,9 +28,8 @@ std::string Sharpness(const std::vector<PrintedPicture>& printed, int page) {
 // A few lines for people: the year, the page it opens on, pictures and events.
 int SummaryCommand(const Arguments& args) {
   if (args.positional.size() != 1) return Usage("summary needs one FILE.CLN");
-  double paperW, paperH;
-  const std::string paper = args.Has("--paper") ? args.options.at("--paper") : "a4";
-  if (!PaperInches(paper, &paperW, &paperH)) return Usage("--paper takes a4 or letter");
+  const Paper* paper = PaperOption(args);
+  if (!paper) return 2;
   SetApplicationPath(args);
   CalendarDocument document = Load(args.positional[0]);
   if (!document) return 1;
@@ -38,7 +37,7 @@ int SummaryCommand(const Arguments& args) {
   GetHeader(document, &header);
   int year = CalendarYear(&header);
   const std::vector<PrintedPicture> printed =
-      PrintedPictures(document, paperW, paperH, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 13});
+      PrintedPictures(document, paper->widthInches, paper->heightInches, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 13});
   std::printf("%s: a Quernal calendar for %d, opening on the page \"%s\"\n", args.positional[0].c_str(), year,
               PageName(header.CurrentPage));
   std::printf("  cover: %s%s\n", header.CoverPicture ? "with a picture" : "no picture", Sharpness(printed, 13).c_str());

@@ -1,6 +1,7 @@
 #include "editors/page_tabs.h"
 
 #include "calendar/records.h"
+#include "render/picture_box.h"
 #include "res/page_sheet_ids.h"
 
 namespace {
@@ -57,9 +58,12 @@ const FontButtonBinding kHeadFont[] = {{IDC_HEAD_FONT, IDC_HEAD_SAMPLE, FONT(Hea
 const FontButtonBinding kDateFont[] = {{IDC_DATE_FONT, IDC_DATE_SAMPLE, FONT(Date)}};
 const FontButtonBinding kDaysFont[] = {{IDC_DAYS_FONT, IDC_DAYS_SAMPLE, FONT(Days)}};
 const FontButtonBinding kCapFont[] = {{IDC_CAP_FONT, IDC_CAP_SAMPLE, FONT(Cap)}};
+bool MonthPictureOnPage(const Rect& page, const void* record, PagePicture* out) {
+  return MonthPagePicture(page, *static_cast<const MonthPage*>(record), out);
+}
 // The placement is the picture tab's fourth control.
-const PictureBinding kPictureBlock{offsetof(MonthPage, Picture), 3, false, IDC_PICTURE_PAINT,
-                                   offsetof(MonthPage, PageBackgroundColour)};
+const PictureBinding kPictureBlock{offsetof(MonthPage, Picture), 3,     false, IDC_PICTURE_PAINT,
+                                   offsetof(MonthPage, PageBackgroundColour), sizeof(MonthPage), MonthPictureOnPage};
 
 const ColourButtonBinding kHeadColours[] = {{IDC_HEAD_COLOUR, offsetof(MonthPage, HeadFontColour)},
                                             {IDC_HEAD_FRAME, offsetof(MonthPage, HeadFrameColour)},

@@ -3,6 +3,7 @@
 #include <shlobj.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -10,11 +11,14 @@
 #include "base/text.h"
 #include "config/settings.h"
 #include "editors/control_binding.h"
+#include "editors/crop_dialog_win32.h"
 #include "editors/dialog_controls_win32.h"
+#include "editors/picture_on_page.h"
 #include "pictures/page_picture_win32.h"
 #include "pictures/paint_round_trip_win32.h"
 #include "pictures/picture_open_dialog_win32.h"
 #include "pictures/resampler.h"
+#include "print/printer_win32.h"
 #include "render/primitives_win32.h"
 #include "res/string_ids.h"
 
@@ -54,6 +58,32 @@ void SelectPicture(HWND tab, void* record, const SheetTab& sheet) {
   ApplyPictureState(tab, record, sheet);
 }
 
+// The current printer's printable page and its pixels per inch; A4 at the
+// layout's resolution (and false) without a printer.
+bool PrinterPage(Rect* page, int* dpi) {
+  if (PrinterDC) {
+    *page = {0, 0, GetDeviceCaps(PrinterDC, HORZRES), GetDeviceCaps(PrinterDC, VERTRES)};
+    *dpi = GetDeviceCaps(PrinterDC, LOGPIXELSX);
+    if (page->right > 0 && page->bottom > 0 && *dpi > 0) return true;
+  }
+  *page = PaperPage(*FindPaper("a4"), kLayoutDpi);
+  *dpi = kLayoutDpi;
+  return false;
+}
+
+// "Crop...": the frame has the shape of the picture's box on the printer's
+// page, as the tab's controls lay it out now.
+void CropPicture(HWND tab, void* record, const SheetTab& sheet) {
+  BlockHandle* picture = PictureOf(record, sheet);
+  Rect page;
+  int dpi;
+  PrinterPage(&page, &dpi);
+  PagePicture laid;
+  if (!*picture || !TabPictureOnPage(sheet, record, Win32DialogControls(tab), page, &laid)) return;
+  if (CropPictureDialog(tab, picture, laid.box.right - laid.box.left, laid.box.bottom - laid.box.top))
+    ApplyPictureState(tab, record, sheet);
+}
+
 // "Paint": the picture through the paint program; the sheet takes no input
 // until the program ends.
 void PaintPicture(HWND tab, void* record, const SheetTab& sheet) {
@@ -67,6 +97,7 @@ void PaintPicture(HWND tab, void* record, const SheetTab& sheet) {
   GlobalBlockFree(*picture);
   *picture = edited;
   InvalidateRect(GetDlgItem(tab, kPictureSample), nullptr, TRUE);
+  ShowPrintNote(tab, record, sheet);
 }
 
 }  // namespace
@@ -77,7 +108,8 @@ void ApplyPictureState(HWND tab, const void* record, const SheetTab& sheet) {
   const bool picture = *PictureOf(const_cast<void*>(record), sheet) != 0;
   Enable(tab, kPictureShow, picture);
   if (picture && Checked(tab, kPictureShow)) {
-    for (int id : {kPictureSample, kPictureShadow, kPictureShowFrame, sheet.picture->paint}) Enable(tab, id, true);
+    for (int id : {kPictureSample, kPictureShadow, kPictureShowFrame, sheet.picture->paint, kPictureCrop})
+      Enable(tab, id, true);
     // Without a drop shadow, the external padding keeps whatever state it had.
     const bool shadow = Checked(tab, kPictureShadow);
     EnableNumber(tab, kPictureShadowOffset, shadow);
@@ -86,12 +118,48 @@ void ApplyPictureState(HWND tab, const void* record, const SheetTab& sheet) {
     Enable(tab, kPictureFrame, Checked(tab, kPictureShowFrame));
   } else {
     // Softness, the gutter and the placement keep their state.
-    for (int id : {kPictureShadow, kPictureShowFrame, kPictureSample, sheet.picture->paint, kPictureFrame})
+    for (int id : {kPictureShadow, kPictureShowFrame, kPictureSample, sheet.picture->paint, kPictureFrame, kPictureCrop})
       Enable(tab, id, false);
     EnableNumber(tab, kPictureShadowOffset, false);
     EnableNumber(tab, kPictureExterior, false);
   }
   InvalidateRect(GetDlgItem(tab, kPictureSample), nullptr, TRUE);
+  ShowPrintNote(tab, record, sheet);
+}
+
+void ShowPrintNote(HWND tab, const void* record, const SheetTab& sheet) {
+  HWND note = GetDlgItem(tab, kPicturePrint);
+  if (!note) return;
+  Rect page;
+  int dpi;
+  const bool printer = PrinterPage(&page, &dpi);
+  PagePicture picture;
+  char text[256] = "";
+  bool blurry = false;
+  if (*PictureOf(const_cast<void*>(record), sheet) &&
+      TabPictureOnPage(sheet, record, Win32DialogControls(tab), page, &picture)) {
+    const int ppi = PicturePpi(picture, dpi);
+    blurry = ppi < kBlurryBelowPpi;
+    std::snprintf(text, sizeof text, StringTableText(blurry ? IDS_PRINTS_BLURRY : IDS_PRINTS_AT).c_str(), ppi,
+                  printer ? "" : StringTableText(IDS_PRINTS_WITHOUT_PRINTER).c_str());
+  }
+  SetWindowTextA(note, text);
+  SetWindowLongPtrA(note, GWLP_USERDATA, blurry);
+  InvalidateRect(note, nullptr, TRUE);
+}
+
+void DrawPrintNote(const DRAWITEMSTRUCT* item) {
+  constexpr COLORREF kWarning = RGB(192, 0, 0);
+  char text[256] = "";
+  GetWindowTextA(item->hwndItem, text, sizeof text);
+  RECT r = item->rcItem;
+  FillRect(item->hDC, &r, GetSysColorBrush(COLOR_BTNFACE));
+  HGDIOBJ old = SelectObject(item->hDC, reinterpret_cast<HFONT>(SendMessageA(item->hwndItem, WM_GETFONT, 0, 0)));
+  SetBkMode(item->hDC, TRANSPARENT);
+  const bool blurry = GetWindowLongPtrA(item->hwndItem, GWLP_USERDATA) != 0;
+  SetTextColor(item->hDC, blurry ? kWarning : GetSysColor(COLOR_BTNTEXT));
+  DrawTextA(item->hDC, text, -1, &r, DT_LEFT | DT_WORDBREAK | DT_NOPREFIX);
+  SelectObject(item->hDC, old);
 }
 
 void DrawPicturePreview(const DRAWITEMSTRUCT* item, BlockHandle picture) {
@@ -130,6 +198,7 @@ void DrawPicturePreview(const DRAWITEMSTRUCT* item, BlockHandle picture) {
 
 bool PictureTabCommand(HWND tab, int command, void* record, const SheetTab& sheet) {
   if (command == kPictureSelect) return SelectPicture(tab, record, sheet), true;
+  if (command == kPictureCrop) return CropPicture(tab, record, sheet), true;
   if (command == sheet.picture->paint) return PaintPicture(tab, record, sheet), true;
   return false;
 }

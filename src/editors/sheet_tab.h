@@ -6,7 +6,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/geometry.h"
 #include "editors/control_binding.h"
+
+struct PagePicture;
 
 constexpr size_t kNoField = SIZE_MAX;
 
@@ -27,14 +30,17 @@ struct ColourButtonBinding {
 // index into the tab's controls), whether a picture chosen with
 // "Select..." ticks "Show picture" (and a failed one clears it), its
 // "Paint" button, and the colour field of the background its transparent
-// parts are laid over. The other picture controls have the same numbers on
-// every tab that has a picture.
+// parts are laid over; the record's size, and how the renderer lays the
+// record's picture out on a page. The other picture controls have the same
+// numbers on every tab that has a picture.
 struct PictureBinding {
   size_t picture;
   size_t placement;
   bool showChosen;
   int paint;
   size_t background;
+  size_t recordSize;
+  bool (*onPage)(const Rect& page, const void* record, PagePicture* out);
 };
 
 struct SheetTab {

@@ -82,6 +82,8 @@ bool DrawItem(PageContext* c, const DRAWITEMSTRUCT* item) {
     DrawColourSwatchButton(item, static_cast<COLORREF>(Int32At(c, b->colour)));
   } else if (IsGlyph(t, id)) {
     DrawPlacementGlyph(item, t.firstGlyph);
+  } else if (t.picture && id == kPicturePrint) {
+    DrawPrintNote(item);
   } else if (t.picture && id == kPictureSample) {
     DrawPicturePreview(item, *reinterpret_cast<const BlockHandle*>(Field(c, t.picture->picture)));
   } else {
@@ -111,7 +113,11 @@ bool SheetTabMessage(HWND tab, UINT message, WPARAM wParam, LPARAM lParam, PageC
       if (c->sheet->picture) ApplyPictureState(tab, c->record, *c->sheet);
       if (c->refresh) c->refresh(tab, c);
       return true;
-    case WM_COMMAND: return HIWORD(wParam) == BN_CLICKED && Clicked(tab, c, LOWORD(wParam));
+    case WM_COMMAND:
+      // The box, and so the resolution, follows the paddings as they are typed.
+      if (HIWORD(wParam) == EN_CHANGE && c->sheet->picture && MovesPictureBox(LOWORD(wParam)))
+        ShowPrintNote(tab, c->record, *c->sheet);
+      return HIWORD(wParam) == BN_CLICKED && Clicked(tab, c, LOWORD(wParam));
     case WM_DRAWITEM: return DrawItem(c, reinterpret_cast<const DRAWITEMSTRUCT*>(lParam));
     case WM_DESTROY:
       for (HFONT& font : c->samples) {

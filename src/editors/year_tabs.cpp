@@ -1,6 +1,7 @@
 #include "editors/year_tabs.h"
 
 #include "calendar/records.h"
+#include "render/picture_box.h"
 #include "res/year_sheet_ids.h"
 
 namespace {
@@ -53,7 +54,11 @@ const ColourButtonBinding kCoverColours[] = {{IDC_COVER_BACKGROUND, AT(CoverBack
                                              {IDC_COVER_FRAME, AT(CoverPictureFrameColour)},
                                              {IDC_COVER_TITLE_COLOUR, AT(CoverFontColour)}};
 // The placement is the cover tab's fourth control; a chosen picture is shown.
-const PictureBinding kCoverPicture{AT(CoverPicture), 3, true, IDC_COVER_PAINT, AT(CoverBackgroundColour)};
+bool CoverPictureOnPage(const Rect& page, const void* record, PagePicture* out) {
+  return CoverPagePicture(page, *static_cast<const CalendarHeader*>(record), out);
+}
+const PictureBinding kCoverPicture{AT(CoverPicture),        3, true, IDC_COVER_PAINT, AT(CoverBackgroundColour),
+                                   sizeof(CalendarHeader), CoverPictureOnPage};
 
 }  // namespace
 

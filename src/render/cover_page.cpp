@@ -6,6 +6,7 @@
 
 #include "render/page_parts.h"
 #include "render/page_renderer.h"
+#include "render/picture_box.h"
 #include "render/primitives.h"
 
 namespace {
@@ -16,17 +17,21 @@ Box CoverPictureBox(const Box& page, Length lowerTop, Length gutter) {
 }
 Length CoverGutter(const Box& page, const CalendarHeader& h) { return Percent(Height(page), h.CoverPictureGutter); }
 Length CoverLowerTop(const Box& page) { return page.top + Height(page) / 2; }
+Length CoverPad(const Box& page, const CalendarHeader& h) { return Percent(Width(page), h.CoverPictureExteriorPadding); }
+
+FramedPicture CoverPictureOf(const CalendarHeader& h) {
+  return {h.CoverPicture,           h.CoverPictureShowPicture != 0, h.CoverPicturePlacement,
+          h.CoverPictureDropShadow != 0, h.CoverPictureShadowOffset, 0,
+          h.CoverPictureShowFrame != 0,  h.CoverPictureFrameColour, h.CoverBackgroundColour,
+          h.CoverPictureBleed != 0};
+}
 
 // Draws the cover picture and returns the bottom its box was left with. The
 // cover's shadow is always a hard one.
 Length DrawCoverPicture(Canvas& c, const CalendarHeader& h, const Box& page, Length lowerTop, Length pad,
                         Length gutter, bool printing) {
   Box box = CoverPictureBox(page, lowerTop, gutter);
-  const FramedPicture picture{h.CoverPicture,           h.CoverPictureShowPicture != 0, h.CoverPicturePlacement,
-                              h.CoverPictureDropShadow != 0, h.CoverPictureShadowOffset, 0,
-                              h.CoverPictureShowFrame != 0,  h.CoverPictureFrameColour, h.CoverBackgroundColour,
-                              h.CoverPictureBleed != 0};
-  return DrawFramedPicture(c, &box, pad, picture, printing) ? box.bottom : page.bottom;
+  return DrawFramedPicture(c, &box, pad, CoverPictureOf(h), printing) ? box.bottom : page.bottom;
 }
 
 void DrawCoverTitle(Canvas& c, const CalendarHeader& h, const Box& page, Length lowerTop, Length gutter,
@@ -55,7 +60,7 @@ int DrawCoverPage(Canvas& canvas, const Rect& pageRect, CalendarDocument documen
   TerminateTexts(&h);
   if (!printing) DrawScreenFrame(canvas, pageRect);
   const Box page = ToBox(pageRect);
-  const Length pad = Percent(Width(page), h.CoverPictureExteriorPadding);
+  const Length pad = CoverPad(page, h);
   const Length gutter = CoverGutter(page, h);
   const Length titleH = Percent((Height(page) - 2 * pad) / 2, h.CoverFontSize);
   const Length titleShadow = Percent(titleH, h.CoverPictureShadowOffset);
@@ -99,4 +104,11 @@ void DrawCoverPictureBleed(Canvas& canvas, const Rect& pageRect, const CalendarH
     canvas.DrawPictureExtended(h.CoverPicture, Device(fit.width), Device(fit.height), true);
     canvas.RestoreState();
   }
+}
+
+Rect CoverPictureFitBox(const Rect& pageRect, const CalendarHeader& h) {
+  const Box page = ToBox(pageRect);
+  Length shadow;
+  return ToRect(FramedPictureFitBox(CoverPictureBox(page, CoverLowerTop(page), CoverGutter(page, h)), CoverPad(page, h),
+                                    CoverPictureOf(h), &shadow));
 }

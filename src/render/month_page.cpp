@@ -8,6 +8,7 @@
 #include "calendar/event_list.h"
 #include "render/page_parts.h"
 #include "render/page_renderer.h"
+#include "render/picture_box.h"
 #include "render/primitives.h"
 
 namespace {
@@ -50,15 +51,21 @@ MonthLayout Layout(const Rect& page, const MonthPage& p) {
   return l;
 }
 
+// The box the picture is framed in: it ends a margin short of the middle,
+// its bottom coming from the inner height alone, without the inner top.
+Box PictureOuterBox(const MonthLayout& l) {
+  return {l.inner.left, l.inner.top, l.inner.right, (Height(l.inner) - l.gutter) / 2};
+}
+
+FramedPicture PictureOf(const MonthPage& p) {
+  return {p.Picture,          p.PictureShowPicture != 0, p.PicturePlacement,  p.PictureDropShadow != 0,
+          p.PictureShadowOffset, p.PictureShadowSoftness, p.PictureShowFrame != 0, p.PictureFrameColour,
+          p.PageBackgroundColour, false};
+}
+
 void DrawPicture(Canvas& c, const MonthLayout& l, const MonthPage& p, bool printing) {
-  // The box ends a margin short of the middle: its bottom comes from the inner
-  // height alone, without the inner top.
-  Box box{l.inner.left, l.inner.top, l.inner.right, (Height(l.inner) - l.gutter) / 2};
-  DrawFramedPicture(c, &box, l.pictureInset,
-                    {p.Picture, p.PictureShowPicture != 0, p.PicturePlacement, p.PictureDropShadow != 0,
-                     p.PictureShadowOffset, p.PictureShadowSoftness, p.PictureShowFrame != 0, p.PictureFrameColour,
-                     p.PageBackgroundColour, false},
-                    printing);
+  Box box = PictureOuterBox(l);
+  DrawFramedPicture(c, &box, l.pictureInset, PictureOf(p), printing);
 }
 
 void DrawHeading(Canvas& c, const MonthLayout& l, const MonthPage& p, const std::string& title) {
@@ -227,4 +234,10 @@ int DrawCalendarPage(Canvas& canvas, const Rect& pageRect, CalendarDocument docu
   TerminateTexts(&header);
   TerminateTexts(&page);
   return DrawMonthPage(canvas, pageRect, header, page, pageIndex, printing, drawPictureHalf, drawCalendarHalf);
+}
+
+Rect MonthPictureFitBox(const Rect& pageRect, const MonthPage& page) {
+  const MonthLayout l = Layout(pageRect, page);
+  Length shadow;
+  return ToRect(FramedPictureFitBox(PictureOuterBox(l), l.pictureInset, PictureOf(page), &shadow));
 }

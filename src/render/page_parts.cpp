@@ -100,18 +100,22 @@ void DrawScreenFrame(Canvas& canvas, const Rect& pageRect) {
   canvas.FrameRect(Inflated(pageRect, 1, 1), canvas.ButtonShadowColour());
 }
 
+Box FramedPictureFitBox(const Box& box, Length pad, const FramedPicture& p, Length* shadow) {
+  *shadow = 0;
+  if (p.bleed) return box;
+  Box fit = Deflated(box, pad);
+  if (p.dropShadow) *shadow = Percent(std::min(Width(fit), Height(fit)), p.shadowOffset);
+  fit.right -= *shadow;
+  fit.bottom -= *shadow;
+  return fit;
+}
+
 bool DrawFramedPicture(Canvas& c, Box* box, Length pad, const FramedPicture& p, bool printing) {
   int32_t pictureW, pictureH;
   if (!p.show || !PictureSize(p.dib, &pictureW, &pictureH)) return false;
-  Length shadow = 0;
-  if (p.bleed) {
-    c.Clip(ToRect(*box));
-  } else {
-    *box = Deflated(*box, pad);
-    if (p.dropShadow) shadow = Percent(std::min(Width(*box), Height(*box)), p.shadowOffset);
-    box->right -= shadow;
-    box->bottom -= shadow;
-  }
+  Length shadow;
+  if (p.bleed) c.Clip(ToRect(*box));
+  *box = FramedPictureFitBox(*box, pad, p, &shadow);
   const PictureFit fit = FitPicture(*box, pictureW, pictureH, p.bleed);
   Length x, y;
   PlacePicture(*box, fit, p.placement, &x, &y);

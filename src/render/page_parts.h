@@ -63,6 +63,9 @@ struct FramedPicture {
   Colour background;  // the page's, which the shadow is mixed with
   bool bleed;         // covers its box, cropped, without padding, shadow or frame
 };
+// The box `picture` is fitted into (or, bleeding, covers) in `box`: padded
+// by `pad` and short of the shadow's offset, which `shadow` receives.
+Box FramedPictureFitBox(const Box& box, Length pad, const FramedPicture& picture, Length* shadow);
 // Draws `picture` in `*box`: padded by `pad` (or clipped to it when it
 // bleeds), room made for the shadow, fitted and placed, then the shadow, the
 // picture and the frame. *box receives the box the picture was placed in;

@@ -1,6 +1,7 @@
 // quernal-cli run as a user runs it: a process with arguments, its output
 // and its exit code.
 #pragma once
+#include <cairo.h>
 #include <sys/wait.h>
 
 #include <cstdio>
@@ -19,6 +20,25 @@ inline int RunCommand(const std::string& command, std::string* out = nullptr) {
   if (out) *out = text;
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
+
+// A PNG read once, its pixels as 0xRRGGBB.
+class Png {
+ public:
+  explicit Png(const std::string& path) : s_(cairo_image_surface_create_from_png(path.c_str())) {
+    EXPECT_EQ(cairo_surface_status(s_), CAIRO_STATUS_SUCCESS) << path;
+  }
+  ~Png() { cairo_surface_destroy(s_); }
+  int width() const { return cairo_image_surface_get_width(s_); }
+  int height() const { return cairo_image_surface_get_height(s_); }
+  uint32_t operator()(int x, int y) const {
+    if (x < 0 || y < 0 || x >= width() || y >= height()) return 0;
+    const uint8_t* row = cairo_image_surface_get_data(s_) + y * cairo_image_surface_get_stride(s_);
+    return reinterpret_cast<const uint32_t*>(row)[x] & 0xFFFFFF;
+  }
+
+ private:
+  cairo_surface_t* s_;
+};
 
 struct CliRun {
   int status;

@@ -51,7 +51,7 @@ TEST_F(CliTest, WrongArgumentsAreRefusedAndWriteNothing) {
       {"render --new --format gif" + png, 2}, {"render --new --page 14 --format png" + png, 2},
       {"render --new --page 1 --all --format png" + png, 2}, {"render a.CLN --new --format png" + png, 2},
       {"render a.CLN --year 2026 --format png" + png, 2}, {"render --new --width 700 --format png" + png, 2},
-      {"render --new --paper a3 --format png" + png, 2}, {"render --new --format png", 2},
+      {"render --new --paper a5 --format png" + png, 2}, {"render --new --format png", 2},
       {"render --new --bleed 3 --format png" + png, 2}, {"render --new --crop-marks --format png" + png, 2},
       {"render --new --screen --crop-marks --format pdf" + png, 2},
       {"render " + Q(dir_.File("absent.CLN")) + " --format png" + png, 1},

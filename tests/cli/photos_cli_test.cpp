@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "base/geometry.h"
 #include "bench/photo_jpeg.h"
 #include "cli/cli_run.h"
 
@@ -121,4 +122,79 @@ TEST_F(PhotosCliTest, SmallPicturesAreSaidToPrintBlurry) {
     EXPECT_EQ(render.err, "quernal-cli: warning: the picture of the page \"January\" prints at " + std::to_string(ppi) +
                               " ppi and may print blurry (150 ppi or more prints sharp)\n");
   }
+}
+
+// --fill-box crops a picture to the shape of the box its page shows it in on
+// the paper, so that it fills the box instead of being letterboxed.
+TEST_F(PhotosCliTest, FillBoxCropsPicturesToFillTheirBoxOnThePaper) {
+  const std::string wide = dir_.File("wide.png"), tall = dir_.File("tall.png"), cal = dir_.File("cal.CLN");
+  ASSERT_EQ(RunCommand("convert -size 1600x1200 gradient:red-blue " + Q(wide) + " && convert -size 900x1600 "
+                       "gradient:red-blue " + Q(tall)),
+            0);
+  ASSERT_EQ(Cli("new --pictures " + Q(wide) + " " + Q(tall) + " -o " + Q(cal)).status, 0);
+  // The month's box at 300 dpi from the default design (margin 2 %, gutter
+  // 2 %, padding 5 % of the inner width, shadow 5 % of the smaller side):
+  // A4 2480 x 3508: inner 49..2431 x 49..3459, box to (3410 - 68) / 2 = 1671,
+  // padded by 119 and less a shadow of 69: 168,168 to 2243,1483.
+  // Letter 2550 x 3300: inner 51..2499 x 51..3249, box to 1567, padded by
+  // 122, shadow 63: 173,173 to 2314,1382.
+  // The cropped heights are 1600 x 1315 / 2075 and 1600 x 1209 / 2141
+  // rounded; the fit's scales 1296 and 1337 thousandths draw them 2073 and
+  // 2139 pixels wide: 231 and 224 ppi.
+  const struct {
+    const char* paper;
+    Rect box;
+    const char* summary;
+  } papers[] = {{"a4", {168, 168, 2243, 1483}, "1600 x 1014 picture, prints at 231 ppi"},
+                {"letter", {173, 173, 2314, 1382}, "1600 x 904 picture, prints at 224 ppi"}};
+  // The page's background (white) inside the box, across its middle row and
+  // down its middle column.
+  const auto gaps = [&](const std::string& calendar, const char* paper, const Rect& box, int page, int* across,
+                        int* down) {
+    const std::string png = dir_.File("page.png");
+    ASSERT_EQ(Cli("render " + Q(calendar) + " --page " + std::to_string(page) + " --paper " + paper +
+                  " --format png -o " + Q(png)).status, 0);
+    const Png image(png);
+    *across = *down = 0;
+    for (int x = box.left; x < box.right; ++x) *across += image(x, (box.top + box.bottom) / 2) == 0xFFFFFF;
+    for (int y = box.top; y < box.bottom; ++y) *down += image((box.left + box.right) / 2, y) == 0xFFFFFF;
+  };
+  for (const auto& p : papers) {
+    int across, down;
+    gaps(cal, p.paper, p.box, 0, &across, &down);
+    EXPECT_GT(across, 200) << p.paper << ": letterboxed before (the shadow covers some)";
+    const std::string filled = dir_.File(std::string(p.paper) + ".CLN");
+    ASSERT_EQ(RunCommand("cp " + Q(cal) + " " + Q(filled)), 0);
+    const CliRun set = Cli("set " + Q(filled) + " --page 0 --fill-box --paper " + p.paper);
+    ASSERT_EQ(set.status, 0) << set.err;
+    EXPECT_TRUE(Has(Cli("summary " + Q(filled) + " --paper " + p.paper).out, p.summary)) << p.paper;
+    // What the fit's scale in whole thousandths leaves: under a thousandth
+    // of the 1600 pixels, plus one.
+    gaps(filled, p.paper, p.box, 0, &across, &down);
+    EXPECT_LE(across, 2) << p.paper;
+    EXPECT_LE(down, 2) << p.paper;
+  }
+  // The focus chooses the part kept: the top or the bottom of the portrait
+  // picture, red or blue.
+  const Rect a4 = papers[0].box;
+  for (const char* focus : {"50,0", "50,100"}) {
+    const std::string filled = dir_.File("focus.CLN"), png = dir_.File("focus.png");
+    ASSERT_EQ(RunCommand("cp " + Q(cal) + " " + Q(filled)), 0);
+    ASSERT_EQ(Cli("set " + Q(filled) + " --page 1 --fill-box --focus " + focus).status, 0);
+    EXPECT_TRUE(Has(Cli("info " + Q(filled)).out, Size(900, 570))) << "900 x 1315 / 2075";
+    ASSERT_EQ(Cli("render " + Q(filled) + " --page 1 --format png -o " + Q(png)).status, 0);
+    const uint32_t top = Png(png)((a4.left + a4.right) / 2, a4.top + 3);
+    const bool red = (top >> 16) > (top & 0xFF);
+    EXPECT_EQ(red, focus == std::string("50,0")) << focus << std::hex << " " << top;
+  }
+  EXPECT_EQ(Cli("set " + Q(cal) + " --page 1 --fill-box --focus 50").status, 2);
+  // new --fill-box fills every box, the cover's too: 2480 wide less a pad
+  // of 124 on each side and a shadow of 71, the gutter 70 below the middle
+  // 1754 and the pad from the page's bottom 3508: 2161 x 1365.
+  ASSERT_EQ(Cli("new --fill-box --pictures " + Q(wide) + " " + Q(tall) + " --cover-picture " + Q(wide) + " -o " + Q(cal))
+                .status, 0);
+  const std::string info = Cli("info " + Q(cal)).out;
+  EXPECT_EQ(Count(info, Size(1600, 1014)), 1);
+  EXPECT_EQ(Count(info, Size(900, 570)), 1);
+  EXPECT_TRUE(Has(info, "\"CoverPicture\": {\"width\": 1600, \"height\": 1011,")) << info.substr(0, 400);
 }

@@ -1,5 +1,4 @@
 // quernal-cli render as a user runs it.
-#include <cairo.h>
 #include <sys/stat.h>
 
 #include <cmath>
@@ -19,25 +18,6 @@ class RenderCliTest : public CliTest {
  protected:
   // The exit code, with stdout and stderr together in *out.
   int Cli(const std::string& args, std::string* out = nullptr) { return RunCommand(QUERNAL_CLI " " + args, out); }
-};
-
-// A PNG read once, its pixels as 0xRRGGBB.
-class Png {
- public:
-  explicit Png(const std::string& path) : s_(cairo_image_surface_create_from_png(path.c_str())) {
-    EXPECT_EQ(cairo_surface_status(s_), CAIRO_STATUS_SUCCESS) << path;
-  }
-  ~Png() { cairo_surface_destroy(s_); }
-  int width() const { return cairo_image_surface_get_width(s_); }
-  int height() const { return cairo_image_surface_get_height(s_); }
-  uint32_t operator()(int x, int y) const {
-    if (x < 0 || y < 0 || x >= width() || y >= height()) return 0;
-    const uint8_t* row = cairo_image_surface_get_data(s_) + y * cairo_image_surface_get_stride(s_);
-    return reinterpret_cast<const uint32_t*>(row)[x] & 0xFFFFFF;
-  }
-
- private:
-  cairo_surface_t* s_;
 };
 
 // The colour of one pixel of a PNG, as 0xRRGGBB.

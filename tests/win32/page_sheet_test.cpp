@@ -6,6 +6,8 @@
 #include <dlgs.h>
 #include <prsht.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -19,9 +21,12 @@
 #include "editors/page_sheet_win32.h"
 #include "editors/picture_tab_win32.h"
 #include "pictures/image_files.h"
+#include "pictures/picture_reduce.h"
+#include "print/printer_win32.h"
 #include "res/colour_dialog_ids.h"
 #include "res/editor_dialog_ids.h"
 #include "res/page_sheet_ids.h"
+#include "res/picture_dialog_ids.h"
 #include "res/string_ids.h"
 #include "test_support.h"
 
@@ -349,4 +354,142 @@ TEST(PicturePreview, FitsCentresAndFrames) {
     DeleteObject(target);
     GlobalBlockFree(dib);
   }
+}
+
+namespace {
+
+// The crop dialog's picture area, and where a point of the picture shows
+// in it: the picture as large as fits, centred.
+HWND CropArea(HWND dialog) { return GetDlgItem(dialog, IDC_CROP_AREA); }
+POINT OnScreen(HWND dialog, int x, int y) {
+  RECT r;
+  GetClientRect(CropArea(dialog), &r);
+  const int f = std::min(r.right * 1000 / 400, r.bottom * 1000 / 300);
+  return {(r.right - 400 * f / 1000) / 2 + x * f / 1000, (r.bottom - 300 * f / 1000) / 2 + y * f / 1000};
+}
+void Drag(HWND dialog, POINT from, int dx, int dy) {
+  HWND area = CropArea(dialog);
+  SendMessageA(area, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(from.x, from.y));
+  SendMessageA(area, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(from.x + dx / 2, from.y + dy / 2));
+  SendMessageA(area, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(from.x + dx, from.y + dy));
+  SendMessageA(area, WM_LBUTTONUP, 0, MAKELPARAM(from.x + dx, from.y + dy));
+}
+void Key(HWND dialog, WPARAM key, bool shift) {
+  BYTE keys[256];
+  GetKeyboardState(keys);
+  keys[VK_SHIFT] = shift ? 0x80 : 0;
+  SetKeyboardState(keys);
+  SendMessageA(CropArea(dialog), WM_KEYDOWN, key, 0);
+  keys[VK_SHIFT] = 0;
+  SetKeyboardState(keys);
+}
+// How many pixels of the print note are drawn in the warning colour.
+int WarningPixels(HWND tab) {
+  HWND note = GetDlgItem(tab, IDC_PICTURE_PRINT);
+  RECT r;
+  GetClientRect(note, &r);
+  HDC screen = GetDC(nullptr), dc = CreateCompatibleDC(screen);
+  HBITMAP bitmap = CreateCompatibleBitmap(screen, r.right, r.bottom);
+  HGDIOBJ old = SelectObject(dc, bitmap);
+  DRAWITEMSTRUCT item{ODT_STATIC, IDC_PICTURE_PRINT, 0, ODA_DRAWENTIRE, 0, note, dc, r, 0};
+  SendMessageA(tab, WM_DRAWITEM, IDC_PICTURE_PRINT, reinterpret_cast<LPARAM>(&item));
+  int warning = 0;
+  for (int y = 0; y < r.bottom; ++y)
+    for (int x = 0; x < r.right; ++x) warning += GetPixel(dc, x, y) == RGB(192, 0, 0);
+  SelectObject(dc, old);
+  DeleteObject(bitmap);
+  DeleteDC(dc);
+  ReleaseDC(nullptr, screen);
+  return warning;
+}
+
+}  // namespace
+
+// The Picture tab says how sharp the picture prints on the printer's page
+// (A4 without one), and "Crop..." crops it to the shape of its box there:
+// the frame dragged and keyed, Cancel, Whole box and OK.
+TEST_F(PageSheetTest, ThePictureCropsToItsBoxAndSaysHowSharpItPrints) {
+  if (page_.Picture) GlobalBlockFree(page_.Picture);
+  page_.Picture = MakePatternDib(400, 300, 24, 7);
+  page_.LastPropertyPage = 3;
+  page_.PictureShowPicture = page_.PictureDropShadow = 1;
+  page_.PageMargin = page_.Gutter = 2;
+  page_.PictureExteriorPadding = page_.PictureShadowOffset = 5;
+  const std::vector<uint8_t> original = BlockBytes(page_.Picture);
+  const HDC printer = PrinterDC;
+  PrinterDC = nullptr;
+  // A4 at 300 dpi, 2480 x 3508: the box 168,168 to 2243,1483 (2075 x 1315).
+  // 400 x 300 fits at 4383 thousandths, 1753 pixels across: 68 ppi. With a
+  // padding of 25 % the box is 1171 x 411 and the scale 1370: 548 across,
+  // 218 ppi.
+  std::string notes[3];
+  int warnings[2];
+  DialogDriver driver;
+  driver.Then("Page", [&](HWND sheet) {
+    HWND tab = CurrentTab(sheet);
+    notes[0] = ItemText(tab, IDC_PICTURE_PRINT);
+    warnings[0] = WarningPixels(tab);
+    SetDlgItemTextA(tab, IDC_PICTURE_EXTERIOR, "25");
+    notes[1] = ItemText(tab, IDC_PICTURE_PRINT);
+    warnings[1] = WarningPixels(tab);
+    SetDlgItemTextA(tab, IDC_PICTURE_EXTERIOR, "5");
+    Press(tab, IDC_PICTURE_CROP);
+  });
+  // The frame starts as the whole box, centred: 400 x 1315 / 2075 rounded.
+  std::string kept[3];
+  driver.Then("Crop Picture", [&](HWND dialog) {
+    kept[0] = ItemText(dialog, IDC_CROP_KEEPS);
+    Drag(dialog, OnScreen(dialog, 200, 150), 0, 40);
+    Press(dialog, IDCANCEL);
+  });
+  driver.Then("Page", [&](HWND sheet) { Press(CurrentTab(sheet), IDC_PICTURE_CROP); });
+  driver.Then("Crop Picture", [&](HWND dialog) {
+    // Shift+left twice makes it 16 pixels narrower; the bottom right corner
+    // dragged in, narrower still; Whole box makes it whole again.
+    Key(dialog, VK_LEFT, true);
+    Key(dialog, VK_LEFT, true);
+    kept[1] = ItemText(dialog, IDC_CROP_KEEPS);
+    Drag(dialog, OnScreen(dialog, 392, 271), -60, 0);
+    kept[2] = ItemText(dialog, IDC_CROP_KEEPS);
+    Press(dialog, IDC_CROP_WHOLE);
+  });
+  driver.Then("Crop Picture", [&](HWND dialog) {
+    // Dragged down as far as it goes (its top at 300 - 253 = 47), then the
+    // up arrow: a hundredth of 400 higher, 43.
+    Drag(dialog, OnScreen(dialog, 200, 150), 0, 400);
+    Key(dialog, VK_UP, false);
+    Press(dialog, IDOK);
+  });
+  driver.Then("Page", [&](HWND sheet) {
+    notes[2] = ItemText(CurrentTab(sheet), IDC_PICTURE_PRINT);
+    Press(sheet, IDOK);
+  });
+  ASSERT_TRUE(EditPageProperties(nullptr, &page_));
+  EXPECT_TRUE(driver.Finished());
+  PrinterDC = printer;
+  const std::string a4 = StringTableText(IDS_PRINTS_WITHOUT_PRINTER);
+  EXPECT_EQ(notes[0], "Prints at 68 ppi" + a4 + ": may print blurry");
+  EXPECT_GT(warnings[0], 20);
+  EXPECT_EQ(notes[1], "Prints at 218 ppi" + a4);
+  EXPECT_EQ(warnings[1], 0);
+  EXPECT_EQ(kept[0], "Keeps 400 x 253 of 400 x 300 pixels");
+  EXPECT_EQ(kept[1], "Keeps 384 x 243 of 400 x 300 pixels");
+  int width = 0, height = 0;
+  EXPECT_EQ(std::sscanf(kept[2].c_str(), "Keeps %d x %d", &width, &height), 2) << kept[2];
+  EXPECT_LT(width, 384);
+  EXPECT_EQ(height, (width * 1315 * 2 + 2075) / (2 * 2075)) << "the box's shape";
+  // Filling the box: 2075 / 400 and 1315 / 253 thousandths, the smaller
+  // 5187, 2074 pixels across: 57 ppi.
+  EXPECT_EQ(notes[2], "Prints at 57 ppi" + a4 + ": may print blurry");
+  // The crop is rows 43 to 295 of the picture, whole across.
+  ASSERT_EQ(BlockBytes(page_.Picture).size(), 40u + 1200u * 253);
+  BlockLock cropped(page_.Picture);
+  for (int row = 0; row < 253; ++row) {
+    uint8_t from[1200], to[1200];
+    DibRowBgr(original.data(), 43 + row, from);
+    DibRowBgr(cropped.bytes(), row, to);
+    ASSERT_EQ(std::memcmp(from, to, sizeof to), 0) << row;
+  }
+  ASSERT_TRUE(PutMonthPage(document_, 3, &page_));
+  AllowBlocksLeftBehind(2);  // the working copy's picture and event list stay allocated after OK
 }

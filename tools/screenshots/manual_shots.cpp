@@ -16,6 +16,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include "e2e/e2e_support.h"
 #include "res/calendar_dialog_ids.h"
@@ -95,6 +96,29 @@ void PageSheet(const Quernal& quernal, const char* picture) {
   Close(colour);
 
   ShowTab(sheet, 3);
+  Press(CurrentTab(sheet), IDC_PICTURE_CROP);
+  HWND crop = quernal.Wait("Crop Picture");
+  if (crop) {
+    // The frame made smaller with Shift and the left arrow, as a user does,
+    // so that the part cropped away shows.
+    SetForegroundWindow(crop);
+    std::vector<INPUT> keys;
+    const auto key = [&](WORD vk, bool up) {
+      INPUT in{};
+      in.type = INPUT_KEYBOARD;
+      in.ki.wVk = vk;
+      in.ki.dwFlags = up ? KEYEVENTF_KEYUP : 0;
+      keys.push_back(in);
+    };
+    key(VK_SHIFT, false);
+    for (int i = 0; i < 8; ++i) key(VK_LEFT, false), key(VK_LEFT, true);
+    key(VK_SHIFT, true);
+    key(VK_DOWN, false), key(VK_DOWN, true);
+    SendInput(static_cast<UINT>(keys.size()), keys.data(), sizeof(INPUT));
+    Sleep(500);
+  }
+  Shot("crop", crop);
+  Close(crop);
   Press(CurrentTab(sheet), IDC_PICTURE_SELECT);
   HWND open = quernal.Wait("Open");
   if (open) SelectFirstFile(open);
