@@ -7,7 +7,7 @@
 #include "base/program_win32.h"
 #include "editors/picture_tab_win32.h"
 #include "pictures/picture_crop.h"
-#include "pictures/picture_reduce.h"
+#include "pictures/resampler.h"
 #include "res/picture_dialog_ids.h"
 #include "res/string_ids.h"
 
@@ -203,7 +203,7 @@ INT_PTR CALLBACK CropProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lPara
     // a copy of the area's size.
     const Mapping m = MappingOf(area, s->shape);
     const int64_t w = ToScreen(s->shape.pictureW, m.scale), h = ToScreen(s->shape.pictureH, m.scale);
-    if (m.scale < 1000 && w > 0 && h > 0) s->shown = DibReduced(s->picture, static_cast<int32_t>(w), static_cast<int32_t>(h));
+    if (m.scale < 1000 && w > 0 && h > 0) s->shown = ResampleDib(s->picture, static_cast<int32_t>(w), static_cast<int32_t>(h));
     SetFrame(area, s, FrameAtFocus(s->shape, 50, 50));
     SetFocus(area);
     return FALSE;  // the focus is set

@@ -5,7 +5,7 @@
 
 #include "base/dib.h"
 #include "pictures/picture_crop.h"
-#include "pictures/picture_reduce.h"
+#include "pictures/resampler.h"
 #include "test_support.h"
 
 static bool operator==(const CropFrame& a, const CropFrame& b) {
