@@ -21,7 +21,7 @@
 #include "editors/page_sheet_win32.h"
 #include "editors/picture_tab_win32.h"
 #include "pictures/image_files.h"
-#include "pictures/picture_reduce.h"
+#include "pictures/resampler.h"
 #include "print/printer_win32.h"
 #include "res/colour_dialog_ids.h"
 #include "res/editor_dialog_ids.h"
