@@ -5,6 +5,12 @@
 #include <cstring>
 #include <cstddef>
 #include <new>
+#include <system_error>
+#include <thread>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 #include "base/dib.h"
 
@@ -74,7 +80,9 @@ double CatmullRom(double x) {
 // still beats by a few levels at some scales; the spline's response to such
 // patterns stays below a level at every scale. Enlarging, Catmull-Rom at the
 // pixel centres, equal sizes giving the picture as it is. Beyond the picture
-// its edge pixels repeat.
+// its edge pixels repeat. The weights are kept in 14 bits, each the step
+// between rounded running totals, so they add up to exactly 1 and any run of
+// them is within half a step of its exact sum.
 ResampleAxis MakeResampleAxis(int32_t from, int32_t to, int32_t begin, int32_t end) {
   ResampleAxis a;
   if (from < 1 || to < 1 || begin >= end) return a;
@@ -100,7 +108,14 @@ ResampleAxis MakeResampleAxis(int32_t from, int32_t to, int32_t begin, int32_t e
     a.first.push_back(static_cast<int32_t>(first));
     a.count.push_back(static_cast<int32_t>(w.size()));
     a.at.push_back(a.weights.size());
-    for (double v : w) a.weights.push_back(static_cast<float>(v / sum));
+    double total = 0;
+    long before = 0;
+    for (double v : w) {
+      total += v / sum;
+      const long upTo = std::lround(total * (1 << ResampleAxis::kWeightBits));
+      a.weights.push_back(static_cast<int16_t>(upTo - before));
+      before = upTo;
+    }
     a.sourceBegin = std::min(a.sourceBegin, static_cast<int32_t>(first));
     a.sourceEnd = std::max(a.sourceEnd, static_cast<int32_t>(last + 1));
   }
@@ -108,10 +123,12 @@ ResampleAxis MakeResampleAxis(int32_t from, int32_t to, int32_t begin, int32_t e
 }
 
 // Rows are summed vertically first, at the source's width, into the pending
-// new rows each source row falls in (at most four when reducing); a new row
-// whose last source row has come is then resampled across and sent out. A
-// colour pixel is summed as four floats, which the compiler keeps in one
-// vector register.
+// new rows each source row falls in (at most four when reducing), two source
+// rows at once; a new row whose last source row has come is then resampled
+// across and sent out. Sums are whole numbers (bytes times 14-bit weights in
+// 32 bits, then 16-bit values with 6 bits of fraction times 14-bit weights),
+// so they come out the same in any order, for any part and on any machine;
+// where SSE2 is there, two products are taken at once (pmaddwd).
 Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, const Rect& part, int channels,
                      int step, RowSink sink)
     : part_(part), channels_(channels), step_(step), sink_(std::move(sink)) {
@@ -127,12 +144,21 @@ Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, con
       while (rows_.first[k] + rows_.count[k] <= rows_.first[j]) ++k;
       pending_ = std::max(pending_, static_cast<int32_t>(j - k + 1));
     }
-    const size_t lanes = channels == 3 ? 4 : 1;
-    const size_t span = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin) * lanes;
+    const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin);
+    const size_t span = pixels * channels;
     if (static_cast<uint64_t>(pending_) * span > (uint64_t(1) << 28)) return;  // a gigabyte of sums
-    sums_.assign(static_cast<size_t>(pending_) * span, 0.0f);
-    row_.resize(span);
-    out_.resize(static_cast<size_t>(Width(part)) * channels);
+    sums_.assign(static_cast<size_t>(pending_) * span, 0);
+    held_.resize(2 * span);
+    // Room for reading a pair of pixels as eight values past the last.
+    across_.assign(span + 3 * channels + 8, 0);
+    for (size_t i = 0; i < columns_.count.size(); ++i)
+      for (int32_t k = 0; k < columns_.count[i]; k += 2) {
+        const int16_t* w = columns_.weights.data() + columns_.at[i] + k;
+        const int16_t second = k + 1 < columns_.count[i] ? w[1] : 0;
+        columnPairs_.push_back(static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint16_t>(w[0])) |
+                                                    static_cast<uint32_t>(static_cast<uint16_t>(second)) << 16));
+      }
+    out_.resize(static_cast<size_t>(Width(part)) * channels + 1);
   } catch (const std::bad_alloc&) {
     return;
   }
@@ -141,65 +167,117 @@ Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, con
 
 namespace {
 
-// Four floats in one vector register (blue, green, red and a spare), read
-// and written at any alignment.
-typedef float Lanes __attribute__((vector_size(16)));
-typedef Lanes AnyLanes __attribute__((aligned(4)));
+// s[i] += wa a[i] + wb b[i].
+void AddRowPair(int32_t* __restrict s, const uint8_t* a, const uint8_t* b, int16_t wa, int16_t wb, size_t n) {
+  size_t i = 0;
+#ifdef __SSE2__
+  const __m128i w = _mm_set1_epi32(static_cast<int32_t>(static_cast<uint16_t>(wa) | static_cast<uint32_t>(static_cast<uint16_t>(wb)) << 16));
+  const __m128i zero = _mm_setzero_si128();
+  for (; i + 16 <= n; i += 16) {
+    const __m128i va = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a + i));
+    const __m128i vb = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + i));
+    const __m128i lo = _mm_unpacklo_epi8(va, vb), hi = _mm_unpackhi_epi8(va, vb);  // a0 b0 a1 b1 ...
+    const __m128i pairs[4] = {_mm_unpacklo_epi8(lo, zero), _mm_unpackhi_epi8(lo, zero), _mm_unpacklo_epi8(hi, zero),
+                              _mm_unpackhi_epi8(hi, zero)};
+    __m128i* to = reinterpret_cast<__m128i*>(s + i);
+    for (int k = 0; k < 4; ++k)
+      _mm_storeu_si128(to + k, _mm_add_epi32(_mm_loadu_si128(to + k), _mm_madd_epi16(pairs[k], w)));
+  }
+#endif
+  for (; i < n; ++i) s[i] += wa * a[i] + wb * b[i];
+}
 
-uint8_t Byte(float v) { return static_cast<uint8_t>(v >= 254.5f ? 255 : v <= 0.0f ? 0 : v + 0.5f); }
+// A row of sums (bytes times 1 << 14) as 16-bit values with 6 bits of fraction.
+void Narrow(const int32_t* s, int16_t* t, size_t n) {
+  size_t i = 0;
+#ifdef __SSE2__
+  const __m128i half = _mm_set1_epi32(128);
+  for (; i + 8 <= n; i += 8) {
+    const __m128i lo = _mm_srai_epi32(_mm_add_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i)), half), 8);
+    const __m128i hi = _mm_srai_epi32(_mm_add_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i + 4)), half), 8);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(t + i), _mm_packs_epi32(lo, hi));
+  }
+#endif
+  for (; i < n; ++i) t[i] = static_cast<int16_t>(std::clamp((s[i] + 128) >> 8, -32768, 32767));
+}
+
+// A sum of 16-bit values with 6 bits of fraction times 14-bit weights as a byte.
+uint8_t Byte(int32_t v) { return static_cast<uint8_t>(std::clamp((v + (1 << 19)) >> 20, 0, 255)); }
 
 }  // namespace
+
+int16_t Resampler::RowWeight(int32_t j, int32_t y) const {
+  const int32_t d = y - rows_.first[j];
+  return d >= 0 && d < rows_.count[j] ? rows_.weights[rows_.at[j] + static_cast<size_t>(d)] : 0;
+}
 
 void Resampler::AddRow(int32_t y, const uint8_t* row) {
   if (!ok_ || y < rows_.sourceBegin || y >= rows_.sourceEnd) return;
   const int32_t n = static_cast<int32_t>(rows_.first.size());
-  const size_t lanes = channels_ == 3 ? 4 : 1;
-  const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin), span = pixels * lanes;
+  const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin), span = pixels * channels_;
   for (; entered_ < n && rows_.first[entered_] <= y; ++entered_)
-    std::fill_n(sums_.begin() + static_cast<ptrdiff_t>(span * (entered_ % pending_)), span, 0.0f);
-  // The row as floats once, then added into each new row it falls in.
+    std::fill_n(sums_.begin() + static_cast<ptrdiff_t>(span * (entered_ % pending_)), span, 0);
+  // The row's bytes are kept until a second comes, or a new row ends with it.
   const uint8_t* src = row + static_cast<size_t>(columns_.sourceBegin) * step_;
-  float* f = row_.data();
-  if (channels_ == 1) {
-    for (size_t x = 0; x < pixels; ++x) f[x] = src[x * step_];
+  uint8_t* keep = held_.data() + span * heldCount_;
+  if (step_ == channels_) {
+    std::memcpy(keep, src, span);
   } else {
-    for (size_t x = 0; x < pixels; ++x, src += step_, f += 4) f[0] = src[0], f[1] = src[1], f[2] = src[2], f[3] = 0;
+    for (size_t x = 0; x < pixels; ++x, src += step_, keep += channels_) std::memcpy(keep, src, channels_);
   }
-  for (int32_t j = next_; j < entered_; ++j) {
-    if (y >= rows_.first[j] + rows_.count[j]) continue;
-    const float w = rows_.weights[rows_.at[j] + static_cast<size_t>(y - rows_.first[j])];
-    float* s = sums_.data() + span * static_cast<size_t>(j % pending_);
-    if (channels_ == 1) {
-      for (size_t x = 0; x < pixels; ++x) s[x] += w * row_[x];
-    } else {
-      AnyLanes* __restrict to = reinterpret_cast<AnyLanes*>(s);
-      const AnyLanes* from = reinterpret_cast<const AnyLanes*>(row_.data());
-      for (size_t x = 0; x < pixels; ++x) to[x] += w * from[x];
-    }
-  }
-  while (next_ < entered_ && rows_.first[next_] + rows_.count[next_] - 1 <= y) {
+  heldY_[heldCount_++] = y;
+  const auto ends = [&](int32_t j) { return rows_.first[j] + rows_.count[j] - 1 <= y; };
+  if (heldCount_ == 2 || (next_ < entered_ && ends(next_))) AddHeldRows();
+  while (next_ < entered_ && ends(next_)) {
     Emit(sums_.data() + span * static_cast<size_t>(next_ % pending_));
     ++next_;
   }
 }
 
-void Resampler::Emit(float* sums) {
+void Resampler::AddHeldRows() {
+  const size_t span = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin) * channels_;
+  const uint8_t* a = held_.data();
+  const uint8_t* b = heldCount_ == 2 ? a + span : a;
+  for (int32_t j = next_; j < entered_; ++j) {
+    const int16_t wa = RowWeight(j, heldY_[0]), wb = heldCount_ == 2 ? RowWeight(j, heldY_[1]) : 0;
+    if (wa != 0 || wb != 0) AddRowPair(sums_.data() + span * static_cast<size_t>(j % pending_), a, b, wa, wb, span);
+  }
+  heldCount_ = 0;
+}
+
+void Resampler::Emit(const int32_t* sums) {
   const int32_t width = Width(part_);
+  Narrow(sums, across_.data(), static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin) * channels_);
   uint8_t* out = out_.data();
+  const int32_t* pair = columnPairs_.data();
   for (int32_t i = 0; i < width; ++i) {
-    const float* w = columns_.weights.data() + columns_.at[i];
+    const int16_t* w = columns_.weights.data() + columns_.at[i];
     const int32_t count = columns_.count[i];
+    const int16_t* t = across_.data() + static_cast<size_t>(columns_.first[i] - columns_.sourceBegin) * channels_;
     if (channels_ == 1) {
-      const float* s = sums + (columns_.first[i] - columns_.sourceBegin);
-      float v = 0;
-      for (int32_t k = 0; k < count; ++k) v += w[k] * s[k];
+      int32_t v = 0;
+      for (int32_t k = 0; k < count; ++k) v += w[k] * t[k];
       *out++ = Byte(v);
       continue;
     }
-    const AnyLanes* s = reinterpret_cast<const AnyLanes*>(sums) + (columns_.first[i] - columns_.sourceBegin);
-    Lanes v = {0, 0, 0, 0};
-    for (int32_t k = 0; k < count; ++k) v += w[k] * s[k];
+#ifdef __SSE2__
+    // Two pixels' blue, green and red paired up (b0 b1 g0 g1 r0 r1 and two
+    // left over) and multiplied by their two weights at once.
+    __m128i v = _mm_setzero_si128();
+    for (int32_t k = 0; k < count; k += 2, ++pair, t += 6) {
+      const __m128i both = _mm_loadu_si128(reinterpret_cast<const __m128i*>(t));
+      v = _mm_add_epi32(v, _mm_madd_epi16(_mm_unpacklo_epi16(both, _mm_srli_si128(both, 6)), _mm_set1_epi32(*pair)));
+    }
+    v = _mm_srai_epi32(_mm_add_epi32(v, _mm_set1_epi32(1 << 19)), 20);
+    v = _mm_packs_epi32(v, v);
+    const int32_t bytes = _mm_cvtsi128_si32(_mm_packus_epi16(v, v));
+    std::memcpy(out, &bytes, 4);  // the fourth is overwritten by the next pixel or spare
+#else
+    int32_t v[3] = {0, 0, 0};
+    for (int32_t k = 0; k < count; ++k, t += 3)
+      for (int c = 0; c < 3; ++c) v[c] += w[k] * t[c];
     out[0] = Byte(v[0]), out[1] = Byte(v[1]), out[2] = Byte(v[2]);
+#endif
     out += 3;
   }
   sink_(part_.top + next_, out_.data());
@@ -218,11 +296,13 @@ bool IsGreyDib(const uint8_t* dib) {
 
 }  // namespace
 
-bool ResampleDibRows(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect& part, bool keepGrey,
-                     const Resampler::RowSink& sink) {
+namespace {
+
+// The rows of `part` made by one resampler reading the Dib's rows where they are.
+bool ResampleBand(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect& part, bool grey,
+                  const Resampler::RowSink& sink) {
   const auto& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
   const int32_t rows = h.biHeight < 0 ? -h.biHeight : h.biHeight;
-  const bool grey = keepGrey && IsGreyDib(dib);
   // 24-bit, 32-bit and grey rows are read where they are; others are
   // converted a row at a time.
   const bool direct = grey || h.biBitCount == 24 || h.biBitCount == 32;
@@ -245,6 +325,32 @@ bool ResampleDibRows(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect&
     }
   }
   return resampler.Done();
+}
+
+}  // namespace
+
+// A large part is made in two bands of rows, the lower one on a second
+// thread; every new pixel is the same whichever band makes it.
+bool ResampleDibRows(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect& part, bool keepGrey,
+                     const Resampler::RowSink& sink) {
+  const bool grey = keepGrey && IsGreyDib(dib);
+  const auto& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
+  const uint64_t read = static_cast<uint64_t>(h.biWidth) * static_cast<uint64_t>(h.biHeight < 0 ? -h.biHeight : h.biHeight);
+  if (Height(part) < 64 || Width(part) < 1 || static_cast<uint64_t>(Width(part)) * Height(part) + read < (1 << 20) ||
+      std::thread::hardware_concurrency() < 2)
+    return ResampleBand(dib, dstW, dstH, part, grey, sink);
+  Rect upper = part, lower = part;
+  upper.bottom = lower.top = part.top + Height(part) / 2;
+  bool lowerMade = false;
+  std::thread other;
+  try {
+    other = std::thread([&] { lowerMade = ResampleBand(dib, dstW, dstH, lower, grey, sink); });
+  } catch (const std::system_error&) {
+    return ResampleBand(dib, dstW, dstH, part, grey, sink);
+  }
+  const bool upperMade = ResampleBand(dib, dstW, dstH, upper, grey, sink);
+  other.join();
+  return upperMade && lowerMade;
 }
 
 BlockHandle ResampleDib(BlockHandle dib, int32_t dstW, int32_t dstH) {
