@@ -11,6 +11,9 @@
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
+#if defined(__x86_64__) && defined(__GNUC__)
+#include <immintrin.h>
+#endif
 
 #include "base/dib.h"
 
@@ -130,8 +133,8 @@ ResampleAxis MakeResampleAxis(int32_t from, int32_t to, int32_t begin, int32_t e
 // so they come out the same in any order, for any part and on any machine;
 // where SSE2 is there, two products are taken at once (pmaddwd).
 Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, const Rect& part, int channels,
-                     int step, RowSink sink)
-    : part_(part), channels_(channels), step_(step), sink_(std::move(sink)) {
+                     int step, RowSink sink, bool rowsStay)
+    : part_(part), channels_(channels), step_(step), sink_(std::move(sink)), rowsStay_(rowsStay) {
   if (srcW < 1 || srcH < 1 || dstW < 1 || dstH < 1 || (channels != 1 && channels != 3) || step < channels ||
       part.left < 0 || part.top < 0 || part.right > dstW || part.bottom > dstH || Width(part) < 1 || Height(part) < 1)
     return;
@@ -149,15 +152,18 @@ Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, con
     if (static_cast<uint64_t>(pending_) * span > (uint64_t(1) << 28)) return;  // a gigabyte of sums
     sums_.assign(static_cast<size_t>(pending_) * span, 0);
     held_.resize(2 * span);
+    pairs_.resize(2 * span);
     // Room for reading a pair of pixels as eight values past the last.
     across_.assign(span + 3 * channels + 8, 0);
     for (size_t i = 0; i < columns_.count.size(); ++i)
       for (int32_t k = 0; k < columns_.count[i]; k += 2) {
         const int16_t* w = columns_.weights.data() + columns_.at[i] + k;
         const int16_t second = k + 1 < columns_.count[i] ? w[1] : 0;
-        columnPairs_.push_back(static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint16_t>(w[0])) |
-                                                    static_cast<uint32_t>(static_cast<uint16_t>(second)) << 16));
+        columnPairs_.insert(columnPairs_.end(), 4,
+                            static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint16_t>(w[0])) |
+                                                 static_cast<uint32_t>(static_cast<uint16_t>(second)) << 16));
       }
+    if (channels == 3) byPairs_.resize(pixels * 8);
     out_.resize(static_cast<size_t>(Width(part)) * channels + 1);
   } catch (const std::bad_alloc&) {
     return;
@@ -167,25 +173,58 @@ Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, con
 
 namespace {
 
-// s[i] += wa a[i] + wb b[i].
-void AddRowPair(int32_t* __restrict s, const uint8_t* a, const uint8_t* b, int16_t wa, int16_t wb, size_t n) {
+// pairs = a0 b0 a1 b1 ... as 16-bit values.
+void PairUp(const uint8_t* a, const uint8_t* b, int16_t* pairs, size_t n) {
   size_t i = 0;
 #ifdef __SSE2__
-  const __m128i w = _mm_set1_epi32(static_cast<int32_t>(static_cast<uint16_t>(wa) | static_cast<uint32_t>(static_cast<uint16_t>(wb)) << 16));
   const __m128i zero = _mm_setzero_si128();
   for (; i + 16 <= n; i += 16) {
     const __m128i va = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a + i));
     const __m128i vb = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + i));
-    const __m128i lo = _mm_unpacklo_epi8(va, vb), hi = _mm_unpackhi_epi8(va, vb);  // a0 b0 a1 b1 ...
-    const __m128i pairs[4] = {_mm_unpacklo_epi8(lo, zero), _mm_unpackhi_epi8(lo, zero), _mm_unpacklo_epi8(hi, zero),
-                              _mm_unpackhi_epi8(hi, zero)};
-    __m128i* to = reinterpret_cast<__m128i*>(s + i);
-    for (int k = 0; k < 4; ++k)
-      _mm_storeu_si128(to + k, _mm_add_epi32(_mm_loadu_si128(to + k), _mm_madd_epi16(pairs[k], w)));
+    const __m128i lo = _mm_unpacklo_epi8(va, vb), hi = _mm_unpackhi_epi8(va, vb);
+    __m128i* to = reinterpret_cast<__m128i*>(pairs + 2 * i);
+    _mm_storeu_si128(to, _mm_unpacklo_epi8(lo, zero));
+    _mm_storeu_si128(to + 1, _mm_unpackhi_epi8(lo, zero));
+    _mm_storeu_si128(to + 2, _mm_unpacklo_epi8(hi, zero));
+    _mm_storeu_si128(to + 3, _mm_unpackhi_epi8(hi, zero));
   }
 #endif
-  for (; i < n; ++i) s[i] += wa * a[i] + wb * b[i];
+  for (; i < n; ++i) pairs[2 * i] = a[i], pairs[2 * i + 1] = b[i];
 }
+
+// s[i] += wa a[i] + wb b[i] for the pairs of PairUp, `both` holding wa in
+// its low half and wb in its high half.
+void AddPairs(int32_t* __restrict s, const int16_t* pairs, int32_t both, size_t n) {
+  size_t i = 0;
+#ifdef __SSE2__
+  const __m128i w = _mm_set1_epi32(both);
+  for (; i + 4 <= n; i += 4) {
+    __m128i* to = reinterpret_cast<__m128i*>(s + i);
+    const __m128i p = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pairs + 2 * i));
+    _mm_storeu_si128(to, _mm_add_epi32(_mm_loadu_si128(to), _mm_madd_epi16(p, w)));
+  }
+#endif
+  const int32_t wa = static_cast<int16_t>(both & 0xFFFF), wb = static_cast<int16_t>(static_cast<uint32_t>(both) >> 16);
+  for (; i < n; ++i) s[i] += wa * pairs[2 * i] + wb * pairs[2 * i + 1];
+}
+
+#if defined(__x86_64__) && defined(__GNUC__)
+// The same eight at a time, where the processor has AVX2.
+__attribute__((target("avx2"))) void AddPairsAvx2(int32_t* __restrict s, const int16_t* pairs, int32_t both,
+                                                  size_t n) {
+  size_t i = 0;
+  const __m256i w = _mm256_set1_epi32(both);
+  for (; i + 8 <= n; i += 8) {
+    __m256i* to = reinterpret_cast<__m256i*>(s + i);
+    const __m256i p = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pairs + 2 * i));
+    _mm256_storeu_si256(to, _mm256_add_epi32(_mm256_loadu_si256(to), _mm256_madd_epi16(p, w)));
+  }
+  AddPairs(s + i, pairs + 2 * i, both, n - i);
+}
+const auto kAddPairs = __builtin_cpu_supports("avx2") ? AddPairsAvx2 : AddPairs;
+#else
+const auto kAddPairs = AddPairs;
+#endif
 
 // A row of sums (bytes times 1 << 14) as 16-bit values with 6 bits of fraction.
 void Narrow(const int32_t* s, int16_t* t, size_t n) {
@@ -217,68 +256,132 @@ void Resampler::AddRow(int32_t y, const uint8_t* row) {
   const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin), span = pixels * channels_;
   for (; entered_ < n && rows_.first[entered_] <= y; ++entered_)
     std::fill_n(sums_.begin() + static_cast<ptrdiff_t>(span * (entered_ % pending_)), span, 0);
-  // The row's bytes are kept until a second comes, or a new row ends with it.
+  // The first of two rows is kept until the second comes, or a new row ends with it.
   const uint8_t* src = row + static_cast<size_t>(columns_.sourceBegin) * step_;
   uint8_t* keep = held_.data() + span * heldCount_;
-  if (step_ == channels_) {
-    std::memcpy(keep, src, span);
-  } else {
-    for (size_t x = 0; x < pixels; ++x, src += step_, keep += channels_) std::memcpy(keep, src, channels_);
+  if (step_ != channels_) {
+    for (size_t x = 0; x < pixels; ++x) std::memcpy(keep + x * channels_, src + x * step_, channels_);
+    src = keep;
   }
-  heldY_[heldCount_++] = y;
+  heldY_[heldCount_] = y;
+  if (heldCount_ == 0) firstHeld_ = src == keep || rowsStay_ ? src : static_cast<uint8_t*>(std::memcpy(keep, src, span));
+  ++heldCount_;
   const auto ends = [&](int32_t j) { return rows_.first[j] + rows_.count[j] - 1 <= y; };
-  if (heldCount_ == 2 || (next_ < entered_ && ends(next_))) AddHeldRows();
+  if (heldCount_ == 2 || (next_ < entered_ && ends(next_))) AddHeldRows(src);
   while (next_ < entered_ && ends(next_)) {
     Emit(sums_.data() + span * static_cast<size_t>(next_ % pending_));
     ++next_;
   }
 }
 
-void Resampler::AddHeldRows() {
+void Resampler::AddHeldRows(const uint8_t* last) {
   const size_t span = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin) * channels_;
-  const uint8_t* a = held_.data();
-  const uint8_t* b = heldCount_ == 2 ? a + span : a;
+  PairUp(firstHeld_, last, pairs_.data(), span);
   for (int32_t j = next_; j < entered_; ++j) {
     const int16_t wa = RowWeight(j, heldY_[0]), wb = heldCount_ == 2 ? RowWeight(j, heldY_[1]) : 0;
-    if (wa != 0 || wb != 0) AddRowPair(sums_.data() + span * static_cast<size_t>(j % pending_), a, b, wa, wb, span);
+    if (wa != 0 || wb != 0)
+      kAddPairs(sums_.data() + span * static_cast<size_t>(j % pending_), pairs_.data(),
+                static_cast<int32_t>(static_cast<uint16_t>(wa) | static_cast<uint32_t>(static_cast<uint16_t>(wb)) << 16),
+                span);
   }
   heldCount_ = 0;
 }
 
-void Resampler::Emit(const int32_t* sums) {
-  const int32_t width = Width(part_);
-  Narrow(sums, across_.data(), static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin) * channels_);
-  uint8_t* out = out_.data();
-  const int32_t* pair = columnPairs_.data();
-  for (int32_t i = 0; i < width; ++i) {
-    const int16_t* w = columns_.weights.data() + columns_.at[i];
-    const int32_t count = columns_.count[i];
-    const int16_t* t = across_.data() + static_cast<size_t>(columns_.first[i] - columns_.sourceBegin) * channels_;
-    if (channels_ == 1) {
-      int32_t v = 0;
-      for (int32_t k = 0; k < count; ++k) v += w[k] * t[k];
-      *out++ = Byte(v);
+#ifdef __SSE2__
+namespace {
+
+// A pixel's blue, green, red and a spare as bytes from the sums of its pairs.
+inline int32_t PixelBytes(__m128i v) {
+  v = _mm_srai_epi32(_mm_add_epi32(v, _mm_set1_epi32(1 << 19)), 20);
+  v = _mm_packs_epi32(v, v);
+  return _mm_cvtsi128_si32(_mm_packus_epi16(v, v));
+}
+
+// The new pixels of a row across from its source pixels side by side
+// (`byPairs`, from source pixel `begin`) and the weights of each pair (four
+// copies); `out` has a spare byte past the last pixel.
+void Across(const int16_t* byPairs, const int32_t* pair, const int32_t* first, const int32_t* count, int32_t begin,
+            int32_t width, uint8_t* out) {
+  for (int32_t i = 0; i < width; ++i, out += 3) {
+    __m128i v = _mm_setzero_si128();
+    const int16_t* two = byPairs + 8 * static_cast<size_t>(first[i] - begin);
+    for (int32_t k = 0; k < count[i]; k += 2, pair += 4, two += 16)
+      v = _mm_add_epi32(v, _mm_madd_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(two)),
+                                          _mm_loadu_si128(reinterpret_cast<const __m128i*>(pair))));
+    const int32_t bytes = PixelBytes(v);
+    std::memcpy(out, &bytes, 4);  // the fourth is overwritten by the next pixel or is the spare
+  }
+}
+
+#if defined(__x86_64__) && defined(__GNUC__)
+// The same, two new pixels at once where they take as many pairs.
+__attribute__((target("avx2"))) void AcrossAvx2(const int16_t* byPairs, const int32_t* pair, const int32_t* first,
+                                                const int32_t* count, int32_t begin, int32_t width, uint8_t* out) {
+  auto at = [](const void* p) { return reinterpret_cast<const __m128i*>(p); };
+  int32_t i = 0;
+  for (; i + 1 < width; i += 2, out += 6) {
+    const int32_t pairs = (count[i] + 1) / 2;
+    if (pairs != (count[i + 1] + 1) / 2) {  // one on its own
+      Across(byPairs, pair, first + i, count + i, begin, 1, out);
+      pair += 4 * pairs, --i, out -= 3;
       continue;
     }
-#ifdef __SSE2__
-    // Two pixels' blue, green and red paired up (b0 b1 g0 g1 r0 r1 and two
-    // left over) and multiplied by their two weights at once.
-    __m128i v = _mm_setzero_si128();
-    for (int32_t k = 0; k < count; k += 2, ++pair, t += 6) {
-      const __m128i both = _mm_loadu_si128(reinterpret_cast<const __m128i*>(t));
-      v = _mm_add_epi32(v, _mm_madd_epi16(_mm_unpacklo_epi16(both, _mm_srli_si128(both, 6)), _mm_set1_epi32(*pair)));
-    }
-    v = _mm_srai_epi32(_mm_add_epi32(v, _mm_set1_epi32(1 << 19)), 20);
-    v = _mm_packs_epi32(v, v);
-    const int32_t bytes = _mm_cvtsi128_si32(_mm_packus_epi16(v, v));
-    std::memcpy(out, &bytes, 4);  // the fourth is overwritten by the next pixel or spare
+    const int32_t* nextPair = pair + 4 * pairs;
+    const int16_t* two = byPairs + 8 * static_cast<size_t>(first[i] - begin);
+    const int16_t* nextTwo = byPairs + 8 * static_cast<size_t>(first[i + 1] - begin);
+    __m256i v = _mm256_setzero_si256();
+    for (int32_t k = 0; k < pairs; ++k)
+      v = _mm256_add_epi32(v, _mm256_madd_epi16(_mm256_loadu2_m128i(at(nextTwo + 16 * k), at(two + 16 * k)),
+                                                _mm256_loadu2_m128i(at(nextPair + 4 * k), at(pair + 4 * k))));
+    pair = nextPair + 4 * pairs;
+    const int32_t low = PixelBytes(_mm256_castsi256_si128(v)), high = PixelBytes(_mm256_extracti128_si256(v, 1));
+    std::memcpy(out, &low, 4);
+    std::memcpy(out + 3, &high, 4);
+  }
+  Across(byPairs, pair, first + i, count + i, begin, width - i, out);
+}
+const auto kAcross = __builtin_cpu_supports("avx2") ? AcrossAvx2 : Across;
 #else
-    int32_t v[3] = {0, 0, 0};
-    for (int32_t k = 0; k < count; ++k, t += 3)
-      for (int c = 0; c < 3; ++c) v[c] += w[k] * t[c];
-    out[0] = Byte(v[0]), out[1] = Byte(v[1]), out[2] = Byte(v[2]);
+const auto kAcross = Across;
 #endif
-    out += 3;
+
+}  // namespace
+#endif
+
+void Resampler::Emit(const int32_t* sums) {
+  const int32_t width = Width(part_);
+  const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin);
+  Narrow(sums, across_.data(), pixels * channels_);
+  uint8_t* out = out_.data();
+  if (channels_ == 1) {
+    for (int32_t i = 0; i < width; ++i) {
+      const int16_t* w = columns_.weights.data() + columns_.at[i];
+      const int16_t* t = across_.data() + (columns_.first[i] - columns_.sourceBegin);
+      int32_t v = 0;
+      for (int32_t k = 0; k < columns_.count[i]; ++k) v += w[k] * t[k];
+      out[i] = Byte(v);
+    }
+  } else {
+#ifdef __SSE2__
+    // Each source pixel beside the next, blue, green and red paired up (b0
+    // b1 g0 g1 r0 r1 and two left over), to be multiplied by two weights at once.
+    const int16_t* t = across_.data();
+    for (size_t p = 0; p < pixels; ++p, t += 3)
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(byPairs_.data() + 8 * p),
+                       _mm_unpacklo_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(t)),
+                                          _mm_loadu_si128(reinterpret_cast<const __m128i*>(t + 3))));
+    kAcross(byPairs_.data(), columnPairs_.data(), columns_.first.data(), columns_.count.data(), columns_.sourceBegin,
+            width, out);
+#else
+    for (int32_t i = 0; i < width; ++i, out += 3) {
+      const int16_t* w = columns_.weights.data() + columns_.at[i];
+      const int16_t* t = across_.data() + static_cast<size_t>(columns_.first[i] - columns_.sourceBegin) * 3;
+      int32_t v[3] = {0, 0, 0};
+      for (int32_t k = 0; k < columns_.count[i]; ++k, t += 3)
+        for (int c = 0; c < 3; ++c) v[c] += w[k] * t[c];
+      out[0] = Byte(v[0]), out[1] = Byte(v[1]), out[2] = Byte(v[2]);
+    }
+#endif
   }
   sink_(part_.top + next_, out_.data());
 }
@@ -306,7 +409,8 @@ bool ResampleBand(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect& pa
   // 24-bit, 32-bit and grey rows are read where they are; others are
   // converted a row at a time.
   const bool direct = grey || h.biBitCount == 24 || h.biBitCount == 32;
-  Resampler resampler(h.biWidth, rows, dstW, dstH, part, grey ? 1 : 3, grey ? 1 : h.biBitCount == 32 ? 4 : 3, sink);
+  Resampler resampler(h.biWidth, rows, dstW, dstH, part, grey ? 1 : 3, grey ? 1 : h.biBitCount == 32 ? 4 : 3, sink,
+                      direct);
   if (!resampler.ok()) return false;
   std::vector<uint8_t> row;
   try {

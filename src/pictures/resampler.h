@@ -40,9 +40,10 @@ class Resampler {
   using RowSink = std::function<void(int32_t y, const uint8_t* row)>;
   // Source rows of srcW pixels, each `step` bytes of which the first
   // `channels` (1 grey, 3 blue-green-red) are used, become the rows of
-  // `part` of a dstW x dstH picture.
+  // `part` of a dstW x dstH picture. With `rowsStay` each row stays where
+  // it is until the next has been added, and is read there.
   Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, const Rect& part, int channels, int step,
-            RowSink sink);
+            RowSink sink, bool rowsStay = false);
   bool ok() const { return ok_; }
   // The source rows the part needs: [FirstRow(), EndRow()).
   int32_t FirstRow() const { return rows_.sourceBegin; }
@@ -54,7 +55,7 @@ class Resampler {
 
  private:
   int16_t RowWeight(int32_t j, int32_t y) const;
-  void AddHeldRows();
+  void AddHeldRows(const uint8_t* last);
   void Emit(const int32_t* sums);
 
   Rect part_;
@@ -62,15 +63,19 @@ class Resampler {
   RowSink sink_;
   bool ok_ = false;
   ResampleAxis rows_, columns_;
-  std::vector<int32_t> columnPairs_;  // the columns' weights two by two, an odd one with a 0
+  std::vector<int32_t> columnPairs_;  // the columns' weights two by two (an odd one with a 0), four times
   int32_t next_ = 0;     // the next row of the part to go out (from its top)
   int32_t entered_ = 0;  // rows of the part whose sums have been started
   int32_t pending_ = 1;  // rows of the part summed at once, at most
   std::vector<int32_t> sums_;  // `pending_` rows of the source columns needed
-  std::vector<uint8_t> held_;  // source rows waiting to be added two at once
+  std::vector<uint8_t> held_;   // source rows waiting to be added two at once
+  std::vector<int16_t> pairs_;  // two of them interleaved
   int32_t heldY_[2] = {0, 0};
   int heldCount_ = 0;
-  std::vector<int16_t> across_;  // a finished row of sums, scaled to 16 bits
+  bool rowsStay_;
+  const uint8_t* firstHeld_ = nullptr;
+  std::vector<int16_t> across_;   // a finished row of sums, scaled to 16 bits
+  std::vector<int16_t> byPairs_;  // the same, each pixel beside the next
   std::vector<uint8_t> out_;
 };
 
