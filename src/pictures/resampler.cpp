@@ -105,9 +105,7 @@ ResampleAxis MakeResampleAxis(int32_t from, int32_t to, int32_t begin, int32_t e
       w[static_cast<size_t>(std::clamp<int64_t>(i, 0, from - 1) - first)] += v;
       sum += v;
     }
-    // Pixels of no weight at either end are not read at all.
     while (w.size() > 1 && w.back() == 0) w.pop_back(), --last;
-    while (w.size() > 1 && w.front() == 0) w.erase(w.begin()), ++first;
     a.first.push_back(static_cast<int32_t>(first));
     a.count.push_back(static_cast<int32_t>(w.size()));
     a.at.push_back(a.weights.size());
