@@ -139,18 +139,22 @@ Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, con
   try {
     rows_ = MakeResampleAxis(srcH, dstH, part.top, part.bottom);
     columns_ = MakeResampleAxis(srcW, dstW, part.left, part.right);
-    // The most new rows open at once: at the start of each, those since the
-    // first that has not ended.
-    for (size_t j = 0, k = 0; j < rows_.first.size(); ++j) {
-      while (rows_.first[k] + rows_.count[k] <= rows_.first[j]) ++k;
-      pending_ = std::max(pending_, static_cast<int32_t>(j - k + 1));
+    // The most new rows open at once, as AddRow starts them and sends them
+    // out after every four source rows.
+    const int32_t n = static_cast<int32_t>(rows_.first.size());
+    for (int32_t y = rows_.sourceBegin, entered = 0, next = 0, held = 0; y < rows_.sourceEnd; ++y) {
+      while (entered < n && rows_.first[entered] <= y) ++entered;
+      pending_ = std::max(pending_, entered - next);
+      if (++held < kHeld && y < rows_.sourceEnd - 1) continue;
+      held = 0;
+      while (next < entered && rows_.first[next] + rows_.count[next] - 1 <= y) ++next;
     }
     const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin);
     const size_t span = pixels * channels;
     if (static_cast<uint64_t>(pending_) * span > (uint64_t(1) << 28)) return;  // a gigabyte of sums
     sums_.assign(static_cast<size_t>(pending_) * span, 0);
-    held_.resize(2 * span);
-    pairs_.resize(2 * span);
+    held_.resize(kHeld * span);
+    pairs_.resize(kHeld * span);
     // Room for reading a pair of pixels as eight values past the last.
     across_.assign(span + 3 * channels + 8, 0);
     for (size_t i = 0; i < columns_.count.size(); ++i)
@@ -206,6 +210,22 @@ void AddPairs(int32_t* __restrict s, const int16_t* pairs, int32_t both, size_t 
   for (; i < n; ++i) s[i] += wa * pairs[2 * i] + wb * pairs[2 * i + 1];
 }
 
+// s[i] += the pairs of `one` by the weights `first` and those of `two` by `second`.
+void AddQuads(int32_t* __restrict s, const int16_t* one, const int16_t* two, int32_t first, int32_t second, size_t n) {
+  size_t i = 0;
+#ifdef __SSE2__
+  const __m128i w = _mm_set1_epi32(first), v = _mm_set1_epi32(second);
+  for (; i + 4 <= n; i += 4) {
+    __m128i* to = reinterpret_cast<__m128i*>(s + i);
+    const __m128i a = _mm_madd_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(one + 2 * i)), w);
+    const __m128i b = _mm_madd_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(two + 2 * i)), v);
+    _mm_storeu_si128(to, _mm_add_epi32(_mm_loadu_si128(to), _mm_add_epi32(a, b)));
+  }
+#endif
+  AddPairs(s + i, one + 2 * i, first, n - i);
+  AddPairs(s + i, two + 2 * i, second, n - i);
+}
+
 #if defined(__x86_64__) && defined(__GNUC__)
 // The same eight at a time, where the processor has AVX2.
 __attribute__((target("avx2"))) void AddPairsAvx2(int32_t* __restrict s, const int16_t* pairs, int32_t both,
@@ -220,8 +240,23 @@ __attribute__((target("avx2"))) void AddPairsAvx2(int32_t* __restrict s, const i
   AddPairs(s + i, pairs + 2 * i, both, n - i);
 }
 const auto kAddPairs = __builtin_cpu_supports("avx2") ? AddPairsAvx2 : AddPairs;
+
+__attribute__((target("avx2"))) void AddQuadsAvx2(int32_t* __restrict s, const int16_t* one, const int16_t* two,
+                                                  int32_t first, int32_t second, size_t n) {
+  size_t i = 0;
+  const __m256i w = _mm256_set1_epi32(first), v = _mm256_set1_epi32(second);
+  for (; i + 8 <= n; i += 8) {
+    __m256i* to = reinterpret_cast<__m256i*>(s + i);
+    const __m256i a = _mm256_madd_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(one + 2 * i)), w);
+    const __m256i b = _mm256_madd_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(two + 2 * i)), v);
+    _mm256_storeu_si256(to, _mm256_add_epi32(_mm256_loadu_si256(to), _mm256_add_epi32(a, b)));
+  }
+  AddQuads(s + i, one + 2 * i, two + 2 * i, first, second, n - i);
+}
+const auto kAddQuads = __builtin_cpu_supports("avx2") ? AddQuadsAvx2 : AddQuads;
 #else
 const auto kAddPairs = AddPairs;
+const auto kAddQuads = AddQuads;
 #endif
 
 // A row of sums (bytes times 1 << 14) as 16-bit values with 6 bits of fraction.
@@ -254,33 +289,43 @@ void Resampler::AddRow(int32_t y, const uint8_t* row) {
   const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin), span = pixels * channels_;
   for (; entered_ < n && rows_.first[entered_] <= y; ++entered_)
     std::fill_n(sums_.begin() + static_cast<ptrdiff_t>(span * (entered_ % pending_)), span, 0);
-  // The first of two rows is kept until the second comes, or a new row ends with it.
+  // Rows are kept (or only pointed at, when they stay) until four have come
+  // or the last; then the new rows they end go out.
   const uint8_t* src = row + static_cast<size_t>(columns_.sourceBegin) * step_;
   uint8_t* keep = held_.data() + span * heldCount_;
   if (step_ != channels_) {
     for (size_t x = 0; x < pixels; ++x) std::memcpy(keep + x * channels_, src + x * step_, channels_);
     src = keep;
   }
+  const bool last = heldCount_ == kHeld - 1 || y == rows_.sourceEnd - 1;
   heldY_[heldCount_] = y;
-  if (heldCount_ == 0) firstHeld_ = src == keep || rowsStay_ ? src : static_cast<uint8_t*>(std::memcpy(keep, src, span));
-  ++heldCount_;
-  const auto ends = [&](int32_t j) { return rows_.first[j] + rows_.count[j] - 1 <= y; };
-  if (heldCount_ == 2 || (next_ < entered_ && ends(next_))) AddHeldRows(src);
-  while (next_ < entered_ && ends(next_)) {
+  heldRows_[heldCount_++] = src == keep || rowsStay_ || last ? src : static_cast<uint8_t*>(std::memcpy(keep, src, span));
+  if (!last) return;
+  AddHeldRows();
+  while (next_ < entered_ && rows_.first[next_] + rows_.count[next_] - 1 <= y) {
     Emit(sums_.data() + span * static_cast<size_t>(next_ % pending_));
     ++next_;
   }
 }
 
-void Resampler::AddHeldRows(const uint8_t* last) {
+// The held rows two by two (the last alone paired with itself at no weight),
+// each pair or both pairs added into every new row they fall in at once.
+void Resampler::AddHeldRows() {
   const size_t span = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin) * channels_;
-  PairUp(firstHeld_, last, pairs_.data(), span);
+  const int n = heldCount_;
+  int32_t weights[kHeld];  // two 16-bit weights in each even one
+  for (int k = 0; k < n; k += 2)
+    PairUp(heldRows_[k], heldRows_[k + 1 < n ? k + 1 : k], pairs_.data() + 2 * span * (k / 2), span);
   for (int32_t j = next_; j < entered_; ++j) {
-    const int16_t wa = RowWeight(j, heldY_[0]), wb = heldCount_ == 2 ? RowWeight(j, heldY_[1]) : 0;
-    if (wa != 0 || wb != 0)
-      kAddPairs(sums_.data() + span * static_cast<size_t>(j % pending_), pairs_.data(),
-                static_cast<int32_t>(static_cast<uint16_t>(wa) | static_cast<uint32_t>(static_cast<uint16_t>(wb)) << 16),
-                span);
+    for (int k = 0; k < n; k += 2) {
+      const int16_t a = RowWeight(j, heldY_[k]), b = k + 1 < n ? RowWeight(j, heldY_[k + 1]) : 0;
+      weights[k] = static_cast<int32_t>(static_cast<uint16_t>(a) | static_cast<uint32_t>(static_cast<uint16_t>(b)) << 16);
+    }
+    int32_t* s = sums_.data() + span * static_cast<size_t>(j % pending_);
+    const int16_t* two = pairs_.data() + 2 * span;
+    if (n > 2 && weights[0] != 0 && weights[2] != 0) kAddQuads(s, pairs_.data(), two, weights[0], weights[2], span);
+    else if (weights[0] != 0) kAddPairs(s, pairs_.data(), weights[0], span);
+    else if (n > 2 && weights[2] != 0) kAddPairs(s, two, weights[2], span);
   }
   heldCount_ = 0;
 }

@@ -40,8 +40,8 @@ class Resampler {
   using RowSink = std::function<void(int32_t y, const uint8_t* row)>;
   // Source rows of srcW pixels, each `step` bytes of which the first
   // `channels` (1 grey, 3 blue-green-red) are used, become the rows of
-  // `part` of a dstW x dstH picture. With `rowsStay` each row stays where
-  // it is until the next has been added, and is read there.
+  // `part` of a dstW x dstH picture. With `rowsStay` the rows stay where
+  // they are until every row has been added, and are read there.
   Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, const Rect& part, int channels, int step,
             RowSink sink, bool rowsStay = false);
   bool ok() const { return ok_; }
@@ -55,7 +55,7 @@ class Resampler {
 
  private:
   int16_t RowWeight(int32_t j, int32_t y) const;
-  void AddHeldRows(const uint8_t* last);
+  void AddHeldRows();
   void Emit(const int32_t* sums);
 
   Rect part_;
@@ -68,12 +68,13 @@ class Resampler {
   int32_t entered_ = 0;  // rows of the part whose sums have been started
   int32_t pending_ = 1;  // rows of the part summed at once, at most
   std::vector<int32_t> sums_;  // `pending_` rows of the source columns needed
-  std::vector<uint8_t> held_;   // source rows waiting to be added two at once
-  std::vector<int16_t> pairs_;  // two of them interleaved
-  int32_t heldY_[2] = {0, 0};
+  static constexpr int kHeld = 4;
+  std::vector<uint8_t> held_;   // source rows waiting to be added four at once
+  std::vector<int16_t> pairs_;  // they two by two, interleaved
+  const uint8_t* heldRows_[kHeld] = {};
+  int32_t heldY_[kHeld] = {};
   int heldCount_ = 0;
   bool rowsStay_;
-  const uint8_t* firstHeld_ = nullptr;
   std::vector<int16_t> across_;   // a finished row of sums, scaled to 16 bits
   std::vector<int16_t> byPairs_;  // the same, each pixel beside the next
   std::vector<uint8_t> out_;
