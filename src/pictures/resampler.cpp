@@ -56,6 +56,16 @@ void DibRowBgr(const uint8_t* dib, int32_t y, uint8_t* out) {
 
 namespace {
 
+// Whether the processor has AVX2 (asked once, whenever first needed).
+bool HasAvx2() {
+#if defined(__SSE2__) && defined(__x86_64__) && defined(__GNUC__)
+  static const bool has = (__builtin_cpu_init(), __builtin_cpu_supports("avx2"));
+  return has;
+#else
+  return false;
+#endif
+}
+
 // The share left of u of the quadratic B-spline (a box of width 1 convolved
 // with itself twice: area 1, 3 wide).
 double SplineBelow(double u) {
@@ -157,14 +167,26 @@ Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, con
     pairs_.resize(kHeld * span);
     // Room for reading a pair of pixels as eight values past the last.
     across_.assign(span + 3 * channels + 8, 0);
-    for (size_t i = 0; i < columns_.count.size(); ++i)
-      for (int32_t k = 0; k < columns_.count[i]; k += 2) {
-        const int16_t* w = columns_.weights.data() + columns_.at[i] + k;
-        const int16_t second = k + 1 < columns_.count[i] ? w[1] : 0;
-        columnPairs_.insert(columnPairs_.end(), 4,
-                            static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint16_t>(w[0])) |
-                                                 static_cast<uint32_t>(static_cast<uint16_t>(second)) << 16));
+    // Each new pixel's weights two by two (an odd one with a 0), four
+    // copies of each pair; where AVX2 makes two pixels of as many pairs at
+    // once, pair by pair, the first's four beside the second's.
+    const auto pair = [&](int32_t i, int32_t k) {
+      const int16_t* w = columns_.weights.data() + columns_.at[i] + k;
+      const int16_t second = k + 1 < columns_.count[i] ? w[1] : 0;
+      return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint16_t>(w[0])) |
+                                  static_cast<uint32_t>(static_cast<uint16_t>(second)) << 16);
+    };
+    const int32_t width = Width(part);
+    acrossTwo_ = channels == 3 && HasAvx2();
+    for (int32_t i = 0; i < width;) {
+      const int32_t count = columns_.count[i];
+      const bool both = acrossTwo_ && i + 1 < width && (count + 1) / 2 == (columns_.count[i + 1] + 1) / 2;
+      for (int32_t k = 0; k < count; k += 2) {
+        columnPairs_.insert(columnPairs_.end(), 4, pair(i, k));
+        if (both) columnPairs_.insert(columnPairs_.end(), 4, pair(i + 1, k));
       }
+      i += both ? 2 : 1;
+    }
     if (channels == 3) byPairs_.resize(pixels * 8);
     out_.resize(static_cast<size_t>(Width(part)) * channels + 1);
   } catch (const std::bad_alloc&) {
@@ -239,7 +261,9 @@ __attribute__((target("avx2"))) void AddPairsAvx2(int32_t* __restrict s, const i
   }
   AddPairs(s + i, pairs + 2 * i, both, n - i);
 }
-const auto kAddPairs = __builtin_cpu_supports("avx2") ? AddPairsAvx2 : AddPairs;
+void AddPairsBest(int32_t* s, const int16_t* pairs, int32_t both, size_t n) {
+  (HasAvx2() ? AddPairsAvx2 : AddPairs)(s, pairs, both, n);
+}
 
 __attribute__((target("avx2"))) void AddQuadsAvx2(int32_t* __restrict s, const int16_t* one, const int16_t* two,
                                                   int32_t first, int32_t second, size_t n) {
@@ -253,10 +277,12 @@ __attribute__((target("avx2"))) void AddQuadsAvx2(int32_t* __restrict s, const i
   }
   AddQuads(s + i, one + 2 * i, two + 2 * i, first, second, n - i);
 }
-const auto kAddQuads = __builtin_cpu_supports("avx2") ? AddQuadsAvx2 : AddQuads;
+void AddQuadsBest(int32_t* s, const int16_t* one, const int16_t* two, int32_t first, int32_t second, size_t n) {
+  (HasAvx2() ? AddQuadsAvx2 : AddQuads)(s, one, two, first, second, n);
+}
 #else
-const auto kAddPairs = AddPairs;
-const auto kAddQuads = AddQuads;
+const auto AddPairsBest = AddPairs;
+const auto AddQuadsBest = AddQuads;
 #endif
 
 // A row of sums (bytes times 1 << 14) as 16-bit values with 6 bits of fraction.
@@ -323,9 +349,9 @@ void Resampler::AddHeldRows() {
     }
     int32_t* s = sums_.data() + span * static_cast<size_t>(j % pending_);
     const int16_t* two = pairs_.data() + 2 * span;
-    if (n > 2 && weights[0] != 0 && weights[2] != 0) kAddQuads(s, pairs_.data(), two, weights[0], weights[2], span);
-    else if (weights[0] != 0) kAddPairs(s, pairs_.data(), weights[0], span);
-    else if (n > 2 && weights[2] != 0) kAddPairs(s, two, weights[2], span);
+    if (n > 2 && weights[0] != 0 && weights[2] != 0) AddQuadsBest(s, pairs_.data(), two, weights[0], weights[2], span);
+    else if (weights[0] != 0) AddPairsBest(s, pairs_.data(), weights[0], span);
+    else if (n > 2 && weights[2] != 0) AddPairsBest(s, two, weights[2], span);
   }
   heldCount_ = 0;
 }
@@ -361,31 +387,25 @@ void Across(const int16_t* byPairs, const int32_t* pair, const int32_t* first, c
 __attribute__((target("avx2"))) void AcrossAvx2(const int16_t* byPairs, const int32_t* pair, const int32_t* first,
                                                 const int32_t* count, int32_t begin, int32_t width, uint8_t* out) {
   auto at = [](const void* p) { return reinterpret_cast<const __m128i*>(p); };
-  int32_t i = 0;
-  for (; i + 1 < width; i += 2, out += 6) {
+  for (int32_t i = 0; i < width;) {
     const int32_t pairs = (count[i] + 1) / 2;
-    if (pairs != (count[i + 1] + 1) / 2) {  // one on its own
+    if (i + 1 == width || pairs != (count[i + 1] + 1) / 2) {  // one on its own
       Across(byPairs, pair, first + i, count + i, begin, 1, out);
-      pair += 4 * pairs, --i, out -= 3;
+      pair += 4 * pairs, ++i, out += 3;
       continue;
     }
-    const int32_t* nextPair = pair + 4 * pairs;
     const int16_t* two = byPairs + 8 * static_cast<size_t>(first[i] - begin);
     const int16_t* nextTwo = byPairs + 8 * static_cast<size_t>(first[i + 1] - begin);
     __m256i v = _mm256_setzero_si256();
-    for (int32_t k = 0; k < pairs; ++k)
+    for (int32_t k = 0; k < pairs; ++k, pair += 8)
       v = _mm256_add_epi32(v, _mm256_madd_epi16(_mm256_loadu2_m128i(at(nextTwo + 16 * k), at(two + 16 * k)),
-                                                _mm256_loadu2_m128i(at(nextPair + 4 * k), at(pair + 4 * k))));
-    pair = nextPair + 4 * pairs;
+                                                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pair))));
     const int32_t low = PixelBytes(_mm256_castsi256_si128(v)), high = PixelBytes(_mm256_extracti128_si256(v, 1));
     std::memcpy(out, &low, 4);
     std::memcpy(out + 3, &high, 4);
+    i += 2, out += 6;
   }
-  Across(byPairs, pair, first + i, count + i, begin, width - i, out);
 }
-const auto kAcross = __builtin_cpu_supports("avx2") ? AcrossAvx2 : Across;
-#else
-const auto kAcross = Across;
 #endif
 
 }  // namespace
@@ -413,8 +433,13 @@ void Resampler::Emit(const int32_t* sums) {
       _mm_storeu_si128(reinterpret_cast<__m128i*>(byPairs_.data() + 8 * p),
                        _mm_unpacklo_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(t)),
                                           _mm_loadu_si128(reinterpret_cast<const __m128i*>(t + 3))));
-    kAcross(byPairs_.data(), columnPairs_.data(), columns_.first.data(), columns_.count.data(), columns_.sourceBegin,
-            width, out);
+#if defined(__x86_64__) && defined(__GNUC__)
+    const auto across = acrossTwo_ ? AcrossAvx2 : Across;
+#else
+    const auto across = Across;
+#endif
+    across(byPairs_.data(), columnPairs_.data(), columns_.first.data(), columns_.count.data(), columns_.sourceBegin,
+           width, out);
 #else
     for (int32_t i = 0; i < width; ++i, out += 3) {
       const int16_t* w = columns_.weights.data() + columns_.at[i];

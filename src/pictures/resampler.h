@@ -63,6 +63,7 @@ class Resampler {
   RowSink sink_;
   bool ok_ = false;
   ResampleAxis rows_, columns_;
+  bool acrossTwo_ = false;  // two new pixels made at once (AVX2)
   std::vector<int32_t> columnPairs_;  // the columns' weights two by two (an odd one with a 0), four times
   int32_t next_ = 0;     // the next row of the part to go out (from its top)
   int32_t entered_ = 0;  // rows of the part whose sums have been started
