@@ -134,12 +134,12 @@ ResampleAxis MakeResampleAxis(int32_t from, int32_t to, int32_t begin, int32_t e
 }
 
 // Rows are summed vertically first, at the source's width, into the pending
-// new rows each source row falls in (at most four when reducing), two source
-// rows at once; a new row whose last source row has come is then resampled
-// across and sent out. Sums are whole numbers (bytes times 14-bit weights in
-// 32 bits, then 16-bit values with 6 bits of fraction times 14-bit weights),
-// so they come out the same in any order, for any part and on any machine;
-// where SSE2 is there, two products are taken at once (pmaddwd).
+// new rows each source row falls in, four source rows a pass; the new rows
+// those end are then resampled across and sent out. Sums are whole numbers
+// (bytes times 14-bit weights in 32 bits, then 16-bit values with 6 bits of
+// fraction times 14-bit weights), so they come out the same in any order,
+// for any part, on any thread and on any machine; with SSE2 two products are
+// taken at once (pmaddwd), with AVX2 twice as many.
 Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, const Rect& part, int channels,
                      int step, RowSink sink, bool rowsStay)
     : part_(part), channels_(channels), step_(step), sink_(std::move(sink)), rowsStay_(rowsStay) {
@@ -507,9 +507,10 @@ bool ResampleDibRows(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect&
                      const Resampler::RowSink& sink) {
   const bool grey = keepGrey && IsGreyDib(dib);
   const auto& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
-  const uint64_t read = static_cast<uint64_t>(h.biWidth) * static_cast<uint64_t>(h.biHeight < 0 ? -h.biHeight : h.biHeight);
-  if (Height(part) < 64 || Width(part) < 1 || static_cast<uint64_t>(Width(part)) * Height(part) + read < (1 << 20) ||
-      std::thread::hardware_concurrency() < 2)
+  // The pixels made and the source pixels read, about: worth a thread from a million.
+  const double made = static_cast<double>(Width(part)) * Height(part);
+  const double read = made * h.biWidth / std::max(dstW, 1) * std::abs(static_cast<double>(h.biHeight)) / std::max(dstH, 1);
+  if (Height(part) < 64 || made + read < (1 << 20) || std::thread::hardware_concurrency() < 2)
     return ResampleBand(dib, dstW, dstH, part, grey, sink);
   Rect upper = part, lower = part;
   upper.bottom = lower.top = part.top + Height(part) / 2;

@@ -64,7 +64,9 @@ class Resampler {
   bool ok_ = false;
   ResampleAxis rows_, columns_;
   bool acrossTwo_ = false;  // two new pixels made at once (AVX2)
-  std::vector<int32_t> columnPairs_;  // the columns' weights two by two (an odd one with a 0), four times
+  // The columns' weights two by two (an odd one with a 0), four copies of
+  // each pair; with acrossTwo_, pair by pair for two new pixels together.
+  std::vector<int32_t> columnPairs_;
   int32_t next_ = 0;     // the next row of the part to go out (from its top)
   int32_t entered_ = 0;  // rows of the part whose sums have been started
   int32_t pending_ = 1;  // rows of the part summed at once, at most
