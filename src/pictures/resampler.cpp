@@ -517,7 +517,12 @@ bool ResampleDibRows(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect&
   bool lowerMade = false;
   std::thread other;
   try {
-    other = std::thread([&] { lowerMade = ResampleBand(dib, dstW, dstH, lower, grey, sink); });
+    other = std::thread([&] {
+      try {
+        lowerMade = ResampleBand(dib, dstW, dstH, lower, grey, sink);
+      } catch (const std::bad_alloc&) {  // nothing may leave a thread
+      }
+    });
   } catch (const std::system_error&) {
     return ResampleBand(dib, dstW, dstH, part, grey, sink);
   }
