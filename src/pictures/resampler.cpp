@@ -526,7 +526,11 @@ bool ResampleDibRows(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect&
   } catch (const std::system_error&) {
     return ResampleBand(dib, dstW, dstH, part, grey, sink);
   }
-  const bool upperMade = ResampleBand(dib, dstW, dstH, upper, grey, sink);
+  bool upperMade = false;
+  try {
+    upperMade = ResampleBand(dib, dstW, dstH, upper, grey, sink);
+  } catch (const std::bad_alloc&) {  // the other thread is waited for all the same
+  }
   other.join();
   return upperMade && lowerMade;
 }
