@@ -5,14 +5,18 @@
 // its soft shadow alone, ring by ring and as the Cairo canvas draws it; and
 // quernal-cli rendering a calendar of twelve such photographs and a cover
 // to one PDF.
-//   quernal-render-bench [--runs N] [--png FILE] [--no-cli]
+// The picture's resampling alone is also timed beside a copy of the box
+// averaging it replaced.
+//   quernal-render-bench [--runs N] [--png FILE] [--no-cli] [--resampler]
 #include <cairo.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <climits>
 #include <cmath>
 #include <cstdio>
@@ -21,6 +25,7 @@
 #include <vector>
 
 #include "base/dib.h"
+#include "bench/old_box_shrink.h"
 #include "bench/photo_calendar.h"
 #include "calendar/calendar_file.h"
 #include "calendar/file_progress.h"
@@ -28,6 +33,7 @@
 #include "render/ops_canvas.h"
 #include "render/page_renderer.h"
 #include "render/primitives.h"
+#include "pictures/resampler.h"
 
 namespace {
 
@@ -119,6 +125,49 @@ double Shadow(cairo_surface_t* page, int width, int height, int softness, int ru
   return total / runs;
 }
 
+double CpuSeconds() {
+  timespec t;
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+  return t.tv_sec + t.tv_nsec * 1e-9;
+}
+
+// The 4000 x 3000 photograph brought to the month page's picture box into
+// Cairo pixels, by the resampler (as the Cairo canvas calls it) and by the
+// box averaging it replaced, in turns so both see the same load: the
+// fastest and the median of `runs` of each, in wall and CPU seconds.
+void ResamplerAgainstBox(int width, int height, int runs) {
+  BlockHandle photo = PhotoLikePicture(4000, 3000, 1);
+  if (!photo || width < 1 || height < 1) return;
+  std::vector<uint32_t> image(size_t(width) * height);
+  const Rect part{0, 0, width, height};
+  const uint8_t* dib = static_cast<const uint8_t*>(GlobalBlockLock(photo));
+  auto resampler = [&] {
+    ResampleDibRows(dib, width, height, part, false, [&](int32_t y, const uint8_t* row) {
+      uint32_t* pixel = image.data() + size_t(y) * width;
+      for (int x = 0; x < width; ++x, row += 3) pixel[x] = 0xFF000000 | uint32_t(row[2]) << 16 | uint32_t(row[1]) << 8 | row[0];
+    });
+  };
+  auto box = [&] { OldBoxShrinkDib(dib, width, height, part, reinterpret_cast<uint8_t*>(image.data()), width * 4, 0xFF000000); };
+  std::vector<double> wall[2], cpu[2];
+  for (int i = 0; i < runs; ++i)
+    for (int k = 0; k < 2; ++k) {
+      const double c = CpuSeconds();
+      auto t = Clock::now();
+      k == 0 ? resampler() : box();
+      wall[k].push_back(Seconds(t)), cpu[k].push_back(CpuSeconds() - c);
+    }
+  GlobalBlockUnlock(photo);
+  GlobalBlockFree(photo);
+  std::printf("the 4000 x 3000 photograph to %d x %d, %d runs each in turns: fastest / median, wall and CPU\n", width,
+              height, runs);
+  const char* names[] = {"resampler", "box averaging it replaced"};
+  for (int k = 0; k < 2; ++k) {
+    std::sort(wall[k].begin(), wall[k].end()), std::sort(cpu[k].begin(), cpu[k].end());
+    std::printf("  %-26s wall %6.1f / %6.1f ms   CPU %6.1f / %6.1f ms\n", names[k], wall[k][0] * 1e3,
+                wall[k][runs / 2] * 1e3, cpu[k][0] * 1e3, cpu[k][runs / 2] * 1e3);
+  }
+}
+
 // This program's folder, where quernal-cli is built too.
 std::string OwnFolder() {
   char path[PATH_MAX];
@@ -181,12 +230,22 @@ int main(int argc, char** argv) {
   int runs = 3;
   const char* png = nullptr;  // --png FILE keeps the month page, to look at
   bool cli = true;
+  bool resamplerOnly = false;  // --resampler: only the resampler against the box averaging
   for (int i = 1; i < argc; ++i) {
     const std::string arg = argv[i];
     if (arg == "--no-cli") cli = false;
+    if (arg == "--resampler") resamplerOnly = true;
     if (i + 1 >= argc) continue;
     if (arg == "--runs") runs = std::max(1, std::atoi(argv[++i]));
     else if (arg == "--png") png = argv[++i];
+  }
+  if (resamplerOnly) {
+    CalendarDocument photo = PhotoCalendar(2026, 4000, 3000, 1, false);
+    int w = 0, h = 0;
+    if (!photo || !PictureSizeOnPage(photo, {0, 0, 2480, 3508}, &w, &h)) return 1;
+    FreeCalendar(photo);
+    ResamplerAgainstBox(w, h, std::max(runs, 9));
+    return 0;
   }
   CalendarDocument doc = CreateCalendar(2026, 0);
 
@@ -278,6 +337,7 @@ int main(int argc, char** argv) {
   std::printf("    ring by ring                            %8.2f ms\n", ringByRing * 1e3);
   std::printf("    as the Cairo canvas draws it            %8.2f ms  (%.1f times faster)\n", own * 1e3,
               ringByRing / own);
+  ResamplerAgainstBox(pictureW, pictureH, std::max(runs, 9));
   cairo_surface_destroy(image);
   cairo_surface_destroy(page);
   FreeCalendar(doc);

@@ -5,6 +5,15 @@
 #include <cstring>
 #include <cstddef>
 #include <new>
+#include <system_error>
+#include <thread>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+#if defined(__x86_64__) && defined(__GNUC__)
+#include <immintrin.h>
+#endif
 
 #include "base/dib.h"
 
@@ -47,6 +56,16 @@ void DibRowBgr(const uint8_t* dib, int32_t y, uint8_t* out) {
 
 namespace {
 
+// Whether the processor has AVX2 (asked once, whenever first needed).
+bool HasAvx2() {
+#if defined(__SSE2__) && defined(__x86_64__) && defined(__GNUC__)
+  static const bool has = (__builtin_cpu_init(), __builtin_cpu_supports("avx2"));
+  return has;
+#else
+  return false;
+#endif
+}
+
 // The share left of u of the quadratic B-spline (a box of width 1 convolved
 // with itself twice: area 1, 3 wide).
 double SplineBelow(double u) {
@@ -74,7 +93,9 @@ double CatmullRom(double x) {
 // still beats by a few levels at some scales; the spline's response to such
 // patterns stays below a level at every scale. Enlarging, Catmull-Rom at the
 // pixel centres, equal sizes giving the picture as it is. Beyond the picture
-// its edge pixels repeat.
+// its edge pixels repeat. The weights are kept in 14 bits, each the step
+// between rounded running totals, so they add up to exactly 1 and any run of
+// them is within half a step of its exact sum.
 ResampleAxis MakeResampleAxis(int32_t from, int32_t to, int32_t begin, int32_t end) {
   ResampleAxis a;
   if (from < 1 || to < 1 || begin >= end) return a;
@@ -94,13 +115,18 @@ ResampleAxis MakeResampleAxis(int32_t from, int32_t to, int32_t begin, int32_t e
       w[static_cast<size_t>(std::clamp<int64_t>(i, 0, from - 1) - first)] += v;
       sum += v;
     }
-    // Pixels of no weight at either end are not read at all.
     while (w.size() > 1 && w.back() == 0) w.pop_back(), --last;
-    while (w.size() > 1 && w.front() == 0) w.erase(w.begin()), ++first;
     a.first.push_back(static_cast<int32_t>(first));
     a.count.push_back(static_cast<int32_t>(w.size()));
     a.at.push_back(a.weights.size());
-    for (double v : w) a.weights.push_back(static_cast<float>(v / sum));
+    double total = 0;
+    long before = 0;
+    for (double v : w) {
+      total += v / sum;
+      const long upTo = std::lround(total * (1 << ResampleAxis::kWeightBits));
+      a.weights.push_back(static_cast<int16_t>(upTo - before));
+      before = upTo;
+    }
     a.sourceBegin = std::min(a.sourceBegin, static_cast<int32_t>(first));
     a.sourceEnd = std::max(a.sourceEnd, static_cast<int32_t>(last + 1));
   }
@@ -108,31 +134,61 @@ ResampleAxis MakeResampleAxis(int32_t from, int32_t to, int32_t begin, int32_t e
 }
 
 // Rows are summed vertically first, at the source's width, into the pending
-// new rows each source row falls in (at most four when reducing); a new row
-// whose last source row has come is then resampled across and sent out. A
-// colour pixel is summed as four floats, which the compiler keeps in one
-// vector register.
+// new rows each source row falls in, four source rows a pass; the new rows
+// those end are then resampled across and sent out. Sums are whole numbers
+// (bytes times 14-bit weights in 32 bits, then 16-bit values with 6 bits of
+// fraction times 14-bit weights), so they come out the same in any order,
+// for any part, on any thread and on any machine; with SSE2 two products are
+// taken at once (pmaddwd), with AVX2 twice as many.
 Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, const Rect& part, int channels,
-                     int step, RowSink sink)
-    : part_(part), channels_(channels), step_(step), sink_(std::move(sink)) {
+                     int step, RowSink sink, bool rowsStay)
+    : part_(part), channels_(channels), step_(step), sink_(std::move(sink)), rowsStay_(rowsStay) {
   if (srcW < 1 || srcH < 1 || dstW < 1 || dstH < 1 || (channels != 1 && channels != 3) || step < channels ||
       part.left < 0 || part.top < 0 || part.right > dstW || part.bottom > dstH || Width(part) < 1 || Height(part) < 1)
     return;
   try {
     rows_ = MakeResampleAxis(srcH, dstH, part.top, part.bottom);
     columns_ = MakeResampleAxis(srcW, dstW, part.left, part.right);
-    // The most new rows open at once: at the start of each, those since the
-    // first that has not ended.
-    for (size_t j = 0, k = 0; j < rows_.first.size(); ++j) {
-      while (rows_.first[k] + rows_.count[k] <= rows_.first[j]) ++k;
-      pending_ = std::max(pending_, static_cast<int32_t>(j - k + 1));
+    // The most new rows open at once, as AddRow starts them and sends them
+    // out after every four source rows.
+    const int32_t n = static_cast<int32_t>(rows_.first.size());
+    for (int32_t y = rows_.sourceBegin, entered = 0, next = 0, held = 0; y < rows_.sourceEnd; ++y) {
+      while (entered < n && rows_.first[entered] <= y) ++entered;
+      pending_ = std::max(pending_, entered - next);
+      if (++held < kHeld && y < rows_.sourceEnd - 1) continue;
+      held = 0;
+      while (next < entered && rows_.first[next] + rows_.count[next] - 1 <= y) ++next;
     }
-    const size_t lanes = channels == 3 ? 4 : 1;
-    const size_t span = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin) * lanes;
+    const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin);
+    const size_t span = pixels * channels;
     if (static_cast<uint64_t>(pending_) * span > (uint64_t(1) << 28)) return;  // a gigabyte of sums
-    sums_.assign(static_cast<size_t>(pending_) * span, 0.0f);
-    row_.resize(span);
-    out_.resize(static_cast<size_t>(Width(part)) * channels);
+    sums_.assign(static_cast<size_t>(pending_) * span, 0);
+    held_.resize(kHeld * span);
+    pairs_.resize(kHeld * span);
+    // Room for reading a pair of pixels as eight values past the last.
+    across_.assign(span + 3 * channels + 8, 0);
+    // Each new pixel's weights two by two (an odd one with a 0), four
+    // copies of each pair; where AVX2 makes two pixels of as many pairs at
+    // once, pair by pair, the first's four beside the second's.
+    const auto pair = [&](int32_t i, int32_t k) {
+      const int16_t* w = columns_.weights.data() + columns_.at[i] + k;
+      const int16_t second = k + 1 < columns_.count[i] ? w[1] : 0;
+      return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint16_t>(w[0])) |
+                                  static_cast<uint32_t>(static_cast<uint16_t>(second)) << 16);
+    };
+    const int32_t width = Width(part);
+    acrossTwo_ = channels == 3 && HasAvx2();
+    for (int32_t i = 0; i < width;) {
+      const int32_t count = columns_.count[i];
+      const bool both = acrossTwo_ && i + 1 < width && (count + 1) / 2 == (columns_.count[i + 1] + 1) / 2;
+      for (int32_t k = 0; k < count; k += 2) {
+        columnPairs_.insert(columnPairs_.end(), 4, pair(i, k));
+        if (both) columnPairs_.insert(columnPairs_.end(), 4, pair(i + 1, k));
+      }
+      i += both ? 2 : 1;
+    }
+    if (channels == 3) byPairs_.resize(pixels * 8);
+    out_.resize(static_cast<size_t>(Width(part)) * channels + 1);
   } catch (const std::bad_alloc&) {
     return;
   }
@@ -141,66 +197,259 @@ Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, con
 
 namespace {
 
-// Four floats in one vector register (blue, green, red and a spare), read
-// and written at any alignment.
-typedef float Lanes __attribute__((vector_size(16)));
-typedef Lanes AnyLanes __attribute__((aligned(4)));
+// pairs = a0 b0 a1 b1 ... as 16-bit values.
+void PairUp(const uint8_t* a, const uint8_t* b, int16_t* pairs, size_t n) {
+  size_t i = 0;
+#ifdef __SSE2__
+  const __m128i zero = _mm_setzero_si128();
+  for (; i + 16 <= n; i += 16) {
+    const __m128i va = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a + i));
+    const __m128i vb = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + i));
+    const __m128i lo = _mm_unpacklo_epi8(va, vb), hi = _mm_unpackhi_epi8(va, vb);
+    __m128i* to = reinterpret_cast<__m128i*>(pairs + 2 * i);
+    _mm_storeu_si128(to, _mm_unpacklo_epi8(lo, zero));
+    _mm_storeu_si128(to + 1, _mm_unpackhi_epi8(lo, zero));
+    _mm_storeu_si128(to + 2, _mm_unpacklo_epi8(hi, zero));
+    _mm_storeu_si128(to + 3, _mm_unpackhi_epi8(hi, zero));
+  }
+#endif
+  for (; i < n; ++i) pairs[2 * i] = a[i], pairs[2 * i + 1] = b[i];
+}
 
-uint8_t Byte(float v) { return static_cast<uint8_t>(v >= 254.5f ? 255 : v <= 0.0f ? 0 : v + 0.5f); }
+// s[i] += wa a[i] + wb b[i] for the pairs of PairUp, `both` holding wa in
+// its low half and wb in its high half.
+void AddPairs(int32_t* __restrict s, const int16_t* pairs, int32_t both, size_t n) {
+  size_t i = 0;
+#ifdef __SSE2__
+  const __m128i w = _mm_set1_epi32(both);
+  for (; i + 4 <= n; i += 4) {
+    __m128i* to = reinterpret_cast<__m128i*>(s + i);
+    const __m128i p = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pairs + 2 * i));
+    _mm_storeu_si128(to, _mm_add_epi32(_mm_loadu_si128(to), _mm_madd_epi16(p, w)));
+  }
+#endif
+  const int32_t wa = static_cast<int16_t>(both & 0xFFFF), wb = static_cast<int16_t>(static_cast<uint32_t>(both) >> 16);
+  for (; i < n; ++i) s[i] += wa * pairs[2 * i] + wb * pairs[2 * i + 1];
+}
+
+// s[i] += the pairs of `one` by the weights `first` and those of `two` by `second`.
+void AddQuads(int32_t* __restrict s, const int16_t* one, const int16_t* two, int32_t first, int32_t second, size_t n) {
+  size_t i = 0;
+#ifdef __SSE2__
+  const __m128i w = _mm_set1_epi32(first), v = _mm_set1_epi32(second);
+  for (; i + 4 <= n; i += 4) {
+    __m128i* to = reinterpret_cast<__m128i*>(s + i);
+    const __m128i a = _mm_madd_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(one + 2 * i)), w);
+    const __m128i b = _mm_madd_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(two + 2 * i)), v);
+    _mm_storeu_si128(to, _mm_add_epi32(_mm_loadu_si128(to), _mm_add_epi32(a, b)));
+  }
+#endif
+  AddPairs(s + i, one + 2 * i, first, n - i);
+  AddPairs(s + i, two + 2 * i, second, n - i);
+}
+
+#if defined(__x86_64__) && defined(__GNUC__)
+// The same eight at a time, where the processor has AVX2.
+__attribute__((target("avx2"))) void AddPairsAvx2(int32_t* __restrict s, const int16_t* pairs, int32_t both,
+                                                  size_t n) {
+  size_t i = 0;
+  const __m256i w = _mm256_set1_epi32(both);
+  for (; i + 8 <= n; i += 8) {
+    __m256i* to = reinterpret_cast<__m256i*>(s + i);
+    const __m256i p = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pairs + 2 * i));
+    _mm256_storeu_si256(to, _mm256_add_epi32(_mm256_loadu_si256(to), _mm256_madd_epi16(p, w)));
+  }
+  AddPairs(s + i, pairs + 2 * i, both, n - i);
+}
+void AddPairsBest(int32_t* s, const int16_t* pairs, int32_t both, size_t n) {
+  (HasAvx2() ? AddPairsAvx2 : AddPairs)(s, pairs, both, n);
+}
+
+__attribute__((target("avx2"))) void AddQuadsAvx2(int32_t* __restrict s, const int16_t* one, const int16_t* two,
+                                                  int32_t first, int32_t second, size_t n) {
+  size_t i = 0;
+  const __m256i w = _mm256_set1_epi32(first), v = _mm256_set1_epi32(second);
+  for (; i + 8 <= n; i += 8) {
+    __m256i* to = reinterpret_cast<__m256i*>(s + i);
+    const __m256i a = _mm256_madd_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(one + 2 * i)), w);
+    const __m256i b = _mm256_madd_epi16(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(two + 2 * i)), v);
+    _mm256_storeu_si256(to, _mm256_add_epi32(_mm256_loadu_si256(to), _mm256_add_epi32(a, b)));
+  }
+  AddQuads(s + i, one + 2 * i, two + 2 * i, first, second, n - i);
+}
+void AddQuadsBest(int32_t* s, const int16_t* one, const int16_t* two, int32_t first, int32_t second, size_t n) {
+  (HasAvx2() ? AddQuadsAvx2 : AddQuads)(s, one, two, first, second, n);
+}
+#else
+const auto AddPairsBest = AddPairs;
+const auto AddQuadsBest = AddQuads;
+#endif
+
+// A row of sums (bytes times 1 << 14) as 16-bit values with 6 bits of fraction.
+void Narrow(const int32_t* s, int16_t* t, size_t n) {
+  size_t i = 0;
+#ifdef __SSE2__
+  const __m128i half = _mm_set1_epi32(128);
+  for (; i + 8 <= n; i += 8) {
+    const __m128i lo = _mm_srai_epi32(_mm_add_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i)), half), 8);
+    const __m128i hi = _mm_srai_epi32(_mm_add_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i + 4)), half), 8);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(t + i), _mm_packs_epi32(lo, hi));
+  }
+#endif
+  for (; i < n; ++i) t[i] = static_cast<int16_t>(std::clamp((s[i] + 128) >> 8, -32768, 32767));
+}
+
+// A sum of 16-bit values with 6 bits of fraction times 14-bit weights as a byte.
+uint8_t Byte(int32_t v) { return static_cast<uint8_t>(std::clamp((v + (1 << 19)) >> 20, 0, 255)); }
 
 }  // namespace
+
+int16_t Resampler::RowWeight(int32_t j, int32_t y) const {
+  const int32_t d = y - rows_.first[j];
+  return d >= 0 && d < rows_.count[j] ? rows_.weights[rows_.at[j] + static_cast<size_t>(d)] : 0;
+}
 
 void Resampler::AddRow(int32_t y, const uint8_t* row) {
   if (!ok_ || y < rows_.sourceBegin || y >= rows_.sourceEnd) return;
   const int32_t n = static_cast<int32_t>(rows_.first.size());
-  const size_t lanes = channels_ == 3 ? 4 : 1;
-  const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin), span = pixels * lanes;
+  const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin), span = pixels * channels_;
   for (; entered_ < n && rows_.first[entered_] <= y; ++entered_)
-    std::fill_n(sums_.begin() + static_cast<ptrdiff_t>(span * (entered_ % pending_)), span, 0.0f);
-  // The row as floats once, then added into each new row it falls in.
+    std::fill_n(sums_.begin() + static_cast<ptrdiff_t>(span * (entered_ % pending_)), span, 0);
+  // Rows are kept (or only pointed at, when they stay) until four have come
+  // or the last; then the new rows they end go out.
   const uint8_t* src = row + static_cast<size_t>(columns_.sourceBegin) * step_;
-  float* f = row_.data();
-  if (channels_ == 1) {
-    for (size_t x = 0; x < pixels; ++x) f[x] = src[x * step_];
-  } else {
-    for (size_t x = 0; x < pixels; ++x, src += step_, f += 4) f[0] = src[0], f[1] = src[1], f[2] = src[2], f[3] = 0;
+  uint8_t* keep = held_.data() + span * heldCount_;
+  if (step_ != channels_) {
+    for (size_t x = 0; x < pixels; ++x) std::memcpy(keep + x * channels_, src + x * step_, channels_);
+    src = keep;
   }
-  for (int32_t j = next_; j < entered_; ++j) {
-    if (y >= rows_.first[j] + rows_.count[j]) continue;
-    const float w = rows_.weights[rows_.at[j] + static_cast<size_t>(y - rows_.first[j])];
-    float* s = sums_.data() + span * static_cast<size_t>(j % pending_);
-    if (channels_ == 1) {
-      for (size_t x = 0; x < pixels; ++x) s[x] += w * row_[x];
-    } else {
-      AnyLanes* __restrict to = reinterpret_cast<AnyLanes*>(s);
-      const AnyLanes* from = reinterpret_cast<const AnyLanes*>(row_.data());
-      for (size_t x = 0; x < pixels; ++x) to[x] += w * from[x];
-    }
-  }
+  const bool last = heldCount_ == kHeld - 1 || y == rows_.sourceEnd - 1;
+  heldY_[heldCount_] = y;
+  heldRows_[heldCount_++] = src == keep || rowsStay_ || last ? src : static_cast<uint8_t*>(std::memcpy(keep, src, span));
+  if (!last) return;
+  AddHeldRows();
   while (next_ < entered_ && rows_.first[next_] + rows_.count[next_] - 1 <= y) {
     Emit(sums_.data() + span * static_cast<size_t>(next_ % pending_));
     ++next_;
   }
 }
 
-void Resampler::Emit(float* sums) {
-  const int32_t width = Width(part_);
-  uint8_t* out = out_.data();
-  for (int32_t i = 0; i < width; ++i) {
-    const float* w = columns_.weights.data() + columns_.at[i];
-    const int32_t count = columns_.count[i];
-    if (channels_ == 1) {
-      const float* s = sums + (columns_.first[i] - columns_.sourceBegin);
-      float v = 0;
-      for (int32_t k = 0; k < count; ++k) v += w[k] * s[k];
-      *out++ = Byte(v);
+// The held rows two by two (the last alone paired with itself at no weight),
+// each pair or both pairs added into every new row they fall in at once.
+void Resampler::AddHeldRows() {
+  const size_t span = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin) * channels_;
+  const int n = heldCount_;
+  int32_t weights[kHeld];  // two 16-bit weights in each even one
+  for (int k = 0; k < n; k += 2)
+    PairUp(heldRows_[k], heldRows_[k + 1 < n ? k + 1 : k], pairs_.data() + 2 * span * (k / 2), span);
+  for (int32_t j = next_; j < entered_; ++j) {
+    for (int k = 0; k < n; k += 2) {
+      const int16_t a = RowWeight(j, heldY_[k]), b = k + 1 < n ? RowWeight(j, heldY_[k + 1]) : 0;
+      weights[k] = static_cast<int32_t>(static_cast<uint16_t>(a) | static_cast<uint32_t>(static_cast<uint16_t>(b)) << 16);
+    }
+    int32_t* s = sums_.data() + span * static_cast<size_t>(j % pending_);
+    const int16_t* two = pairs_.data() + 2 * span;
+    if (n > 2 && weights[0] != 0 && weights[2] != 0) AddQuadsBest(s, pairs_.data(), two, weights[0], weights[2], span);
+    else if (weights[0] != 0) AddPairsBest(s, pairs_.data(), weights[0], span);
+    else if (n > 2 && weights[2] != 0) AddPairsBest(s, two, weights[2], span);
+  }
+  heldCount_ = 0;
+}
+
+#ifdef __SSE2__
+namespace {
+
+// A pixel's blue, green, red and a spare as bytes from the sums of its pairs.
+inline int32_t PixelBytes(__m128i v) {
+  v = _mm_srai_epi32(_mm_add_epi32(v, _mm_set1_epi32(1 << 19)), 20);
+  v = _mm_packs_epi32(v, v);
+  return _mm_cvtsi128_si32(_mm_packus_epi16(v, v));
+}
+
+// The new pixels of a row across from its source pixels side by side
+// (`byPairs`, from source pixel `begin`) and the weights of each pair (four
+// copies); `out` has a spare byte past the last pixel.
+void Across(const int16_t* byPairs, const int32_t* pair, const int32_t* first, const int32_t* count, int32_t begin,
+            int32_t width, uint8_t* out) {
+  for (int32_t i = 0; i < width; ++i, out += 3) {
+    __m128i v = _mm_setzero_si128();
+    const int16_t* two = byPairs + 8 * static_cast<size_t>(first[i] - begin);
+    for (int32_t k = 0; k < count[i]; k += 2, pair += 4, two += 16)
+      v = _mm_add_epi32(v, _mm_madd_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(two)),
+                                          _mm_loadu_si128(reinterpret_cast<const __m128i*>(pair))));
+    const int32_t bytes = PixelBytes(v);
+    std::memcpy(out, &bytes, 4);  // the fourth is overwritten by the next pixel or is the spare
+  }
+}
+
+#if defined(__x86_64__) && defined(__GNUC__)
+// The same, two new pixels at once where they take as many pairs.
+__attribute__((target("avx2"))) void AcrossAvx2(const int16_t* byPairs, const int32_t* pair, const int32_t* first,
+                                                const int32_t* count, int32_t begin, int32_t width, uint8_t* out) {
+  auto at = [](const void* p) { return reinterpret_cast<const __m128i*>(p); };
+  for (int32_t i = 0; i < width;) {
+    const int32_t pairs = (count[i] + 1) / 2;
+    if (i + 1 == width || pairs != (count[i + 1] + 1) / 2) {  // one on its own
+      Across(byPairs, pair, first + i, count + i, begin, 1, out);
+      pair += 4 * pairs, ++i, out += 3;
       continue;
     }
-    const AnyLanes* s = reinterpret_cast<const AnyLanes*>(sums) + (columns_.first[i] - columns_.sourceBegin);
-    Lanes v = {0, 0, 0, 0};
-    for (int32_t k = 0; k < count; ++k) v += w[k] * s[k];
-    out[0] = Byte(v[0]), out[1] = Byte(v[1]), out[2] = Byte(v[2]);
-    out += 3;
+    const int16_t* two = byPairs + 8 * static_cast<size_t>(first[i] - begin);
+    const int16_t* nextTwo = byPairs + 8 * static_cast<size_t>(first[i + 1] - begin);
+    __m256i v = _mm256_setzero_si256();
+    for (int32_t k = 0; k < pairs; ++k, pair += 8)
+      v = _mm256_add_epi32(v, _mm256_madd_epi16(_mm256_loadu2_m128i(at(nextTwo + 16 * k), at(two + 16 * k)),
+                                                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pair))));
+    const int32_t low = PixelBytes(_mm256_castsi256_si128(v)), high = PixelBytes(_mm256_extracti128_si256(v, 1));
+    std::memcpy(out, &low, 4);
+    std::memcpy(out + 3, &high, 4);
+    i += 2, out += 6;
+  }
+}
+#endif
+
+}  // namespace
+#endif
+
+void Resampler::Emit(const int32_t* sums) {
+  const int32_t width = Width(part_);
+  const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin);
+  Narrow(sums, across_.data(), pixels * channels_);
+  uint8_t* out = out_.data();
+  if (channels_ == 1) {
+    for (int32_t i = 0; i < width; ++i) {
+      const int16_t* w = columns_.weights.data() + columns_.at[i];
+      const int16_t* t = across_.data() + (columns_.first[i] - columns_.sourceBegin);
+      int32_t v = 0;
+      for (int32_t k = 0; k < columns_.count[i]; ++k) v += w[k] * t[k];
+      out[i] = Byte(v);
+    }
+  } else {
+#ifdef __SSE2__
+    // Each source pixel beside the next, blue, green and red paired up (b0
+    // b1 g0 g1 r0 r1 and two left over), to be multiplied by two weights at once.
+    const int16_t* t = across_.data();
+    for (size_t p = 0; p < pixels; ++p, t += 3)
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(byPairs_.data() + 8 * p),
+                       _mm_unpacklo_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(t)),
+                                          _mm_loadu_si128(reinterpret_cast<const __m128i*>(t + 3))));
+#if defined(__x86_64__) && defined(__GNUC__)
+    const auto across = acrossTwo_ ? AcrossAvx2 : Across;
+#else
+    const auto across = Across;
+#endif
+    across(byPairs_.data(), columnPairs_.data(), columns_.first.data(), columns_.count.data(), columns_.sourceBegin,
+           width, out);
+#else
+    for (int32_t i = 0; i < width; ++i, out += 3) {
+      const int16_t* w = columns_.weights.data() + columns_.at[i];
+      const int16_t* t = across_.data() + static_cast<size_t>(columns_.first[i] - columns_.sourceBegin) * 3;
+      int32_t v[3] = {0, 0, 0};
+      for (int32_t k = 0; k < columns_.count[i]; ++k, t += 3)
+        for (int c = 0; c < 3; ++c) v[c] += w[k] * t[c];
+      out[0] = Byte(v[0]), out[1] = Byte(v[1]), out[2] = Byte(v[2]);
+    }
+#endif
   }
   sink_(part_.top + next_, out_.data());
 }
@@ -218,15 +467,18 @@ bool IsGreyDib(const uint8_t* dib) {
 
 }  // namespace
 
-bool ResampleDibRows(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect& part, bool keepGrey,
-                     const Resampler::RowSink& sink) {
+namespace {
+
+// The rows of `part` made by one resampler reading the Dib's rows where they are.
+bool ResampleBand(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect& part, bool grey,
+                  const Resampler::RowSink& sink) {
   const auto& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
   const int32_t rows = h.biHeight < 0 ? -h.biHeight : h.biHeight;
-  const bool grey = keepGrey && IsGreyDib(dib);
   // 24-bit, 32-bit and grey rows are read where they are; others are
   // converted a row at a time.
   const bool direct = grey || h.biBitCount == 24 || h.biBitCount == 32;
-  Resampler resampler(h.biWidth, rows, dstW, dstH, part, grey ? 1 : 3, grey ? 1 : h.biBitCount == 32 ? 4 : 3, sink);
+  Resampler resampler(h.biWidth, rows, dstW, dstH, part, grey ? 1 : 3, grey ? 1 : h.biBitCount == 32 ? 4 : 3, sink,
+                      direct);
   if (!resampler.ok()) return false;
   std::vector<uint8_t> row;
   try {
@@ -245,6 +497,42 @@ bool ResampleDibRows(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect&
     }
   }
   return resampler.Done();
+}
+
+}  // namespace
+
+// A large part is made in two bands of rows, the lower one on a second
+// thread; every new pixel is the same whichever band makes it.
+bool ResampleDibRows(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect& part, bool keepGrey,
+                     const Resampler::RowSink& sink) {
+  const bool grey = keepGrey && IsGreyDib(dib);
+  const auto& h = *reinterpret_cast<const BitmapInfoHeader*>(dib);
+  // The pixels made and the source pixels read, about: worth a thread from a million.
+  const double made = static_cast<double>(Width(part)) * Height(part);
+  const double read = made * h.biWidth / std::max(dstW, 1) * std::abs(static_cast<double>(h.biHeight)) / std::max(dstH, 1);
+  if (Height(part) < 64 || made + read < (1 << 20) || std::thread::hardware_concurrency() < 2)
+    return ResampleBand(dib, dstW, dstH, part, grey, sink);
+  Rect upper = part, lower = part;
+  upper.bottom = lower.top = part.top + Height(part) / 2;
+  bool lowerMade = false;
+  std::thread other;
+  try {
+    other = std::thread([&] {
+      try {
+        lowerMade = ResampleBand(dib, dstW, dstH, lower, grey, sink);
+      } catch (const std::bad_alloc&) {  // nothing may leave a thread
+      }
+    });
+  } catch (const std::system_error&) {
+    return ResampleBand(dib, dstW, dstH, part, grey, sink);
+  }
+  bool upperMade = false;
+  try {
+    upperMade = ResampleBand(dib, dstW, dstH, upper, grey, sink);
+  } catch (const std::bad_alloc&) {  // the other thread is waited for all the same
+  }
+  other.join();
+  return upperMade && lowerMade;
 }
 
 BlockHandle ResampleDib(BlockHandle dib, int32_t dstW, int32_t dstH) {

@@ -24,9 +24,10 @@ void DibRowBgr(const uint8_t* dib, int32_t y, uint8_t* out);
 
 // One axis: for each new pixel, the source pixels it takes and their weights.
 struct ResampleAxis {
+  static constexpr int kWeightBits = 14;
   std::vector<int32_t> first, count;  // per new pixel
   std::vector<size_t> at;             // where its weights start
-  std::vector<float> weights;         // each new pixel's add up to 1
+  std::vector<int16_t> weights;       // each new pixel's add up to 1 << kWeightBits
   int32_t sourceBegin = 0, sourceEnd = 0;  // the source pixels any of them takes
 };
 // The weights of new pixels [begin, end) of `to` made from `from` pixels.
@@ -39,9 +40,10 @@ class Resampler {
   using RowSink = std::function<void(int32_t y, const uint8_t* row)>;
   // Source rows of srcW pixels, each `step` bytes of which the first
   // `channels` (1 grey, 3 blue-green-red) are used, become the rows of
-  // `part` of a dstW x dstH picture.
+  // `part` of a dstW x dstH picture. With `rowsStay` the rows stay where
+  // they are until every row has been added, and are read there.
   Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, const Rect& part, int channels, int step,
-            RowSink sink);
+            RowSink sink, bool rowsStay = false);
   bool ok() const { return ok_; }
   // The source rows the part needs: [FirstRow(), EndRow()).
   int32_t FirstRow() const { return rows_.sourceBegin; }
@@ -52,25 +54,40 @@ class Resampler {
   bool Done() const { return ok_ && next_ >= Height(part_); }
 
  private:
-  void Emit(float* sums);
+  int16_t RowWeight(int32_t j, int32_t y) const;
+  void AddHeldRows();
+  void Emit(const int32_t* sums);
 
   Rect part_;
   int channels_, step_;
   RowSink sink_;
   bool ok_ = false;
   ResampleAxis rows_, columns_;
+  bool acrossTwo_ = false;  // two new pixels made at once (AVX2)
+  // The columns' weights two by two (an odd one with a 0), four copies of
+  // each pair; with acrossTwo_, pair by pair for two new pixels together.
+  std::vector<int32_t> columnPairs_;
   int32_t next_ = 0;     // the next row of the part to go out (from its top)
   int32_t entered_ = 0;  // rows of the part whose sums have been started
   int32_t pending_ = 1;  // rows of the part summed at once, at most
-  std::vector<float> sums_;  // `pending_` rows of the source columns needed
-  std::vector<float> row_;   // the source row being added, as floats
+  std::vector<int32_t> sums_;  // `pending_` rows of the source columns needed
+  static constexpr int kHeld = 4;
+  std::vector<uint8_t> held_;   // source rows waiting to be added four at once
+  std::vector<int16_t> pairs_;  // they two by two, interleaved
+  const uint8_t* heldRows_[kHeld] = {};
+  int32_t heldY_[kHeld] = {};
+  int heldCount_ = 0;
+  bool rowsStay_;
+  std::vector<int16_t> across_;   // a finished row of sums, scaled to 16 bits
+  std::vector<int16_t> byPairs_;  // the same, each pixel beside the next
   std::vector<uint8_t> out_;
 };
 
 // Resamples the Dib (any depth the program stores, top-down or bottom-up) to
 // dstW x dstH, making only the rows and columns of `part`; with `keepGrey` a
 // Dib of grey levels comes out as one byte a pixel. False when the Dib is not
-// usable or memory runs out.
+// usable or memory runs out. A large part is made on two threads: the sink
+// may then be called from both at once, never twice for one row.
 bool ResampleDibRows(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect& part, bool keepGrey,
                      const Resampler::RowSink& sink);
 

@@ -3,6 +3,7 @@
 // close to ImageMagick's Lanczos.
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 #include "base/dib.h"
@@ -122,6 +123,26 @@ TEST_F(QuernalTest, ResamplerTurnsFinePatternsToEvenGreyFromEveryDepthAndRowOrde
   }
   EXPECT_LE(steepest, 40);
   EXPECT_GE(levels, 10);
+
+  // A flat picture stays exactly flat at every scale, whole or in parts
+  // (enlarged 3 times, rows on a source row once dropped their upper
+  // neighbour's zero weight and the next rows started too late).
+  BlockHandle flat = DibCreate(8, 6, 24);
+  {
+    BlockLock lock(flat);
+    std::memset(DibBits(lock.bytes()), 200, DibRowStride(8, 24) * 6);
+  }
+  for (const int scale : {30, 20, 15, 11, 4}) {  // tenths
+    BlockHandle resampled = ResampleDib(flat, 8 * scale / 10, 6 * scale / 10);
+    const RgbPixels pixels = DibPixels(resampled);
+    for (size_t i = 0; i < pixels.rgb.size(); ++i) ASSERT_EQ(pixels.rgb[i], 200) << scale << ": " << i;
+    GlobalBlockFree(resampled);
+    BlockLock lock(flat);
+    for (int top = 0; top < 6 * scale / 10; ++top)
+      ASSERT_TRUE(ResampleDibRows(lock.bytes(), 8 * scale / 10, 6 * scale / 10, Rect{0, top, 1, top + 1}, false,
+                                  [&](int32_t y, const uint8_t* row) { ASSERT_EQ(row[0], 200) << scale << ": " << y; }));
+  }
+  GlobalBlockFree(flat);
 
   // A part of the new picture is that part of the whole.
   BlockHandle checker = PatternDib(kChecker, 24, false, false, 57, 43);
