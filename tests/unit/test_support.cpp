@@ -74,6 +74,13 @@ void QuernalTest::TearDown() {
   EXPECT_EQ(GlobalBlockLiveCount(), liveBlocks_) << "the test left memory blocks behind";
 }
 
+std::string SettingText(const char* key) {
+  const SettingsRow* row = FindSettingsRow(key);
+  if (!row) return "?";
+  if (row->type & kSettingText) return static_cast<const char*>(row->variable);
+  return std::to_string(*static_cast<const uint32_t*>(row->variable));
+}
+
 BlockHandle MakePatternDib(int width, int height, int bits, uint32_t seed) {
   BlockHandle dib = DibCreate(width, height, static_cast<uint16_t>(bits));
   BlockLock lock(dib);
