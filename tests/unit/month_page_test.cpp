@@ -76,48 +76,44 @@ TEST_F(MonthPageTest, CalendarHalfByHand) {
   EXPECT_EQ(december.back().r, (Rect{308, 855, 392, 861}));
 }
 
-TEST_F(MonthPageTest, MonthsStartInTheirWeekdayColumn) {
+TEST_F(MonthPageTest, MonthsStartInTheirWeekdayColumnAndFillTheirRows) {
   Settings.DateShadow = 0;
-  NewCalendar(2026);
-  // 2026: February starts on Sunday, June Monday, September Tuesday, April
-  // Wednesday, January Thursday, May Friday, August Saturday.
-  const int byColumn[7] = {1, 5, 8, 3, 0, 4, 7};
-  for (int column = 0; column < 7; ++column) {
-    auto dates = Dates(Render(byColumn[column]));
+  const struct {
+    int year, month;
+    bool mondayFirst;
+    int column, rows;
+  } cases[] = {
+      // 2026: February starts on Sunday, June Monday, September Tuesday, April
+      // Wednesday, January Thursday, May Friday, August Saturday.
+      {2026, 1, false, 0, 4}, {2026, 5, false, 1, 5}, {2026, 8, false, 2, 5}, {2026, 3, false, 3, 5},
+      {2026, 0, false, 4, 5}, {2026, 4, false, 5, 6}, {2026, 7, false, 6, 6},
+      // A leap February; February 2015 starts on a Sunday: four rows, or five with Monday first.
+      {2024, 1, false, 4, 5}, {2015, 1, false, 0, 4}, {2015, 1, true, 6, 5}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.year << "-" << c.month + 1 << (c.mondayFirst ? " Monday first" : ""));
+    Settings.StartMonday = c.mondayFirst;
+    NewCalendar(c.year);
+    const auto ops = Render(c.month);
+    const auto dates = Dates(ops);
     ASSERT_FALSE(dates.empty());
     EXPECT_EQ(dates[0].text, "1");
-    EXPECT_EQ(dates[0].r.left, 20 + 96 * column) << "month " << byColumn[column];
+    EXPECT_EQ(dates[0].r.left, 20 + 96 * c.column);
     EXPECT_EQ(dates[0].r.top, 591);
-    EXPECT_EQ(static_cast<int>(dates.size()), MonthLength(2026, byColumn[column]));
+    EXPECT_EQ(static_cast<int>(dates.size()), MonthLength(c.year, c.month));
+    EXPECT_EQ(Rows(dates), c.rows);
+    EXPECT_EQ(ops[6].text, c.mondayFirst ? "Monday" : "Sunday");
   }
-  // August: 31 days from the last column fill all six rows; the small months
-  // take columns 2 and 3 of the sixth.
+  // August 2026: 31 days from the last column fill all six rows; the small
+  // months take columns 2 and 3 of the sixth.
+  Settings.StartMonday = 0;
+  NewCalendar(2026);
   auto august = Render(7);
-  auto dates = Dates(august);
-  EXPECT_EQ(Rows(dates), 6);
-  EXPECT_EQ(dates.back().r, (Rect{116, 921, 200, 975}));
+  EXPECT_EQ(Dates(august).back().r, (Rect{116, 921, 200, 975}));
   auto july = Titled(august, "July"), september = Titled(august, "September");
   ASSERT_FALSE(july.empty());
   ASSERT_FALSE(september.empty());
   EXPECT_EQ(july.back().r.left, 14 + 2 * 96 + 6);
   EXPECT_EQ(september.back().r.left, 14 + 3 * 96 + 6);
-}
-
-TEST_F(MonthPageTest, LeapFebruaryAndMondayFirst) {
-  Settings.DateShadow = 0;
-  NewCalendar(2024);
-  EXPECT_EQ(Dates(Render(1)).size(), 29u);
-
-  // February 2015 starts on a Sunday: four rows, or five with Monday first.
-  NewCalendar(2015);
-  EXPECT_EQ(Rows(Dates(Render(1))), 4);
-  Settings.StartMonday = 1;
-  auto ops = Render(1);
-  auto dates = Dates(ops);
-  EXPECT_EQ(Rows(dates), 5);
-  EXPECT_EQ(dates[0].r.left, 20 + 6 * 96);
-  EXPECT_EQ(dates[1].r.left, 20) << "the 2nd opens the next row";
-  EXPECT_EQ(ops[6].text, "Monday");
 }
 
 TEST_F(MonthPageTest, DatePlacementsAndEvents) {
