@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <string>
 
+#include "calendar/calendar_file.h"
 #include "unit/test_support.h"
 
 // Runs a shell command; its exit code, with stdout and stderr together in *out.
@@ -43,6 +44,22 @@ class CliTest : public QuernalTest {
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     run.err = ReadFile(errPath);
     return run;
+  }
+  // A calendar of `year` saved as `name` in the test's folder, with a
+  // picture of `width` x 20 in `month` that `edit` may change further.
+  std::string SavedCalendar(const std::string& name, int year, int month, int width,
+                            void (*edit)(MonthPage*) = nullptr) {
+    CalendarDocument doc = CreateCalendar(year, month);
+    MonthPage page;
+    GetMonthPage(doc, month, &page);
+    page.Picture = MakePatternDib(width, 20, 8, 1);
+    if (edit) edit(&page);
+    PutMonthPage(doc, month, &page);
+    const std::string path = dir_.File(name);
+    SilentProgress progress;
+    EXPECT_EQ(SaveCalendar(&progress, path.c_str(), doc), 1);
+    FreeCalendar(doc);
+    return path;
   }
   static std::string Q(const std::string& path) { return "'" + path + "'"; }
   static bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
