@@ -74,6 +74,11 @@ TEST_F(MonthPageTest, CalendarHalfByHand) {
   EXPECT_EQ(october.back().r, (Rect{212, 855, 296, 861}));
   EXPECT_EQ(october.back().flags, 2081);
   EXPECT_EQ(december.back().r, (Rect{308, 855, 392, 861}));
+  // Each half draws alone: the upper one without a picture is its background only.
+  auto upper = Render(10, true, true, false), lower = Render(10, true, false, true);
+  EXPECT_EQ(Lines(upper), (std::vector<std::string>{"fill 0 0 700 500 #FFFFFF"}));
+  EXPECT_EQ(lower[0].line, "fill 0 500 700 1000 #FFFFFF");
+  EXPECT_EQ(ops.size(), upper.size() + lower.size());
 }
 
 TEST_F(MonthPageTest, MonthsStartInTheirWeekdayColumnAndFillTheirRows) {
@@ -261,16 +266,6 @@ TEST_F(MonthPageTest, APageAwayFromTheOriginKeepsTheBottomRules) {
   EXPECT_EQ(picture[0].r.bottom, 247 + 195) << "fitted to the 196 pixels left above 443";
   EXPECT_EQ(picture[0].r.top, 247);
   EXPECT_EQ(OfKind(ops, "fill")[1].line, "fill 100 600 800 1200 #FFFFFF");
-}
-
-TEST_F(MonthPageTest, HalvesDrawAlone) {
-  auto upper = Render(3, true, true, false);
-  ASSERT_EQ(upper.size(), 1u);
-  EXPECT_EQ(upper[0].line, "fill 0 0 700 500 #FFFFFF");
-  auto lower = Render(3, true, false, true);
-  EXPECT_EQ(lower[0].line, "fill 0 500 700 1000 #FFFFFF");
-  auto both = Render(3);
-  EXPECT_EQ(both.size(), upper.size() + lower.size());
 }
 
 TEST_F(MonthPageTest, RefusesWhatIsNotAPageAndChangesNothing) {
