@@ -69,9 +69,13 @@ TEST_F(CliTest, InfoShowsEventsPicturesAndTextsInUtf8) {
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_TRUE(Has(r.out, "\"LeftCaption\": \"Caf\xC3\xA9 \xE2\x82\xAC \\\"quoted\\\"\\nnext\","));
   EXPECT_TRUE(Has(r.out, "\"Picture\": {\"width\": 30, \"height\": 20, \"bits\": 8, \"bytes\": 1704},"));
-  EXPECT_TRUE(Has(r.out, "\"5\": \"Party\",\n        \"29\": \"Leap day\"\n      }}"));
+  EXPECT_TRUE(Has(r.out, "\"Events\": {\"days\": {\n        \"5\": \"Party\",\n        \"29\": \"Leap day\"\n      }},"));
+  EXPECT_TRUE(Has(r.out, "\"Events\": {\"days\": {}},")) << "January's list has no day";
   EXPECT_FALSE(Has(r.out, "Never")) << "2024 has no 30 February";
   EXPECT_TRUE(Has(r.out, "\"1\": \"Spring\""));
+  // The summary counts the days with an event, the 1st among them.
+  r = Cli("summary " + Q(file) + " --app-dir " + Q(app.path()));
+  EXPECT_TRUE(Has(r.out, "  March      no picture, events \"General\": 1 this month\n")) << r.out;
 
   // Without the events file every page says null.
   r = Cli("info " + Q(file) + " --app-dir " + Q(dir_.path()));
