@@ -12,31 +12,21 @@
 #include "cli/cli_run.h"
 #include "config/settings.h"
 
-TEST_F(CliTest, NewWritesAFreshCalendarForTheYearAndMonthAsked) {
+TEST_F(CliTest, NewWritesAFreshCalendarFromTheSettingsOfTheConfigFolder) {
+  TempDir config;
+  WriteFile(config.File("QUERNL.INI"), "[Quernal]\nDateFontSize = 42\nDaysName = Feiertage\nYagRound = 3\n");
   std::string file = dir_.File("2031.CLN");
-  CliRun r = Cli("new --year 2031 --month 12 -o " + Q(file));
+  CliRun r = Cli("new --year 2031 --month 12 --config " + Q(config.path()) + " -o " + Q(file));
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(ReadFile(file).size(), 70139u);
   r = Cli("info " + Q(file));
   ASSERT_EQ(r.status, 0) << r.err;
-  EXPECT_TRUE(Has(r.out, "\"Magic\": \"TRWK\""));
-  EXPECT_TRUE(Has(r.out, "\"Year\": 2031,"));
-  EXPECT_TRUE(Has(r.out, "\"CurrentPage\": 11,"));
-  EXPECT_TRUE(Has(r.out, "\"CoverPicture\": null,"));
-  EXPECT_TRUE(Has(r.out, "\"DateBackColour\": 14737632,"));
-  EXPECT_FALSE(Has(r.out, "Reserved"));
   EXPECT_EQ(r.out.substr(0, 14), "{\n  \"header\": ");
-}
-
-TEST_F(CliTest, NewReadsTheSettingsOfTheConfigFolder) {
-  TempDir config;
-  WriteFile(config.File("QUERNL.INI"), "[Quernal]\nDateFontSize = 42\nDaysName = Feiertage\nYagRound = 3\n");
-  std::string file = dir_.File("x.CLN");
-  ASSERT_EQ(Cli("new --year 2030 --config " + Q(config.path()) + " -o " + Q(file)).status, 0);
-  CliRun r = Cli("info " + Q(file));
-  EXPECT_TRUE(Has(r.out, "\"DateFontSize\": 42,"));
-  EXPECT_TRUE(Has(r.out, "\"DaysName\": \"Feiertage\","));
-  EXPECT_TRUE(Has(r.out, "\"YagRound\": 3,"));
+  for (const char* shown : {"\"Magic\": \"TRWK\"", "\"Year\": 2031,", "\"CurrentPage\": 11,", "\"CoverPicture\": null,",
+                            "\"DateBackColour\": 14737632,", "\"DateFontSize\": 42,", "\"DaysName\": \"Feiertage\",",
+                            "\"YagRound\": 3,"})
+    EXPECT_TRUE(Has(r.out, shown)) << shown;
+  EXPECT_FALSE(Has(r.out, "Reserved"));
 }
 
 // Every command refuses what it cannot do, with exit 2 (1 for a file that is
@@ -69,16 +59,9 @@ TEST_F(CliTest, WrongArgumentsAreRefusedAndWriteNothing) {
 
 TEST_F(CliTest, InfoShowsEventsPicturesAndTextsInUtf8) {
   // A calendar made by the library, with a picture and a caption in Windows-1252.
-  CalendarDocument doc = CreateCalendar(2024, 1);
-  MonthPage feb;
-  GetMonthPage(doc, 1, &feb);
-  feb.Picture = MakePatternDib(30, 20, 8, 1);
-  std::strcpy(feb.LeftCaption, "Caf\xE9 \x80 \"quoted\"\nnext");
-  PutMonthPage(doc, 1, &feb);
-  std::string file = dir_.File("events.CLN");
-  SilentProgress progress;
-  ASSERT_EQ(SaveCalendar(&progress, file.c_str(), doc), 1);
-  FreeCalendar(doc);
+  const std::string file = SavedCalendar("events.CLN", 2024, 1, 30, [](MonthPage* feb) {
+    std::strcpy(feb->LeftCaption, "Caf\xE9 \x80 \"quoted\"\nnext");
+  });
 
   TempDir app;
   WriteFile(app.File("General.CDF"), "FEB05 Party\nFEB29 Leap day\nFEB30 Never\nMAR01 Spring\n");
@@ -86,9 +69,13 @@ TEST_F(CliTest, InfoShowsEventsPicturesAndTextsInUtf8) {
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_TRUE(Has(r.out, "\"LeftCaption\": \"Caf\xC3\xA9 \xE2\x82\xAC \\\"quoted\\\"\\nnext\","));
   EXPECT_TRUE(Has(r.out, "\"Picture\": {\"width\": 30, \"height\": 20, \"bits\": 8, \"bytes\": 1704},"));
-  EXPECT_TRUE(Has(r.out, "\"5\": \"Party\",\n        \"29\": \"Leap day\"\n      }}"));
+  EXPECT_TRUE(Has(r.out, "\"Events\": {\"days\": {\n        \"5\": \"Party\",\n        \"29\": \"Leap day\"\n      }},"));
+  EXPECT_TRUE(Has(r.out, "\"Events\": {\"days\": {}},")) << "January's list has no day";
   EXPECT_FALSE(Has(r.out, "Never")) << "2024 has no 30 February";
   EXPECT_TRUE(Has(r.out, "\"1\": \"Spring\""));
+  // The summary counts the days with an event, the 1st among them.
+  r = Cli("summary " + Q(file) + " --app-dir " + Q(app.path()));
+  EXPECT_TRUE(Has(r.out, "  March      no picture, events \"General\": 1 this month\n")) << r.out;
 
   // Without the events file every page says null.
   r = Cli("info " + Q(file) + " --app-dir " + Q(dir_.path()));
@@ -104,14 +91,7 @@ TEST_F(CliTest, DamagedFilesAreReportedOrRepaired) {
   EXPECT_TRUE(Has(r.err, "There has been an error reading this file. It might be corrupted."));
   EXPECT_TRUE(r.out.empty());
 
-  CalendarDocument doc = CreateCalendar(2026, 0);
-  MonthPage jan;
-  GetMonthPage(doc, 0, &jan);
-  jan.Picture = MakePatternDib(50, 50, 24, 2);
-  PutMonthPage(doc, 0, &jan);
-  SilentProgress progress;
-  ASSERT_EQ(SaveCalendar(&progress, file.c_str(), doc), 1);
-  FreeCalendar(doc);
+  SavedCalendar("damaged.CLN", 2026, 0, 50);
   std::string bytes = ReadFile(file);
   bytes[kHeaderSize + kMonthPageSize + 30] ^= 0x33;  // inside January's picture stream
   WriteFile(file, bytes);
@@ -154,21 +134,11 @@ TEST_F(CliTest, AllPicturesTogetherStayUnderTheDocumentCap) {
   WriteFile(file, CalendarFileWithPictures(13, stream, size));
   CliRun r = Cli("summary " + Q(file));
   ASSERT_EQ(r.status, 0) << r.err;
-  int skipped = 0;
-  for (size_t at = 0; (at = r.err.find("damaged picture was skipped", at)) != std::string::npos; ++at) ++skipped;
-  EXPECT_EQ(skipped, 10) << r.err;
+  EXPECT_EQ(Count(r.err, "damaged picture was skipped"), 10) << r.err;
 }
 
 TEST_F(CliTest, ResaveRecompressesAtTheLevelAsked) {
-  CalendarDocument doc = CreateCalendar(2026, 0);
-  MonthPage jan;
-  GetMonthPage(doc, 0, &jan);
-  jan.Picture = MakePatternDib(400, 300, 24, 3);
-  PutMonthPage(doc, 0, &jan);
-  std::string file = dir_.File("in.CLN");
-  SilentProgress progress;
-  ASSERT_EQ(SaveCalendar(&progress, file.c_str(), doc), 1);
-  FreeCalendar(doc);
+  const std::string file = SavedCalendar("in.CLN", 2026, 0, 400);
   std::string fast = dir_.File("fast.CLN"), small = dir_.File("small.CLN");
   ASSERT_EQ(Cli("resave " + Q(file) + " -o " + Q(fast) + " --level 1").status, 0);
   ASSERT_EQ(Cli("resave " + Q(fast) + " -o " + Q(small) + " --level 9").status, 0);

@@ -21,11 +21,6 @@ class DesignerCliTest : public CliTest {
     GlobalBlockFree(dib);
     return path;
   }
-  static int Count(const std::string& text, const std::string& part) {
-    int n = 0;
-    for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; ++at) ++n;
-    return n;
-  }
   static std::string Width(int width) { return "\"Picture\": {\"width\": " + std::to_string(width) + ","; }
 };
 

@@ -133,6 +133,11 @@ TEST_F(EventsCliTest, BrokenFilesAreReportedByLineAndWriteNothing) {
   // A good file replaces the list and keeps the one before as the backup.
   ASSERT_EQ(Import(Ics(Event(day))).status, 0);
   EXPECT_EQ(ReadFile(dir_.File("Holidays.BAK")), "JAN01 Kept\n");
+  // A file read in pieces of 64 KiB is read to its last byte.
+  const std::string whole = Ics(Event(day)), last = "END:VCALENDAR";
+  std::string padded = whole.substr(0, whole.size() - last.size() - 2) + "X-PAD:";
+  padded += std::string(65537 - padded.size() - 2 - last.size(), 'x') + "\r\n" + last;
+  EXPECT_EQ(Import(padded).status, 0) << padded.size();
 }
 
 TEST_F(EventsCliTest, AListThatIsNotThereIsSaidSo) {

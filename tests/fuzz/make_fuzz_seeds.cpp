@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -51,17 +53,10 @@ void SaveSeed(const std::string& path, bool cover, std::initializer_list<int> mo
 }
 
 std::string ReadBytes(const std::string& path) {
-  std::string bytes;
-  std::FILE* f = std::fopen(path.c_str(), "rb");
-  for (int c; f && (c = std::fgetc(f)) != EOF;) bytes += static_cast<char>(c);
-  if (f) std::fclose(f);
-  return bytes;
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
 }
-void WriteBytes(const std::string& path, const std::string& bytes) {
-  std::FILE* f = std::fopen(path.c_str(), "wb");
-  std::fwrite(bytes.data(), 1, bytes.size(), f);
-  std::fclose(f);
-}
+void WriteBytes(const std::string& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
 
 // A calendar whose March picture comes as `stream`, with `dataSize` stated:
 // the shapes of stream the loader reads as far as they go.
@@ -86,12 +81,6 @@ void SaveStreamSeeds(const std::string& folder) {
   SaveStreamSeed(folder + "/stops-short.CLN", Deflated({{dib.substr(0, size / 2), Z_FULL_FLUSH}}), size);
   SaveStreamSeed(folder + "/runs-on.CLN", Zlib(dib + std::string(700, 'x')), size);
   SaveStreamSeed(folder + "/size-unstated.CLN", whole.substr(0, whole.size() - 4), 0);
-}
-
-void WriteText(const std::string& path, const char* text) {
-  std::FILE* f = std::fopen(path.c_str(), "wb");
-  std::fputs(text, f);
-  std::fclose(f);
 }
 
 // Small pictures of the six image formats, written byte by byte.
@@ -198,13 +187,8 @@ std::string PhoneJpeg() {
 // A PNG with a colour profile (iCCP) and EXIF (eXIf) before its data.
 std::string ProfiledPng() {
   std::string png = Png(3, 3, 8, 6, 12, "");
-  const std::string icc = SrgbProfile();
-  uLongf packed = compressBound(icc.size());
-  std::string deflated(packed, '\0');
-  compress(reinterpret_cast<Bytef*>(&deflated[0]), &packed, reinterpret_cast<const Bytef*>(icc.data()), icc.size());
-  deflated.resize(packed);
   const std::string chunks =
-      PngChunk("iCCP", std::string("sRGB\0\0", 6) + deflated) + PngChunk("eXIf", Exif().substr(6));
+      PngChunk("iCCP", std::string("sRGB\0\0", 6) + Zlib(SrgbProfile())) + PngChunk("eXIf", Exif().substr(6));
   return png.insert(33, chunks);  // after the signature and IHDR
 }
 
@@ -286,13 +270,13 @@ int main(int argc, char** argv) {
   std::FILE* f = std::fopen((root + "/text-seeds/QUERNL.INI").c_str(), "wb");
   WriteSettings(f, {"C:\\My Calendars\\2026.CLN", "D:\\old.CLN"}, std::time(nullptr));
   std::fclose(f);
-  WriteText(root + "/text-seeds/abbreviated.INI", "Month = Xyz\nCap=1\nDateFontSize=   =  42pt\n\n=x\n");
-  WriteText(root + "/text-seeds/General.CDF", "; holidays\nJAN01 New Year\n  jan05 indented\nDEC25 Christmas\r\nFEB29 Leap\n");
+  WriteBytes(root + "/text-seeds/abbreviated.INI", "Month = Xyz\nCap=1\nDateFontSize=   =  42pt\n\n=x\n");
+  WriteBytes(root + "/text-seeds/General.CDF", "; holidays\nJAN01 New Year\n  jan05 indented\nDEC25 Christmas\r\nFEB29 Leap\n");
   // Lines longer than either reader takes at once, in a file of tens of kilobytes.
   std::string longLines = "[Quernal]\nCoverTitle = " + std::string(1500, 'T') + "\n";
   for (int i = 0; i < 200; ++i)
     longLines += "JAN" + std::to_string(10 + i % 20) + " " + std::string(60 + i % 300, 'e') + "\n";
-  WriteText(root + "/text-seeds/long.CDF", longLines.c_str());
+  WriteBytes(root + "/text-seeds/long.CDF", longLines);
   WriteImageSeeds(root + "/image-seeds");
   return 0;
 }

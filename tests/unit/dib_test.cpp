@@ -6,18 +6,17 @@
 #include "test_support.h"
 
 TEST(Dib, ColourTableAndStrideFollowTheBitCount) {
-  EXPECT_EQ(DibColourTableEntries(1), 2u);
-  EXPECT_EQ(DibColourTableEntries(4), 16u);
-  EXPECT_EQ(DibColourTableEntries(8), 256u);
-  EXPECT_EQ(DibColourTableEntries(16), 0u);
-  EXPECT_EQ(DibColourTableEntries(24), 0u);
-  // Rows are padded to four bytes.
-  EXPECT_EQ(DibRowStride(1, 1), 4u);
-  EXPECT_EQ(DibRowStride(33, 1), 8u);
-  EXPECT_EQ(DibRowStride(3, 24), 12u);
-  EXPECT_EQ(DibRowStride(5, 24), 16u);
-  EXPECT_EQ(DibRowStride(7, 4), 4u);
-  EXPECT_EQ(DibRowStride(9, 4), 8u);
+  // bits, colours, and the stride of rows 1, 3, 5, 7, 9 and 33 pixels wide: rows are padded to four bytes.
+  const struct {
+    uint16_t bits;
+    uint32_t colours, strides[6];
+  } cases[] = {{1, 2, {4, 4, 4, 4, 4, 8}}, {4, 16, {4, 4, 4, 4, 8, 20}}, {8, 256, {4, 4, 8, 8, 12, 36}},
+               {16, 0, {4, 8, 12, 16, 20, 68}}, {24, 0, {4, 12, 16, 24, 28, 100}}};
+  const int widths[] = {1, 3, 5, 7, 9, 33};
+  for (const auto& c : cases) {
+    EXPECT_EQ(DibColourTableEntries(c.bits), c.colours) << c.bits;
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(DibRowStride(widths[i], c.bits), c.strides[i]) << c.bits << " " << widths[i];
+  }
 }
 
 TEST(Dib, CreatedDibsAreValidAndDamagedOnesAreNot) {

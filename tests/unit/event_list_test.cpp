@@ -33,53 +33,37 @@ class EventListTest : public QuernalTest {
 
 }  // namespace
 
-TEST_F(EventListTest, LinesAreKeptCutAtTheirFirstControlCharacter) {
+TEST_F(EventListTest, LinesAreKeptCutAtTheirFirstControlCharacterAndCommentsGo) {
   BlockHandle list = Load("; a comment\n   ;indented comment\nJAN05 Party\r\n  FEB02 Indented\nMAR03 Tab\tcut\n");
   ASSERT_NE(list, 0u);
   EXPECT_EQ(Lines(list), (std::vector<std::string>{"JAN05 Party", "  FEB02 Indented", "MAR03 Tab"}));
   GlobalBlockFree(list);
-}
-
-TEST_F(EventListTest, CommentsOnlyGiveAnEmptyListAndNoFileGivesNone) {
-  BlockHandle list = Load(";nothing here\n; still nothing\n");
-  ASSERT_NE(list, 0u);
+  list = Load(";nothing here\n; still nothing\n");
+  ASSERT_NE(list, 0u) << "comments only give an empty list";
   EXPECT_TRUE(Lines(list).empty());
   EXPECT_EQ(Find(list, 0, 1), "<none>");
   GlobalBlockFree(list);
-  EXPECT_EQ(LoadEventList("Missing"), 0u);
+  EXPECT_EQ(LoadEventList("Missing"), 0u) << "no file gives none";
 }
 
 TEST_F(EventListTest, FindEventMatchesMonthAndDayWithoutRegardToCase) {
+  // Long lines are read in pieces of 1023: the rest reads as a line of its own.
   BlockHandle list = Load("jan05 lower\nJAN05 Second on the same day\nDEC31 Year's end\n"
-                           "  FEB02 Indented never matches\nMAR07\nMAR0812\nJAN1x Bad\n");
+                          "  FEB02 Indented never matches\nMAR07\nMAR0812\nJAN1x Bad\nAPR01 " +
+                          std::string(1017, 'x') + "FEB01 From the second piece\n");
   EXPECT_EQ(Find(list, 0, 5), "lower");
   EXPECT_EQ(Find(list, 11, 31), "Year's end");
   EXPECT_EQ(Find(list, 1, 2), "<none>");
   EXPECT_EQ(Find(list, 2, 7), "") << "a line without text is an event without text";
   EXPECT_EQ(Find(list, 2, 8), "2") << "the separator is any character";
-  EXPECT_EQ(Find(list, 0, 6), "<none>");
-  EXPECT_EQ(Find(list, 12, 5), "<none>");
-  EXPECT_EQ(Find(list, -1, 5), "<none>");
+  EXPECT_EQ(Find(list, 3, 1), std::string(1017, 'x'));
+  EXPECT_EQ(Find(list, 1, 1), "From the second piece");
+  const std::pair<int, int> misses[] = {{0, 6}, {12, 5}, {-1, 5}};
+  for (const auto& [month, day] : misses) EXPECT_EQ(Find(list, month, day), "<none>") << month << " " << day;
   EXPECT_EQ(Find(0, 0, 5), "<none>");
   char small[4];
   EXPECT_EQ(FindEvent(small, sizeof small, list, 11, 30), 1);
   EXPECT_STREQ(small, "Yea") << "the text is cut to the buffer";
-  GlobalBlockFree(list);
-}
-
-TEST_F(EventListTest, MonthNamesFromTheSettingsMakeTheKeys) {
-  std::strcpy(Settings.MonthMarch, "M\xE4rz");
-  std::strcpy(Settings.MonthMay, "Mai");
-  BlockHandle list = Load("M\xC4R14 Capital umlaut\nM\xE4R14 Pi\nMAI01 Feiertag\nMAR14 English\n");
-  EXPECT_EQ(Find(list, 2, 14), "Pi") << "only ASCII letters fold";
-  EXPECT_EQ(Find(list, 4, 1), "Feiertag");
-  GlobalBlockFree(list);
-}
-
-TEST_F(EventListTest, LongLinesAreReadInPiecesOf1023) {
-  BlockHandle list = Load("APR01 " + std::string(1017, 'x') + "FEB01 From the second piece\n");
-  EXPECT_EQ(Find(list, 3, 1), std::string(1017, 'x'));
-  EXPECT_EQ(Find(list, 1, 1), "From the second piece");
   GlobalBlockFree(list);
 }
 
@@ -111,12 +95,17 @@ TEST_F(EventListTest, WritingKeepsExactlyOnePreviousVersion) {
 
 // The events dialog lists only the lines that name a month by the names in
 // the settings; OK writes its entries, and what it could not list stays.
-TEST_F(EventListTest, AnUnchangedListIsWrittenBackWithTheLinesItCannotList) {
+TEST_F(EventListTest, MonthNamesFromTheSettingsMakeTheKeysAndAnUnchangedListIsWrittenBackWhole) {
   // Four months renamed in Setup, as a German user does.
   std::strcpy(Settings.MonthMarch, "M\xE4rz");
   std::strcpy(Settings.MonthMay, "Mai");
   std::strcpy(Settings.MonthOctober, "Oktober");
   std::strcpy(Settings.MonthDecember, "Dezember");
+  // The keys are the names' first three letters; only ASCII letters fold.
+  BlockHandle list = Load("M\xC4R14 Capital umlaut\nM\xE4R14 Pi\nMAI01 Feiertag\nMAR14 English\n");
+  EXPECT_EQ(Find(list, 2, 14), "Pi");
+  EXPECT_EQ(Find(list, 4, 1), "Feiertag");
+  GlobalBlockFree(list);
   const struct {
     const char* file;
     const char* written;

@@ -74,50 +74,51 @@ TEST_F(MonthPageTest, CalendarHalfByHand) {
   EXPECT_EQ(october.back().r, (Rect{212, 855, 296, 861}));
   EXPECT_EQ(october.back().flags, 2081);
   EXPECT_EQ(december.back().r, (Rect{308, 855, 392, 861}));
+  // Each half draws alone: the upper one without a picture is its background only.
+  auto upper = Render(10, true, true, false), lower = Render(10, true, false, true);
+  EXPECT_EQ(Lines(upper), (std::vector<std::string>{"fill 0 0 700 500 #FFFFFF"}));
+  EXPECT_EQ(lower[0].line, "fill 0 500 700 1000 #FFFFFF");
+  EXPECT_EQ(ops.size(), upper.size() + lower.size());
 }
 
-TEST_F(MonthPageTest, MonthsStartInTheirWeekdayColumn) {
+TEST_F(MonthPageTest, MonthsStartInTheirWeekdayColumnAndFillTheirRows) {
   Settings.DateShadow = 0;
-  NewCalendar(2026);
-  // 2026: February starts on Sunday, June Monday, September Tuesday, April
-  // Wednesday, January Thursday, May Friday, August Saturday.
-  const int byColumn[7] = {1, 5, 8, 3, 0, 4, 7};
-  for (int column = 0; column < 7; ++column) {
-    auto dates = Dates(Render(byColumn[column]));
+  const struct {
+    int year, month;
+    bool mondayFirst;
+    int column, rows;
+  } cases[] = {
+      // 2026: February starts on Sunday, June Monday, September Tuesday, April
+      // Wednesday, January Thursday, May Friday, August Saturday.
+      {2026, 1, false, 0, 4}, {2026, 5, false, 1, 5}, {2026, 8, false, 2, 5}, {2026, 3, false, 3, 5},
+      {2026, 0, false, 4, 5}, {2026, 4, false, 5, 6}, {2026, 7, false, 6, 6},
+      // A leap February; February 2015 starts on a Sunday: four rows, or five with Monday first.
+      {2024, 1, false, 4, 5}, {2015, 1, false, 0, 4}, {2015, 1, true, 6, 5}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.year << "-" << c.month + 1 << (c.mondayFirst ? " Monday first" : ""));
+    Settings.StartMonday = c.mondayFirst;
+    NewCalendar(c.year);
+    const auto ops = Render(c.month);
+    const auto dates = Dates(ops);
     ASSERT_FALSE(dates.empty());
     EXPECT_EQ(dates[0].text, "1");
-    EXPECT_EQ(dates[0].r.left, 20 + 96 * column) << "month " << byColumn[column];
+    EXPECT_EQ(dates[0].r.left, 20 + 96 * c.column);
     EXPECT_EQ(dates[0].r.top, 591);
-    EXPECT_EQ(static_cast<int>(dates.size()), MonthLength(2026, byColumn[column]));
+    EXPECT_EQ(static_cast<int>(dates.size()), MonthLength(c.year, c.month));
+    EXPECT_EQ(Rows(dates), c.rows);
+    EXPECT_EQ(ops[6].text, c.mondayFirst ? "Monday" : "Sunday");
   }
-  // August: 31 days from the last column fill all six rows; the small months
-  // take columns 2 and 3 of the sixth.
+  // August 2026: 31 days from the last column fill all six rows; the small
+  // months take columns 2 and 3 of the sixth.
+  Settings.StartMonday = 0;
+  NewCalendar(2026);
   auto august = Render(7);
-  auto dates = Dates(august);
-  EXPECT_EQ(Rows(dates), 6);
-  EXPECT_EQ(dates.back().r, (Rect{116, 921, 200, 975}));
+  EXPECT_EQ(Dates(august).back().r, (Rect{116, 921, 200, 975}));
   auto july = Titled(august, "July"), september = Titled(august, "September");
   ASSERT_FALSE(july.empty());
   ASSERT_FALSE(september.empty());
   EXPECT_EQ(july.back().r.left, 14 + 2 * 96 + 6);
   EXPECT_EQ(september.back().r.left, 14 + 3 * 96 + 6);
-}
-
-TEST_F(MonthPageTest, LeapFebruaryAndMondayFirst) {
-  Settings.DateShadow = 0;
-  NewCalendar(2024);
-  EXPECT_EQ(Dates(Render(1)).size(), 29u);
-
-  // February 2015 starts on a Sunday: four rows, or five with Monday first.
-  NewCalendar(2015);
-  EXPECT_EQ(Rows(Dates(Render(1))), 4);
-  Settings.StartMonday = 1;
-  auto ops = Render(1);
-  auto dates = Dates(ops);
-  EXPECT_EQ(Rows(dates), 5);
-  EXPECT_EQ(dates[0].r.left, 20 + 6 * 96);
-  EXPECT_EQ(dates[1].r.left, 20) << "the 2nd opens the next row";
-  EXPECT_EQ(ops[6].text, "Monday");
 }
 
 TEST_F(MonthPageTest, DatePlacementsAndEvents) {
@@ -265,16 +266,6 @@ TEST_F(MonthPageTest, APageAwayFromTheOriginKeepsTheBottomRules) {
   EXPECT_EQ(picture[0].r.bottom, 247 + 195) << "fitted to the 196 pixels left above 443";
   EXPECT_EQ(picture[0].r.top, 247);
   EXPECT_EQ(OfKind(ops, "fill")[1].line, "fill 100 600 800 1200 #FFFFFF");
-}
-
-TEST_F(MonthPageTest, HalvesDrawAlone) {
-  auto upper = Render(3, true, true, false);
-  ASSERT_EQ(upper.size(), 1u);
-  EXPECT_EQ(upper[0].line, "fill 0 0 700 500 #FFFFFF");
-  auto lower = Render(3, true, false, true);
-  EXPECT_EQ(lower[0].line, "fill 0 500 700 1000 #FFFFFF");
-  auto both = Render(3);
-  EXPECT_EQ(both.size(), upper.size() + lower.size());
 }
 
 TEST_F(MonthPageTest, RefusesWhatIsNotAPageAndChangesNothing) {

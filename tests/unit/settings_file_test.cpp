@@ -2,6 +2,7 @@
 #include <cstring>
 #include <ctime>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "config/settings.h"
@@ -34,65 +35,45 @@ void AddTo(const char* value, void* context) { static_cast<std::vector<std::stri
 
 }  // namespace
 
-TEST_F(SettingsFileTest, AbbreviatedKeysSelectTheFirstMatchingRow) {
-  Load("Month = Xyz\nCap=1\nDateFontSizeX = 3\n[Quernal]\nYagFontN = TIMES\n");
-  EXPECT_STREQ(Settings.MonthApril, "Xyz");
-  EXPECT_STREQ(Settings.MonthJanuary, "January");
-  EXPECT_EQ(Settings.CapFontBold, 1u);
-  EXPECT_EQ(Settings.DateFontSize, 50u) << "a longer key matches nothing";
-  EXPECT_STREQ(Settings.YagFontName, "TIMES");
-}
-
-TEST_F(SettingsFileTest, BlanksAndEqualSignsBeforeTheValueAreSkipped) {
-  Load("DateFontSize=   =  42\nHeadFontSize = 42pt\nDaysFontSize = pt\n"
-       "CapFontName = == Times New  \nYagFontName = Arial\tNarrow\n"
-       "MonthMay = M\xE4rz \xFC\n");
-  EXPECT_EQ(Settings.DateFontSize, 42u);
-  EXPECT_EQ(Settings.HeadFontSize, 42u);
-  EXPECT_EQ(Settings.DaysFontSize, 0u);
-  EXPECT_STREQ(Settings.CapFontName, "Times New  ") << "trailing blanks stay";
-  EXPECT_STREQ(Settings.YagFontName, "Arial") << "a tab cuts the line";
-  EXPECT_STREQ(Settings.MonthMay, "M\xE4rz \xFC") << "bytes above 127 are ordinary";
-}
-
-TEST_F(SettingsFileTest, NumbersWrapModulo2To32) {
-  Load("StickyWindowLeft = -1\nStickyWindowTop = 4294967295\nStickyWindowRight = 4294967296\n"
-       "StickyWindowBottom = +7x\nLogoDelay = - 5\nGutter = 99999999999\nInkJet = 5\n");
-  EXPECT_EQ(Settings.StickyWindowLeft, 0xFFFFFFFFu);
-  EXPECT_EQ(Settings.StickyWindowTop, 0xFFFFFFFFu);
-  EXPECT_EQ(Settings.StickyWindowRight, 0u);
-  EXPECT_EQ(Settings.StickyWindowBottom, 7u);
-  EXPECT_EQ(Settings.LogoDelay, 0u);
-  EXPECT_EQ(Settings.Gutter, static_cast<uint32_t>(99999999999ull));
-  EXPECT_EQ(Settings.InkJet, 5u) << "a flag stores whatever number it is given";
-}
-
-TEST_F(SettingsFileTest, BlankLinesCommentsAndLineEndings) {
-  std::strcpy(Settings.ApplicationPath, "C:\\Quernal\\");
-  Load(";DateFontSize = 3\r\n\r\nHeadFontSize = 33\r\n=ignored name\r\n");
-  EXPECT_EQ(Settings.DateFontSize, 50u);
-  EXPECT_EQ(Settings.HeadFontSize, 33u) << "a carriage return ends the value";
-  // An empty key selects the first readable row.
-  EXPECT_STREQ(Settings.ApplicationPath, "ignored name");
-}
-
-TEST_F(SettingsFileTest, WriteOnlyRowsAreNeverRead) {
-  Load("BuildDate = Jan 1 1999\nPatchLevel = 1\nVersionNumber = 2\n");
-  EXPECT_STREQ(Settings.BuildDate, "Dec 20 2010");
-  EXPECT_EQ(Settings.PatchLevel, 35u);
-  EXPECT_EQ(Settings.VersionNumber, 64u);
-}
-
-TEST_F(SettingsFileTest, LongLinesAreReadInPiecesOf259) {
-  // The first piece ends inside the value; the rest reads as a line of its own.
-  std::string head = "CapFontName = ";
-  std::string line = head + std::string(259 - head.size(), 'A') + "DateFontSize = 9\n";
-  Load(line);
-  EXPECT_EQ(std::strlen(Settings.CapFontName), 259 - head.size());
-  EXPECT_EQ(Settings.DateFontSize, 9u);
-}
-
-TEST_F(SettingsFileTest, MissingFileLeavesEveryValue) {
+// Each file read over the compiled-in settings, and the values it leaves.
+TEST_F(SettingsFileTest, HowAFileIsRead) {
+  const std::string longName = "CapFontName = " + std::string(245, 'A');
+  const struct {
+    std::string why, file;
+    std::vector<std::pair<const char*, std::string>> values;
+  } cases[] = {
+      {"abbreviated keys select the first matching row; a longer key matches nothing",
+       "Month = Xyz\nCap=1\nDateFontSizeX = 3\n[Quernal]\nYagFontN = TIMES\n",
+       {{"MonthApril", "Xyz"}, {"MonthJanuary", "January"}, {"CapFontBold", "1"}, {"DateFontSize", "50"},
+        {"YagFontName", "TIMES"}}},
+      {"blanks and equal signs before the value are skipped; trailing blanks stay, a tab cuts the line, "
+       "bytes above 127 are ordinary",
+       "DateFontSize=   =  42\nHeadFontSize = 42pt\nDaysFontSize = pt\nCapFontName = == Times New  \n"
+       "YagFontName = Arial\tNarrow\nMonthMay = M\xE4rz \xFC\n",
+       {{"DateFontSize", "42"}, {"HeadFontSize", "42"}, {"DaysFontSize", "0"}, {"CapFontName", "Times New  "},
+        {"YagFontName", "Arial"}, {"MonthMay", "M\xE4rz \xFC"}}},
+      {"numbers wrap modulo 2^32; a flag stores whatever number it is given",
+       "StickyWindowLeft = -1\nStickyWindowTop = 4294967295\nStickyWindowRight = 4294967296\n"
+       "StickyWindowBottom = +7x\nLogoDelay = - 5\nGutter = 99999999999\nInkJet = 5\n",
+       {{"StickyWindowLeft", "4294967295"}, {"StickyWindowTop", "4294967295"}, {"StickyWindowRight", "0"},
+        {"StickyWindowBottom", "7"}, {"LogoDelay", "0"}, {"Gutter", std::to_string(uint32_t(99999999999ull))},
+        {"InkJet", "5"}}},
+      {"comments and blank lines are skipped, a carriage return ends the value, an empty key selects the first "
+       "readable row",
+       ";DateFontSize = 3\r\n\r\nHeadFontSize = 33\r\n=ignored name\r\n",
+       {{"DateFontSize", "50"}, {"HeadFontSize", "33"}, {"ApplicationPath", "ignored name"}}},
+      {"write-only rows are never read", "BuildDate = Jan 1 1999\nPatchLevel = 1\nVersionNumber = 2\n",
+       {{"BuildDate", "Dec 20 2010"}, {"PatchLevel", "35"}, {"VersionNumber", "64"}}},
+      {"long lines are read in pieces of 259: the rest reads as a line of its own",
+       longName + "DateFontSize = 9\n", {{"CapFontName", std::string(245, 'A')}, {"DateFontSize", "9"}}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.why);
+    ResetSettings();
+    Load(c.file);
+    for (const auto& [key, value] : c.values) EXPECT_EQ(SettingText(key), value) << key;
+  }
+  // A missing file leaves every value.
   Settings.DateFontSize = 77;
   LoadSettingsFile(dir_.File("absent.ini").c_str());
   EXPECT_EQ(Settings.DateFontSize, 77u);

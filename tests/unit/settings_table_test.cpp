@@ -1,6 +1,7 @@
 #include <cstring>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "config/settings.h"
 #include "test_support.h"
@@ -59,18 +60,11 @@ TEST(SettingsTable, TypesAndSetupControlsAreBound) {
 }
 
 TEST(SettingsTable, CompiledInDefaults) {
-  ResetSettings();
-  EXPECT_STREQ(Settings.BuildDate, "Dec 20 2010");
-  EXPECT_EQ(Settings.PatchLevel, 35u);
-  EXPECT_EQ(Settings.VersionNumber, 64u);
-  EXPECT_EQ(Settings.StickyWindowLeft, 4294967295u);
-  EXPECT_EQ(Settings.DateBackColour, 0xE0E0E0u);
-  EXPECT_EQ(Settings.LogoDelay, 8000u);
-  EXPECT_STREQ(Settings.ThemeCurrent, "THEME_Standard.dll");
-  EXPECT_STREQ(Settings.MonthJuly, "July");
-  EXPECT_STREQ(Settings.DaysName, "General");
-  EXPECT_STREQ(Settings.ApplicationPath, "");
   Settings.DateFontSize = 7;
   ResetSettings();
-  EXPECT_EQ(Settings.DateFontSize, 50u);
+  const std::pair<const char*, const char*> defaults[] = {
+      {"BuildDate", "Dec 20 2010"}, {"PatchLevel", "35"},  {"VersionNumber", "64"},  {"StickyWindowLeft", "4294967295"},
+      {"DateBackColour", "14737632"}, {"LogoDelay", "8000"}, {"MonthJuly", "July"}, {"ThemeCurrent", "THEME_Standard.dll"},
+      {"DaysName", "General"},      {"ApplicationPath", ""}, {"DateFontSize", "50"}};
+  for (const auto& [key, value] : defaults) EXPECT_EQ(SettingText(key), value) << key;
 }

@@ -74,6 +74,13 @@ void QuernalTest::TearDown() {
   EXPECT_EQ(GlobalBlockLiveCount(), liveBlocks_) << "the test left memory blocks behind";
 }
 
+std::string SettingText(const char* key) {
+  const SettingsRow* row = FindSettingsRow(key);
+  if (!row) return "?";
+  if (row->type & kSettingText) return static_cast<const char*>(row->variable);
+  return std::to_string(*static_cast<const uint32_t*>(row->variable));
+}
+
 BlockHandle MakePatternDib(int width, int height, int bits, uint32_t seed) {
   BlockHandle dib = DibCreate(width, height, static_cast<uint16_t>(bits));
   BlockLock lock(dib);
@@ -104,26 +111,21 @@ std::string BlankPictureStream(int32_t width, int32_t height, uint32_t* dataSize
   deflateInit(&z, 9);
   std::string out;
   std::vector<unsigned char> zeros(1 << 20), buffer(1 << 16);
-  uint64_t left = *dataSize;
-  bool headerDone = false;
-  for (int flush = Z_NO_FLUSH; flush != Z_FINISH;) {
-    if (!headerDone) {
-      z.next_in = reinterpret_cast<Bytef*>(&h);
-      z.avail_in = sizeof h;
-      left -= sizeof h;
-      headerDone = true;
-    } else {
-      z.next_in = zeros.data();
-      z.avail_in = static_cast<uInt>(std::min<uint64_t>(left, zeros.size()));
-      left -= z.avail_in;
-    }
-    if (left == 0) flush = Z_FINISH;
+  auto feed = [&](const void* bytes, uInt size, int flush) {
+    z.next_in = static_cast<Bytef*>(const_cast<void*>(bytes));
+    z.avail_in = size;
     do {
       z.next_out = buffer.data();
       z.avail_out = static_cast<uInt>(buffer.size());
       deflate(&z, flush);
       out.append(reinterpret_cast<char*>(buffer.data()), buffer.size() - z.avail_out);
     } while (z.avail_out == 0);
+  };
+  feed(&h, sizeof h, Z_NO_FLUSH);
+  for (uint64_t left = h.biSizeImage; left > 0;) {
+    const uInt size = static_cast<uInt>(std::min<uint64_t>(left, zeros.size()));
+    left -= size;
+    feed(zeros.data(), size, left ? Z_NO_FLUSH : Z_FINISH);
   }
   deflateEnd(&z);
   return out;

@@ -41,6 +41,10 @@ class QuernalTest : public ::testing::Test {
   uint32_t liveBlocks_ = 0;
 };
 
+// The value of the settings row `key` as text (a number in decimal), or "?"
+// when there is no such row.
+std::string SettingText(const char* key);
+
 // A Dib of the given size whose pixels follow a pattern from `seed`.
 BlockHandle MakePatternDib(int width, int height, int bits, uint32_t seed);
 std::vector<uint8_t> BlockBytes(BlockHandle block);

@@ -2,13 +2,6 @@
 #include "base/text.h"
 #include "test_support.h"
 
-TEST(WindowLayout, DefaultSizeIsAPortraitPage) {
-  int32_t w, h;
-  DefaultWindowSize(768, &w, &h);
-  EXPECT_EQ(h, 729);
-  EXPECT_EQ(w, 570);
-}
-
 TEST(WindowLayout, StoredEdgesArePulledOntoASmallerScreen) {
   int32_t x, y;
   EXPECT_FALSE(RestoredPosition({4294967295u, 10, 500, 500}, 1024, 768, &x, &y)) << "nothing stored";
@@ -30,15 +23,16 @@ TEST(WindowLayout, StoredEdgesArePulledOntoASmallerScreen) {
   EXPECT_EQ(e.bottom, 768u);
 }
 
-TEST(WindowLayout, ThePageTakesThePrintersShapeOr360To460) {
+TEST(WindowLayout, TheWindowAndItsPageTakeAPortraitShapeAndTheTitleNamesFileAndPage) {
+  int32_t w, h;
+  DefaultWindowSize(768, &w, &h);
+  EXPECT_EQ(h, 729);
+  EXPECT_EQ(w, 570);
+  // The printer's shape, or 360 to 460; A4 at 600 dpi is 4960 x 7016.
   EXPECT_EQ(PageRectForClient(700, false, 0, 0), (Rect{0, 0, 520, 665}));
-  // A4 at 600 dpi: 4960 x 7016.
   EXPECT_EQ(PageRectForClient(700, true, 4960, 7016), (Rect{0, 0, 470, 665}));
   EXPECT_EQ(PageRectForClient(700, true, 100, 0), (Rect{0, 0, 66500, 665})) << "a height of 0 counts as 1";
   EXPECT_EQ(ZoomedPage({0, 0, 520, 665}, 400), (Rect{0, 0, 2080, 2660}));
-}
-
-TEST(WindowLayout, TitleNamesTheFileAndPage) {
   EXPECT_EQ(WindowTitle("Quernal", DocumentLabel("Untitled.CLN", "January")), "Quernal [ Untitled.CLN \x96 January ]");
   EXPECT_EQ(DocumentLabel("C:\\Calendars\\Family 2027.CLN", "Cover"), "Family 2027.CLN \x96 Cover");
 }

@@ -61,7 +61,7 @@ TEST_F(YearCoverTest, YearPageUpperHalfWithTitleShadow) {
   EXPECT_EQ(februaryDates, 29);
 }
 
-TEST_F(YearCoverTest, YearPageWithoutShadowAndTheLowerHalf) {
+TEST_F(YearCoverTest, YearPageWithoutShadowTheLowerHalfAndOnScreen) {
   EditHeader([](CalendarHeader* h) {
     h->YagShadow = 0;
     h->YagColour = 0x0000FF;
@@ -83,9 +83,8 @@ TEST_F(YearCoverTest, YearPageWithoutShadowAndTheLowerHalf) {
   auto title = Titled(lower, "2024");
   ASSERT_EQ(title.size(), 1u);
   EXPECT_EQ(title[0].r, (Rect{35, 841, 665, 957}));
-}
 
-TEST_F(YearCoverTest, YearPageOnScreenWithMondayFirstAndYears) {
+  // On screen, with Monday first and the years in the titles.
   Settings.StartMonday = 1;
   EditHeader([](CalendarHeader* h) { h->ShowYearInPages = 1; });
   auto ops = Render(12, false);
