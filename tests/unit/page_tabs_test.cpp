@@ -1,13 +1,19 @@
 // The page property sheet's five tabs as data, on a real month page.
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <set>
+#include <vector>
 
 #include "calendar/calendar_model.h"
 #include "editors/page_tabs.h"
+#include "editors/picture_tab.h"
+#include "editors/year_tabs.h"
 #include "editors/setup_bindings.h"
 #include "config/settings.h"
 #include "fake_controls.h"
+#include "res/page_sheet_ids.h"
+#include "res/year_sheet_ids.h"
 #include "test_support.h"
 
 namespace {
@@ -95,4 +101,66 @@ TEST_F(QuernalTest, SetupControlsComeFromTheSettingsRows) {
   EXPECT_EQ(std::strlen(Settings.MonthJanuary), 259u) << "a name fills the setting's buffer at most";
   EXPECT_EQ(Settings.WarnPaletteColour, 1u);
   EXPECT_EQ(Settings.StartMonday, 1u);
+}
+
+// The picture rules on the page's picture tab and on the cover tab: from a
+// picture or none, "Show picture", the drop shadow and the frame, which
+// controls end enabled, which disabled and which keep their state; the
+// stored placement is checked again either way.
+TEST_F(QuernalTest, PictureControlsFollowThePictureShowShadowAndFrame) {
+  constexpr int kPaint = -1;  // the tab's own "Paint"
+  // A number stands for its edit and its up-down.
+  const int offset = kPictureShadowOffset, softness = kPictureSoftness, exterior = kPictureExterior;
+  const struct {
+    bool picture, show, shadow, frame;
+    std::vector<int> on, off;
+  } cases[] = {
+      {false, true, true, true, {}, {kPictureShow, kPictureSample, kPictureShadow, kPictureShowFrame, kPaint,
+                                     kPictureCrop, kPictureFrame, offset, exterior}},
+      {true, false, true, true, {kPictureShow}, {kPictureSample, kPictureShadow, kPictureShowFrame, kPaint,
+                                                 kPictureCrop, kPictureFrame, offset, exterior}},
+      {true, true, false, false, {kPictureShow, kPictureSample, kPictureShadow, kPictureShowFrame, kPaint, kPictureCrop},
+       {offset, softness, kPictureFrame}},
+      {true, true, true, false,
+       {kPictureShow, kPictureSample, kPictureShadow, kPictureShowFrame, kPaint, kPictureCrop, offset, softness,
+        exterior},
+       {kPictureFrame}},
+      {true, true, false, true,
+       {kPictureShow, kPictureSample, kPictureShadow, kPictureShowFrame, kPaint, kPictureCrop, kPictureFrame},
+       {offset, softness}},
+  };
+  const struct {
+    const SheetTab& tab;
+    size_t placement;
+    int paint, bottomLeft;
+  } tabs[] = {{kPageTabs[3], offsetof(MonthPage, PicturePlacement), IDC_PICTURE_PAINT, IDC_PICTURE_BOTTOM_LEFT},
+              {kYearTabs[1], offsetof(CalendarHeader, CoverPicturePlacement), IDC_COVER_PAINT, IDC_COVER_BOTTOM_LEFT}};
+  const BlockHandle block = GlobalBlockAlloc(16);
+  for (const auto& t : tabs) {
+    for (const auto& c : cases) {
+      std::vector<uint8_t> record(t.tab.picture->recordSize);
+      const BlockHandle picture = c.picture ? block : 0;
+      const int32_t bottomLeft = 8;
+      std::memcpy(record.data() + t.tab.picture->picture, &picture, sizeof picture);
+      std::memcpy(record.data() + t.placement, &bottomLeft, sizeof bottomLeft);
+      FakeControls controls = TabControls(t.tab);
+      controls.SetChecked(kPictureShow, c.show);
+      controls.SetChecked(kPictureShadow, c.shadow);
+      controls.SetChecked(kPictureShowFrame, c.frame);
+      ApplyPictureRules(t.tab, record.data(), controls);
+
+      std::map<int, bool> expected;
+      for (bool on : {true, false})
+        for (int id : on ? c.on : c.off) {
+          id = id == kPaint ? t.paint : id;
+          expected[id] = on;
+          if (id == offset || id == softness || id == exterior) expected[id + kUpDownOffset] = on;
+        }
+      const std::string what = std::string(t.tab.caption) + (c.picture ? " picture" : " none") +
+                               (c.show ? " shown" : "") + (c.shadow ? " shadow" : "") + (c.frame ? " frame" : "");
+      EXPECT_EQ(controls.enabled_, expected) << what;
+      EXPECT_TRUE(controls.Checked(t.bottomLeft)) << what;
+    }
+  }
+  GlobalBlockFree(block);
 }
