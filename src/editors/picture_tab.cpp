@@ -15,7 +15,8 @@ void EnableNumber(DialogControls& controls, int id, bool on) {
 }  // namespace
 
 void ApplyPictureRules(const SheetTab& tab, const void* record, DialogControls& controls) {
-  CheckStoredRadio(tab.controls[tab.picture->placement], record, controls);
+  if (const ControlBinding* radio = FindBinding(tab.controls, tab.controlCount, tab.picture->placement))
+    CheckStoredRadio(*radio, record, controls);
   BlockHandle block;
   std::memcpy(&block, static_cast<const char*>(record) + tab.picture->picture, sizeof block);
   const bool picture = block != 0;

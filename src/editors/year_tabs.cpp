@@ -53,12 +53,12 @@ const ColourButtonBinding kYearColours[] = {{IDC_YAG_TITLE_COLOUR, AT(TagTitleCo
 const ColourButtonBinding kCoverColours[] = {{IDC_COVER_BACKGROUND, AT(CoverBackgroundColour)},
                                              {IDC_COVER_FRAME, AT(CoverPictureFrameColour)},
                                              {IDC_COVER_TITLE_COLOUR, AT(CoverFontColour)}};
-// The placement is the cover tab's fourth control; a chosen picture is shown.
 bool CoverPictureOnPage(const Rect& page, const void* record, PagePicture* out) {
   return CoverPagePicture(page, *static_cast<const CalendarHeader*>(record), out);
 }
-const PictureBinding kCoverPicture{AT(CoverPicture),        3, true, IDC_COVER_PAINT, AT(CoverBackgroundColour),
-                                   sizeof(CalendarHeader), CoverPictureOnPage};
+// A chosen picture is shown.
+const PictureBinding kCoverPicture{AT(CoverPicture),          IDC_COVER_TOP_LEFT,     true, IDC_COVER_PAINT,
+                                   AT(CoverBackgroundColour), sizeof(CalendarHeader), CoverPictureOnPage};
 
 }  // namespace
 
