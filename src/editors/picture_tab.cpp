@@ -20,21 +20,23 @@ void ApplyPictureRules(const SheetTab& tab, const void* record, DialogControls& 
   BlockHandle block;
   std::memcpy(&block, static_cast<const char*>(record) + tab.picture->picture, sizeof block);
   const bool picture = block != 0;
-  controls.Enable(kPictureShow, picture);
-  if (picture && controls.Checked(kPictureShow)) {
-    for (int id : {kPictureSample, kPictureShadow, kPictureShowFrame, tab.picture->paint, kPictureCrop})
+  controls.Enable(IDC_PICTURE_SHOW, picture);
+  if (picture && controls.Checked(IDC_PICTURE_SHOW)) {
+    for (int id :
+         {IDC_PICTURE_SAMPLE, IDC_PICTURE_SHADOW, IDC_PICTURE_SHOW_FRAME, tab.picture->paint, IDC_PICTURE_CROP})
       controls.Enable(id, true);
     // Without a drop shadow, the external padding keeps whatever state it had.
-    const bool shadow = controls.Checked(kPictureShadow);
-    EnableNumber(controls, kPictureShadowOffset, shadow);
-    EnableNumber(controls, kPictureSoftness, shadow);
-    if (shadow) EnableNumber(controls, kPictureExterior, true);
-    controls.Enable(kPictureFrame, controls.Checked(kPictureShowFrame));
+    const bool shadow = controls.Checked(IDC_PICTURE_SHADOW);
+    EnableNumber(controls, IDC_PICTURE_SHADOW_OFFSET, shadow);
+    EnableNumber(controls, IDC_PICTURE_SOFTNESS, shadow);
+    if (shadow) EnableNumber(controls, IDC_PICTURE_EXTERIOR, true);
+    controls.Enable(IDC_PICTURE_FRAME, controls.Checked(IDC_PICTURE_SHOW_FRAME));
   } else {
     // Softness, the gutter and the placement keep their state.
-    for (int id : {kPictureShadow, kPictureShowFrame, kPictureSample, tab.picture->paint, kPictureFrame, kPictureCrop})
+    for (int id : {IDC_PICTURE_SHADOW, IDC_PICTURE_SHOW_FRAME, IDC_PICTURE_SAMPLE, tab.picture->paint,
+                   IDC_PICTURE_FRAME, IDC_PICTURE_CROP})
       controls.Enable(id, false);
-    EnableNumber(controls, kPictureShadowOffset, false);
-    EnableNumber(controls, kPictureExterior, false);
+    EnableNumber(controls, IDC_PICTURE_SHADOW_OFFSET, false);
+    EnableNumber(controls, IDC_PICTURE_EXTERIOR, false);
   }
 }

@@ -46,7 +46,7 @@ void SelectPicture(HWND tab, void* record, const SheetTab& sheet) {
   Colour background;
   std::memcpy(&background, static_cast<const char*>(record) + sheet.picture->background, sizeof background);
   *picture = LoadPagePicture(tab, path, background);
-  if (sheet.picture->showChosen) Win32DialogControls(tab).SetChecked(kPictureShow, *picture != 0);
+  if (sheet.picture->showChosen) Win32DialogControls(tab).SetChecked(IDC_PICTURE_SHOW, *picture != 0);
   ApplyPictureState(tab, record, sheet);
 }
 
@@ -88,7 +88,7 @@ void PaintPicture(HWND tab, void* record, const SheetTab& sheet) {
   if (!edited) return (void)ShowMessage(tab, IDS_MEMORY_FAILED);
   GlobalBlockFree(*picture);
   *picture = edited;
-  InvalidateRect(GetDlgItem(tab, kPictureSample), nullptr, TRUE);
+  InvalidateRect(GetDlgItem(tab, IDC_PICTURE_SAMPLE), nullptr, TRUE);
   ShowPrintNote(tab, record, sheet);
 }
 
@@ -97,12 +97,12 @@ void PaintPicture(HWND tab, void* record, const SheetTab& sheet) {
 void ApplyPictureState(HWND tab, const void* record, const SheetTab& sheet) {
   Win32DialogControls controls(tab);
   ApplyPictureRules(sheet, record, controls);
-  InvalidateRect(GetDlgItem(tab, kPictureSample), nullptr, TRUE);
+  InvalidateRect(GetDlgItem(tab, IDC_PICTURE_SAMPLE), nullptr, TRUE);
   ShowPrintNote(tab, record, sheet);
 }
 
 void ShowPrintNote(HWND tab, const void* record, const SheetTab& sheet) {
-  HWND note = GetDlgItem(tab, kPicturePrint);
+  HWND note = GetDlgItem(tab, IDC_PICTURE_PRINT);
   if (!note) return;
   Rect page;
   int dpi;
@@ -171,8 +171,8 @@ void DrawPicturePreview(const DRAWITEMSTRUCT* item, BlockHandle picture) {
 }
 
 bool PictureTabCommand(HWND tab, int command, void* record, const SheetTab& sheet) {
-  if (command == kPictureSelect) return SelectPicture(tab, record, sheet), true;
-  if (command == kPictureCrop) return CropPicture(tab, record, sheet), true;
+  if (command == IDC_PICTURE_SELECT) return SelectPicture(tab, record, sheet), true;
+  if (command == IDC_PICTURE_CROP) return CropPicture(tab, record, sheet), true;
   if (command == sheet.picture->paint) return PaintPicture(tab, record, sheet), true;
   return false;
 }

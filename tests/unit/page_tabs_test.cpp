@@ -57,14 +57,14 @@ TEST_F(QuernalTest, EveryTabGivesBackThePageItShowed) {
   const SheetTab& picture = kPageTabs[3];
   FakeControls controls = TabControls(picture);
   LoadControls(picture.controls, picture.controlCount, &page, controls);
-  EXPECT_TRUE(controls.Checked(147));
-  controls.SetText(163, "99");
+  EXPECT_TRUE(controls.Checked(IDC_PICTURE_CENTRE));
+  controls.SetText(IDC_PICTURE_GUTTER, "99");
   ReadControls(picture.controls, picture.controlCount, &page, controls);
   EXPECT_EQ(page.PicturePlacement, 147);
   EXPECT_EQ(page.Gutter, 99);
   const SheetTab& caption = kPageTabs[4];
   controls = TabControls(caption);
-  controls.SetText(140, std::string(3000, 'x'));
+  controls.SetText(IDC_CAP_LEFT_TEXT, std::string(3000, 'x'));
   ReadControls(caption.controls, caption.controlCount, &page, controls);
   EXPECT_EQ(std::strlen(page.LeftCaption), 2048u);
   FreeCalendar(doc);
@@ -108,33 +108,35 @@ TEST_F(QuernalTest, SetupControlsComeFromTheSettingsRows) {
 // controls end enabled, which disabled and which keep their state; the
 // stored placement is checked again either way.
 TEST_F(QuernalTest, PictureControlsFollowThePictureShowShadowAndFrame) {
-  constexpr int kPaint = -1;  // the tab's own "Paint"
-  // A number stands for its edit and its up-down.
-  const int offset = kPictureShadowOffset, softness = kPictureSoftness, exterior = kPictureExterior;
+  enum : int {
+    Paint = -1,  // the tab's own "Paint"
+    Show = IDC_PICTURE_SHOW,
+    Sample = IDC_PICTURE_SAMPLE,
+    Shadow = IDC_PICTURE_SHADOW,
+    ShowFrame = IDC_PICTURE_SHOW_FRAME,
+    Crop = IDC_PICTURE_CROP,
+    Frame = IDC_PICTURE_FRAME,
+    // A number stands for its edit and its up-down.
+    Offset = IDC_PICTURE_SHADOW_OFFSET,
+    Softness = IDC_PICTURE_SOFTNESS,
+    Exterior = IDC_PICTURE_EXTERIOR,
+  };
   const struct {
     bool picture, show, shadow, frame;
     std::vector<int> on, off;
   } cases[] = {
-      {false, true, true, true, {}, {kPictureShow, kPictureSample, kPictureShadow, kPictureShowFrame, kPaint,
-                                     kPictureCrop, kPictureFrame, offset, exterior}},
-      {true, false, true, true, {kPictureShow}, {kPictureSample, kPictureShadow, kPictureShowFrame, kPaint,
-                                                 kPictureCrop, kPictureFrame, offset, exterior}},
-      {true, true, false, false, {kPictureShow, kPictureSample, kPictureShadow, kPictureShowFrame, kPaint, kPictureCrop},
-       {offset, softness, kPictureFrame}},
-      {true, true, true, false,
-       {kPictureShow, kPictureSample, kPictureShadow, kPictureShowFrame, kPaint, kPictureCrop, offset, softness,
-        exterior},
-       {kPictureFrame}},
-      {true, true, false, true,
-       {kPictureShow, kPictureSample, kPictureShadow, kPictureShowFrame, kPaint, kPictureCrop, kPictureFrame},
-       {offset, softness}},
+      {false, true, true, true, {}, {Show, Sample, Shadow, ShowFrame, Paint, Crop, Frame, Offset, Exterior}},
+      {true, false, true, true, {Show}, {Sample, Shadow, ShowFrame, Paint, Crop, Frame, Offset, Exterior}},
+      {true, true, false, false, {Show, Sample, Shadow, ShowFrame, Paint, Crop}, {Offset, Softness, Frame}},
+      {true, true, true, false, {Show, Sample, Shadow, ShowFrame, Paint, Crop, Offset, Softness, Exterior}, {Frame}},
+      {true, true, false, true, {Show, Sample, Shadow, ShowFrame, Paint, Crop, Frame}, {Offset, Softness}},
   };
   const struct {
     const SheetTab& tab;
     size_t placement;
-    int paint, bottomLeft;
-  } tabs[] = {{kPageTabs[3], offsetof(MonthPage, PicturePlacement), IDC_PICTURE_PAINT, IDC_PICTURE_BOTTOM_LEFT},
-              {kYearTabs[1], offsetof(CalendarHeader, CoverPicturePlacement), IDC_COVER_PAINT, IDC_COVER_BOTTOM_LEFT}};
+    int paint;
+  } tabs[] = {{kPageTabs[3], offsetof(MonthPage, PicturePlacement), IDC_PICTURE_PAINT},
+              {kYearTabs[1], offsetof(CalendarHeader, CoverPicturePlacement), IDC_COVER_PAINT}};
   const BlockHandle block = GlobalBlockAlloc(16);
   for (const auto& t : tabs) {
     for (const auto& c : cases) {
@@ -144,22 +146,22 @@ TEST_F(QuernalTest, PictureControlsFollowThePictureShowShadowAndFrame) {
       std::memcpy(record.data() + t.tab.picture->picture, &picture, sizeof picture);
       std::memcpy(record.data() + t.placement, &bottomLeft, sizeof bottomLeft);
       FakeControls controls = TabControls(t.tab);
-      controls.SetChecked(kPictureShow, c.show);
-      controls.SetChecked(kPictureShadow, c.shadow);
-      controls.SetChecked(kPictureShowFrame, c.frame);
+      controls.SetChecked(IDC_PICTURE_SHOW, c.show);
+      controls.SetChecked(IDC_PICTURE_SHADOW, c.shadow);
+      controls.SetChecked(IDC_PICTURE_SHOW_FRAME, c.frame);
       ApplyPictureRules(t.tab, record.data(), controls);
 
       std::map<int, bool> expected;
       for (bool on : {true, false})
         for (int id : on ? c.on : c.off) {
-          id = id == kPaint ? t.paint : id;
+          id = id == Paint ? t.paint : id;
           expected[id] = on;
-          if (id == offset || id == softness || id == exterior) expected[id + kUpDownOffset] = on;
+          if (id == Offset || id == Softness || id == Exterior) expected[id + kUpDownOffset] = on;
         }
       const std::string what = std::string(t.tab.caption) + (c.picture ? " picture" : " none") +
                                (c.show ? " shown" : "") + (c.shadow ? " shadow" : "") + (c.frame ? " frame" : "");
       EXPECT_EQ(controls.enabled_, expected) << what;
-      EXPECT_TRUE(controls.Checked(t.bottomLeft)) << what;
+      EXPECT_TRUE(controls.Checked(IDC_PICTURE_BOTTOM_LEFT)) << what;
     }
   }
   GlobalBlockFree(block);
