@@ -43,25 +43,10 @@
 #define IDC_DAYS_SAMPLE 132
 #define IDC_DAYS_LIST 127
 
-// "PagePropertyFour", the picture.
-#define IDC_PICTURE_SHOW 137
-#define IDC_PICTURE_SELECT 138
-#define IDC_PICTURE_SAMPLE 139
-#define IDC_PICTURE_FRAME 141
-#define IDC_PICTURE_SHOW_FRAME 142
-#define IDC_PICTURE_TOP_LEFT 143
-#define IDC_PICTURE_TOP_RIGHT 144
-#define IDC_PICTURE_BOTTOM_LEFT 145
-#define IDC_PICTURE_BOTTOM_RIGHT 146
-#define IDC_PICTURE_CENTRE 147
-#define IDC_PICTURE_SHADOW 148
-#define IDC_PICTURE_SHADOW_OFFSET 149
-#define IDC_PICTURE_EXTERIOR 150
-#define IDC_PICTURE_GUTTER 163
+// "PagePropertyFour", the picture: its other numbers are those of every
+// picture tab.
+#include "res/picture_tab_ids.h"
 #define IDC_PICTURE_PAINT 164
-#define IDC_PICTURE_SOFTNESS 167
-#define IDC_PICTURE_CROP 168
-#define IDC_PICTURE_PRINT 169
 
 // "PagePropertyFive", the captions and the page.
 #define IDC_CAP_FONT 151

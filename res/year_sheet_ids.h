@@ -25,20 +25,9 @@
 #define IDC_YAG_MARGIN 120
 #define IDC_YAG_SHADOW_OFFSET 121
 
-// "YearPropertyTwo", the cover.
-#define IDC_COVER_SHOW 137
-#define IDC_COVER_SELECT 138
-#define IDC_COVER_SAMPLE 139
-#define IDC_COVER_FRAME 141
-#define IDC_COVER_SHOW_FRAME 142
-#define IDC_COVER_TOP_LEFT 143
-#define IDC_COVER_TOP_RIGHT 144
-#define IDC_COVER_BOTTOM_LEFT 145
-#define IDC_COVER_BOTTOM_RIGHT 146
-#define IDC_COVER_CENTRE 147
-#define IDC_COVER_SHADOW 148
-#define IDC_COVER_SHADOW_OFFSET 149
-#define IDC_COVER_EXTERIOR 150
+// "YearPropertyTwo", the cover: its picture has the numbers of every
+// picture tab.
+#include "res/picture_tab_ids.h"
 #define IDC_COVER_PAINT 151
 #define IDC_COVER_TITLE_FONT 152
 #define IDC_COVER_TITLE 153
@@ -51,7 +40,4 @@
 #define IDC_COVER_TITLE_RIGHT_GLYPH 160
 #define IDC_COVER_TITLE_SAMPLE 161
 #define IDC_COVER_TITLE_COLOUR 162
-#define IDC_COVER_GUTTER 163
 #define IDC_COVER_BACKGROUND 164
-#define IDC_COVER_CROP 168
-#define IDC_COVER_PRINT 169

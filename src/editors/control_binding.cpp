@@ -62,6 +62,12 @@ uint32_t ClampToUpDown(uint32_t value, const UpDownText& range) {
   return value;
 }
 
+const ControlBinding* FindBinding(const ControlBinding* table, size_t count, int id) {
+  for (size_t i = 0; i < count; ++i)
+    if (table[i].id == id) return &table[i];
+  return nullptr;
+}
+
 void CheckStoredRadio(const ControlBinding& b, const void* record, DialogControls& controls) {
   const int64_t stored = ReadField(record, b, true);
   int id = b.fallback.id;

@@ -63,6 +63,8 @@ uint32_t ClampToUpDown(uint32_t value, const UpDownText& range);
 // `record` (a fixed-layout record the table's offsets index).
 void LoadControls(const ControlBinding* table, size_t count, const void* record, DialogControls& controls);
 void ReadControls(const ControlBinding* table, size_t count, void* record, const DialogControls& controls);
+// The row of `table` that binds control `id`; null when none does.
+const ControlBinding* FindBinding(const ControlBinding* table, size_t count, int id);
 // Checks the button of the stored radio value (without clearing the others),
 // as tabs do again after a font box or a click.
 void CheckStoredRadio(const ControlBinding& radio, const void* record, DialogControls& controls);

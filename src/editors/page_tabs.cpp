@@ -61,9 +61,13 @@ const FontButtonBinding kCapFont[] = {{IDC_CAP_FONT, IDC_CAP_SAMPLE, FONT(Cap)}}
 bool MonthPictureOnPage(const Rect& page, const void* record, PagePicture* out) {
   return MonthPagePicture(page, *static_cast<const MonthPage*>(record), out);
 }
-// The placement is the picture tab's fourth control.
-const PictureBinding kPictureBlock{offsetof(MonthPage, Picture), 3,     false, IDC_PICTURE_PAINT,
-                                   offsetof(MonthPage, PageBackgroundColour), sizeof(MonthPage), MonthPictureOnPage};
+const PictureBinding kPictureBlock{offsetof(MonthPage, Picture),
+                                   IDC_PICTURE_TOP_LEFT,
+                                   false,
+                                   IDC_PICTURE_PAINT,
+                                   offsetof(MonthPage, PageBackgroundColour),
+                                   sizeof(MonthPage),
+                                   MonthPictureOnPage};
 
 const ColourButtonBinding kHeadColours[] = {{IDC_HEAD_COLOUR, offsetof(MonthPage, HeadFontColour)},
                                             {IDC_HEAD_FRAME, offsetof(MonthPage, HeadFrameColour)},

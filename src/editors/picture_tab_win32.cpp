@@ -24,14 +24,6 @@
 
 namespace {
 
-void Enable(HWND tab, int id, bool on) { EnableWindow(GetDlgItem(tab, id), on ? TRUE : FALSE); }
-// A number is its edit and its up-down.
-void EnableNumber(HWND tab, int id, bool on) {
-  Enable(tab, id, on);
-  Enable(tab, id + kUpDownOffset, on);
-}
-bool Checked(HWND tab, int id) { return IsDlgButtonChecked(tab, id) == BST_CHECKED; }
-
 BlockHandle* PictureOf(void* record, const SheetTab& sheet) {
   return reinterpret_cast<BlockHandle*>(static_cast<char*>(record) + sheet.picture->picture);
 }
@@ -54,7 +46,7 @@ void SelectPicture(HWND tab, void* record, const SheetTab& sheet) {
   Colour background;
   std::memcpy(&background, static_cast<const char*>(record) + sheet.picture->background, sizeof background);
   *picture = LoadPagePicture(tab, path, background);
-  if (sheet.picture->showChosen) CheckDlgButton(tab, kPictureShow, *picture ? BST_CHECKED : BST_UNCHECKED);
+  if (sheet.picture->showChosen) Win32DialogControls(tab).SetChecked(IDC_PICTURE_SHOW, *picture != 0);
   ApplyPictureState(tab, record, sheet);
 }
 
@@ -96,7 +88,7 @@ void PaintPicture(HWND tab, void* record, const SheetTab& sheet) {
   if (!edited) return (void)ShowMessage(tab, IDS_MEMORY_FAILED);
   GlobalBlockFree(*picture);
   *picture = edited;
-  InvalidateRect(GetDlgItem(tab, kPictureSample), nullptr, TRUE);
+  InvalidateRect(GetDlgItem(tab, IDC_PICTURE_SAMPLE), nullptr, TRUE);
   ShowPrintNote(tab, record, sheet);
 }
 
@@ -104,31 +96,13 @@ void PaintPicture(HWND tab, void* record, const SheetTab& sheet) {
 
 void ApplyPictureState(HWND tab, const void* record, const SheetTab& sheet) {
   Win32DialogControls controls(tab);
-  CheckStoredRadio(sheet.controls[sheet.picture->placement], record, controls);
-  const bool picture = *PictureOf(const_cast<void*>(record), sheet) != 0;
-  Enable(tab, kPictureShow, picture);
-  if (picture && Checked(tab, kPictureShow)) {
-    for (int id : {kPictureSample, kPictureShadow, kPictureShowFrame, sheet.picture->paint, kPictureCrop})
-      Enable(tab, id, true);
-    // Without a drop shadow, the external padding keeps whatever state it had.
-    const bool shadow = Checked(tab, kPictureShadow);
-    EnableNumber(tab, kPictureShadowOffset, shadow);
-    EnableNumber(tab, kPictureSoftness, shadow);
-    if (shadow) EnableNumber(tab, kPictureExterior, true);
-    Enable(tab, kPictureFrame, Checked(tab, kPictureShowFrame));
-  } else {
-    // Softness, the gutter and the placement keep their state.
-    for (int id : {kPictureShadow, kPictureShowFrame, kPictureSample, sheet.picture->paint, kPictureFrame, kPictureCrop})
-      Enable(tab, id, false);
-    EnableNumber(tab, kPictureShadowOffset, false);
-    EnableNumber(tab, kPictureExterior, false);
-  }
-  InvalidateRect(GetDlgItem(tab, kPictureSample), nullptr, TRUE);
+  ApplyPictureRules(sheet, record, controls);
+  InvalidateRect(GetDlgItem(tab, IDC_PICTURE_SAMPLE), nullptr, TRUE);
   ShowPrintNote(tab, record, sheet);
 }
 
 void ShowPrintNote(HWND tab, const void* record, const SheetTab& sheet) {
-  HWND note = GetDlgItem(tab, kPicturePrint);
+  HWND note = GetDlgItem(tab, IDC_PICTURE_PRINT);
   if (!note) return;
   Rect page;
   int dpi;
@@ -197,8 +171,8 @@ void DrawPicturePreview(const DRAWITEMSTRUCT* item, BlockHandle picture) {
 }
 
 bool PictureTabCommand(HWND tab, int command, void* record, const SheetTab& sheet) {
-  if (command == kPictureSelect) return SelectPicture(tab, record, sheet), true;
-  if (command == kPictureCrop) return CropPicture(tab, record, sheet), true;
+  if (command == IDC_PICTURE_SELECT) return SelectPicture(tab, record, sheet), true;
+  if (command == IDC_PICTURE_CROP) return CropPicture(tab, record, sheet), true;
   if (command == sheet.picture->paint) return PaintPicture(tab, record, sheet), true;
   return false;
 }

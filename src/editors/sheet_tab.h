@@ -26,8 +26,8 @@ struct ColourButtonBinding {
   int button;
   size_t colour;
 };
-// A tab's picture: its block field, the radio group of its placement (an
-// index into the tab's controls), whether a picture chosen with
+// A tab's picture: its block field, the radio group of its placement (the
+// number its row in the tab's controls binds), whether a picture chosen with
 // "Select..." ticks "Show picture" (and a failed one clears it), its
 // "Paint" button, and the colour field of the background its transparent
 // parts are laid over; the record's size, and how the renderer lays the
@@ -35,7 +35,7 @@ struct ColourButtonBinding {
 // numbers on every tab that has a picture.
 struct PictureBinding {
   size_t picture;
-  size_t placement;
+  int placement;
   bool showChosen;
   int paint;
   size_t background;

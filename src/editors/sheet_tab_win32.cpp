@@ -82,9 +82,9 @@ bool DrawItem(PageContext* c, const DRAWITEMSTRUCT* item) {
     DrawColourSwatchButton(item, static_cast<COLORREF>(Int32At(c, b->colour)));
   } else if (IsGlyph(t, id)) {
     DrawPlacementGlyph(item, t.firstGlyph);
-  } else if (t.picture && id == kPicturePrint) {
+  } else if (t.picture && id == IDC_PICTURE_PRINT) {
     DrawPrintNote(item);
-  } else if (t.picture && id == kPictureSample) {
+  } else if (t.picture && id == IDC_PICTURE_SAMPLE) {
     DrawPicturePreview(item, *reinterpret_cast<const BlockHandle*>(Field(c, t.picture->picture)));
   } else {
     return false;

@@ -23,17 +23,20 @@ const ControlBinding kYear[] = {
     {IDC_YAG_SHADOW_OFFSET, ControlKind::Number, FIELD(YagShadowOffset)},
     {IDC_YAG_SHADOW, ControlKind::Check, FIELD(YagShadow)},
 };
-const RadioChoice kCoverPlaces[] = {
-    {IDC_COVER_TOP_LEFT, 0}, {IDC_COVER_TOP_RIGHT, 2}, {IDC_COVER_BOTTOM_LEFT, 8}, {IDC_COVER_BOTTOM_RIGHT, 10}};
+const RadioChoice kCoverPlaces[] = {{IDC_PICTURE_TOP_LEFT, 0},
+                                    {IDC_PICTURE_TOP_RIGHT, 2},
+                                    {IDC_PICTURE_BOTTOM_LEFT, 8},
+                                    {IDC_PICTURE_BOTTOM_RIGHT, 10}};
 const RadioChoice kTitlePlaces[] = {{IDC_COVER_TITLE_RIGHT, 2}, {IDC_COVER_TITLE_CENTRE, 1}};
 const ControlBinding kCover[] = {
-    {IDC_COVER_SHOW, ControlKind::CheckSetOnly, FIELD(CoverPictureShowPicture)},
-    {IDC_COVER_SHOW_FRAME, ControlKind::CheckSetOnly, FIELD(CoverPictureShowFrame)},
-    {IDC_COVER_SHADOW, ControlKind::CheckSetOnly, FIELD(CoverPictureDropShadow)},
-    {IDC_COVER_TOP_LEFT, ControlKind::Radio, FIELD(CoverPicturePlacement), kCoverPlaces, 4, {IDC_COVER_CENTRE, 147}},
-    {IDC_COVER_SHADOW_OFFSET, ControlKind::Number, FIELD(CoverPictureShadowOffset)},
-    {IDC_COVER_EXTERIOR, ControlKind::Number, FIELD(CoverPictureExteriorPadding)},
-    {IDC_COVER_GUTTER, ControlKind::Number, FIELD(CoverPictureGutter)},
+    {IDC_PICTURE_SHOW, ControlKind::CheckSetOnly, FIELD(CoverPictureShowPicture)},
+    {IDC_PICTURE_SHOW_FRAME, ControlKind::CheckSetOnly, FIELD(CoverPictureShowFrame)},
+    {IDC_PICTURE_SHADOW, ControlKind::CheckSetOnly, FIELD(CoverPictureDropShadow)},
+    {IDC_PICTURE_TOP_LEFT, ControlKind::Radio, FIELD(CoverPicturePlacement), kCoverPlaces, 4,
+     {IDC_PICTURE_CENTRE, 147}},
+    {IDC_PICTURE_SHADOW_OFFSET, ControlKind::Number, FIELD(CoverPictureShadowOffset)},
+    {IDC_PICTURE_EXTERIOR, ControlKind::Number, FIELD(CoverPictureExteriorPadding)},
+    {IDC_PICTURE_GUTTER, ControlKind::Number, FIELD(CoverPictureGutter)},
     {IDC_COVER_TITLE_LEFT, ControlKind::Radio, FIELD(CoverFontPlacement), kTitlePlaces, 2, {IDC_COVER_TITLE_LEFT, 0}},
     {IDC_COVER_TITLE, ControlKind::Text, FIELD(CoverTitle), nullptr, 0, {0, 0}, 260},
     {IDC_COVER_BLEED, ControlKind::Check, FIELD(CoverPictureBleed)},
@@ -51,14 +54,14 @@ const ColourButtonBinding kYearColours[] = {{IDC_YAG_TITLE_COLOUR, AT(TagTitleCo
                                             {IDC_YAG_FRAME, AT(YagFrameColour)},        {IDC_YAG_BACKGROUND, AT(YagBackColour)},
                                             {IDC_YAG_PAGE, AT(YagPageColour)}};
 const ColourButtonBinding kCoverColours[] = {{IDC_COVER_BACKGROUND, AT(CoverBackgroundColour)},
-                                             {IDC_COVER_FRAME, AT(CoverPictureFrameColour)},
+                                             {IDC_PICTURE_FRAME, AT(CoverPictureFrameColour)},
                                              {IDC_COVER_TITLE_COLOUR, AT(CoverFontColour)}};
-// The placement is the cover tab's fourth control; a chosen picture is shown.
 bool CoverPictureOnPage(const Rect& page, const void* record, PagePicture* out) {
   return CoverPagePicture(page, *static_cast<const CalendarHeader*>(record), out);
 }
-const PictureBinding kCoverPicture{AT(CoverPicture),        3, true, IDC_COVER_PAINT, AT(CoverBackgroundColour),
-                                   sizeof(CalendarHeader), CoverPictureOnPage};
+// A chosen picture is shown.
+const PictureBinding kCoverPicture{AT(CoverPicture),          IDC_PICTURE_TOP_LEFT,   true, IDC_COVER_PAINT,
+                                   AT(CoverBackgroundColour), sizeof(CalendarHeader), CoverPictureOnPage};
 
 }  // namespace
 

@@ -19,13 +19,14 @@ class FakeControls : public DialogControls {
   void SetNumber(int id, uint32_t value) override { text_[id] = std::to_string(value); }
   bool Checked(int id) const override { return checked_.count(id) != 0; }
   void SetChecked(int id, bool on) override { on ? (void)checked_.insert(id) : (void)checked_.erase(id); }
-  void Enable(int, bool) override {}
+  void Enable(int id, bool on) override { enabled_[id] = on; }
   void LimitText(int id, int characters) override { limit_[id] = characters; }
   void SetRange(int id, int minimum, int maximum) override { range_[id] = {minimum, maximum}; }
   void SetPosition(int id, int position) override { position_[id] = position; }
 
   std::map<int, std::string> text_;
   std::set<int> checked_;
+  std::map<int, bool> enabled_;  // what was enabled or disabled, by number
   std::map<int, int> limit_, position_;
   std::map<int, std::pair<int, int>> range_;
 

