@@ -114,16 +114,21 @@ bool ReadXref(const std::string& pdf, size_t xref, std::vector<XrefEntry>* entri
 
 }  // namespace
 
+bool ReadPdfWithXref(const std::string& path, std::string* pdf, size_t* xref, size_t* startxref,
+                     std::string* problem) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return Fail(problem, "cannot be read back");
+  pdf->assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  *startxref = pdf->rfind("startxref");
+  if (*startxref == std::string::npos) return Fail(problem, "has no cross-references");
+  *xref = std::strtoul(pdf->c_str() + *startxref + 9, nullptr, 10);
+  return true;
+}
+
 bool SetPageBoxes(const std::string& path, const PdfBox& trim, const PdfBox& bleed, std::string* problem) {
   std::string pdf;
-  {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return Fail(problem, "cannot be read back");
-    pdf.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  }
-  const size_t startxref = pdf.rfind("startxref");
-  if (startxref == std::string::npos) return Fail(problem, "has no cross-references");
-  const size_t xref = std::strtoul(pdf.c_str() + startxref + 9, nullptr, 10);
+  size_t xref, startxref;
+  if (!ReadPdfWithXref(path, &pdf, &xref, &startxref, problem)) return false;
   std::vector<XrefEntry> entries;
   size_t trailer;
   if (xref >= startxref || !ReadXref(pdf, xref, &entries, &trailer, problem)) return false;

@@ -13,3 +13,8 @@ struct PdfBox {
 // be one revision with a classic cross-reference table, as Cairo writes it;
 // anything else is left alone and false returned with the reason in *problem.
 bool SetPageBoxes(const std::string& path, const PdfBox& trim, const PdfBox& bleed, std::string* problem);
+
+// The PDF at `path` whole, and where its last cross-reference section and its
+// `startxref` keyword are; false with the reason in *problem.
+bool ReadPdfWithXref(const std::string& path, std::string* pdf, size_t* xref, size_t* startxref,
+                     std::string* problem);

@@ -1,5 +1,7 @@
 #include "cli/pdf_output_intent.h"
 
+#include "cli/pdf_boxes.h"
+
 #include <lcms2.h>
 
 #include <cstdio>
@@ -75,14 +77,8 @@ std::string Entry(size_t offset) {
 
 bool AddSrgbOutputIntent(const std::string& path, std::string* problem) {
   std::string pdf;
-  {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return Fail(problem, "cannot be read back");
-    pdf.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  }
-  const size_t startxref = pdf.rfind("startxref");
-  if (startxref == std::string::npos) return Fail(problem, "has no cross-references");
-  const size_t xref = std::strtoul(pdf.c_str() + startxref + 9, nullptr, 10);
+  size_t xref, startxref;
+  if (!ReadPdfWithXref(path, &pdf, &xref, &startxref, problem)) return false;
   if (xref >= startxref || pdf.compare(xref, 4, "xref") != 0) return Fail(problem, "has no cross-reference table");
   const size_t trailer = pdf.find("trailer", xref), open = pdf.find("<<", trailer), close = pdf.rfind(">>", startxref);
   if (trailer >= startxref || open >= startxref || close < open) return Fail(problem, "has no trailer");
