@@ -143,8 +143,7 @@ void ResamplerAgainstBox(int width, int height, int runs) {
   const uint8_t* dib = static_cast<const uint8_t*>(GlobalBlockLock(photo));
   auto resampler = [&] {
     ResampleDibRows(dib, width, height, part, false, [&](int32_t y, const uint8_t* row) {
-      uint32_t* pixel = image.data() + size_t(y) * width;
-      for (int x = 0; x < width; ++x, row += 3) pixel[x] = 0xFF000000 | uint32_t(row[2]) << 16 | uint32_t(row[1]) << 8 | row[0];
+      BgrRowToPixels(row, width, 0xFF000000, image.data() + size_t(y) * width);
     });
   };
   auto box = [&] { OldBoxShrinkDib(dib, width, height, part, reinterpret_cast<uint8_t*>(image.data()), width * 4, 0xFF000000); };

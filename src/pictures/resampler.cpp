@@ -86,7 +86,7 @@ double CatmullRom(double x) {
 }  // namespace
 
 // Source pixel i covers [i, i + 1); new pixel t is centred on (t + 1/2) s,
-// s = from / to. Reducing, its weights are the exact integrals over each
+// s = extent / to. Reducing, its weights are the exact integrals over each
 // source pixel of a quadratic B-spline three new pixels wide. A box one new
 // pixel wide (plain area averaging) leaves 1-pixel lines reduced 2.3 times
 // as windows holding 1 to 1.3 lit pixels, a visible beat; a tent two wide
@@ -96,11 +96,12 @@ double CatmullRom(double x) {
 // its edge pixels repeat. The weights are kept in 14 bits, each the step
 // between rounded running totals, so they add up to exactly 1 and any run of
 // them is within half a step of its exact sum.
-ResampleAxis MakeResampleAxis(int32_t from, int32_t to, int32_t begin, int32_t end) {
+ResampleAxis MakeResampleAxis(int32_t from, int32_t to, int32_t begin, int32_t end, double extent) {
   ResampleAxis a;
   if (from < 1 || to < 1 || begin >= end) return a;
-  const double s = static_cast<double>(from) / to;
-  const bool reducing = to < from;
+  if (!(extent > 0 && extent <= from)) extent = from;
+  const double s = extent / to;
+  const bool reducing = to < extent;
   std::vector<double> w;
   a.sourceBegin = from, a.sourceEnd = 0;
   for (int64_t t = begin; t < end; ++t) {
@@ -135,7 +136,9 @@ ResampleAxis MakeResampleAxis(int32_t from, int32_t to, int32_t begin, int32_t e
 
 // Rows are summed vertically first, at the source's width, into the pending
 // new rows each source row falls in, four source rows a pass; the new rows
-// those end are then resampled across and sent out. Sums are whole numbers
+// those end are then resampled across and sent out. Reducing by two or more,
+// pairs of rows and then pairs of pixels are first added up, exactly: the
+// bell then spans half as many (larger) pixels each way. Sums are whole numbers
 // (bytes times 14-bit weights in 32 bits, then 16-bit values with 6 bits of
 // fraction times 14-bit weights), so they come out the same in any order,
 // for any part, on any thread and on any machine; with SSE2 two products are
@@ -147,8 +150,15 @@ Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, con
       part.left < 0 || part.top < 0 || part.right > dstW || part.bottom > dstH || Width(part) < 1 || Height(part) < 1)
     return;
   try {
-    rows_ = MakeResampleAxis(srcH, dstH, part.top, part.bottom);
-    columns_ = MakeResampleAxis(srcW, dstW, part.left, part.right);
+    // Halving keeps the source's geometry: an odd side's last pair is one
+    // pixel counted twice, reaching half a pixel past the picture.
+    halve_ = srcW >= 2 * static_cast<int64_t>(dstW) && srcH >= 2 * static_cast<int64_t>(dstH);
+    const int k = halve_ ? 2 : 1;
+    rows_ = MakeResampleAxis((srcH + k - 1) / k, dstH, part.top, part.bottom, srcH / double(k));
+    columns_ = MakeResampleAxis((srcW + k - 1) / k, dstW, part.left, part.right, srcW / double(k));
+    srcH_ = srcH;
+    firstRow_ = k * rows_.sourceBegin;
+    endRow_ = std::min(srcH, k * rows_.sourceEnd);
     // The most new rows open at once, as AddRow starts them and sends them
     // out after every four source rows.
     const int32_t n = static_cast<int32_t>(rows_.first.size());
@@ -163,31 +173,39 @@ Resampler::Resampler(int32_t srcW, int32_t srcH, int32_t dstW, int32_t dstH, con
     const size_t span = pixels * channels;
     if (static_cast<uint64_t>(pending_) * span > (uint64_t(1) << 28)) return;  // a gigabyte of sums
     sums_.assign(static_cast<size_t>(pending_) * span, 0);
-    held_.resize(kHeld * span);
+    if (halve_) {
+      usedBytes_ = static_cast<size_t>(std::min(srcW, 2 * columns_.sourceEnd) - 2 * columns_.sourceBegin) * step;
+      columnSums_.resize(usedBytes_ + 16);
+      sideSums_.resize(usedBytes_ + 16);
+      if (!rowsStay) upper_.resize(usedBytes_);
+      heldHalves_.resize(kHeld * span + 4);  // room for a last pixel written as four values
+    } else {
+      held_.resize(kHeld * span);
+    }
     pairs_.resize(kHeld * span);
     // Room for reading a pair of pixels as eight values past the last.
     across_.assign(span + 3 * channels + 8, 0);
     // Each new pixel's weights two by two (an odd one with a 0), four
     // copies of each pair; where AVX2 makes two pixels of as many pairs at
     // once, pair by pair, the first's four beside the second's.
-    const auto pair = [&](int32_t i, int32_t k) {
-      const int16_t* w = columns_.weights.data() + columns_.at[i] + k;
-      const int16_t second = k + 1 < columns_.count[i] ? w[1] : 0;
-      return static_cast<int32_t>(static_cast<uint32_t>(static_cast<uint16_t>(w[0])) |
-                                  static_cast<uint32_t>(static_cast<uint16_t>(second)) << 16);
+    const auto weight = [&](int32_t i, int32_t k) {
+      return static_cast<uint32_t>(static_cast<uint16_t>(k < columns_.count[i] ? columns_.weights[columns_.at[i] + k] : 0));
     };
+    const auto pair = [&](int32_t i, int32_t k) { return static_cast<int32_t>(weight(i, k) | weight(i, k + 1) << 16); };
     const int32_t width = Width(part);
     acrossTwo_ = channels == 3 && HasAvx2();
-    for (int32_t i = 0; i < width;) {
-      const int32_t count = columns_.count[i];
-      const bool both = acrossTwo_ && i + 1 < width && (count + 1) / 2 == (columns_.count[i + 1] + 1) / 2;
-      for (int32_t k = 0; k < count; k += 2) {
-        columnPairs_.insert(columnPairs_.end(), 4, pair(i, k));
-        if (both) columnPairs_.insert(columnPairs_.end(), 4, pair(i + 1, k));
-      }
-      i += both ? 2 : 1;
+    if (acrossTwo_) {  // every new pixel as many pairs as the most any takes, the others weighing 0
+      for (int32_t i = 0; i < width; ++i) pairsEach_ = std::max(pairsEach_, (columns_.count[i] + 1) / 2);
+      for (int32_t i = 0; i < width; i += 2)
+        for (int32_t k = 0; k < 2 * pairsEach_; k += 2) {
+          columnPairs_.insert(columnPairs_.end(), 4, pair(i, k));
+          if (i + 1 < width) columnPairs_.insert(columnPairs_.end(), 4, pair(i + 1, k));
+        }
+    } else {
+      for (int32_t i = 0; i < width; ++i)
+        for (int32_t k = 0; k < columns_.count[i]; k += 2) columnPairs_.insert(columnPairs_.end(), 4, pair(i, k));
     }
-    if (channels == 3) byPairs_.resize(pixels * 8);
+    if (channels == 3) byPairs_.resize((pixels + 2 * static_cast<size_t>(pairsEach_)) * 8);
     out_.resize(static_cast<size_t>(Width(part)) * channels + 1);
   } catch (const std::bad_alloc&) {
     return;
@@ -214,6 +232,49 @@ void PairUp(const uint8_t* a, const uint8_t* b, int16_t* pairs, size_t n) {
   }
 #endif
   for (; i < n; ++i) pairs[2 * i] = a[i], pairs[2 * i + 1] = b[i];
+}
+
+// The same for rows of 16-bit values.
+void PairUp16(const int16_t* a, const int16_t* b, int16_t* pairs, size_t n) {
+  size_t i = 0;
+#ifdef __SSE2__
+  for (; i + 8 <= n; i += 8) {
+    const __m128i va = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a + i));
+    const __m128i vb = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + i));
+    __m128i* to = reinterpret_cast<__m128i*>(pairs + 2 * i);
+    _mm_storeu_si128(to, _mm_unpacklo_epi16(va, vb));
+    _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(va, vb));
+  }
+#endif
+  for (; i < n; ++i) pairs[2 * i] = a[i], pairs[2 * i + 1] = b[i];
+}
+
+// sum[i] = a[i] + b[i], bytes added into 16 bits.
+void AddBytes(const uint8_t* a, const uint8_t* b, int16_t* sum, size_t n) {
+  size_t i = 0;
+#ifdef __SSE2__
+  const __m128i zero = _mm_setzero_si128();
+  for (; i + 16 <= n; i += 16) {
+    const __m128i va = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a + i));
+    const __m128i vb = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b + i));
+    __m128i* to = reinterpret_cast<__m128i*>(sum + i);
+    _mm_storeu_si128(to, _mm_add_epi16(_mm_unpacklo_epi8(va, zero), _mm_unpacklo_epi8(vb, zero)));
+    _mm_storeu_si128(to + 1, _mm_add_epi16(_mm_unpackhi_epi8(va, zero), _mm_unpackhi_epi8(vb, zero)));
+  }
+#endif
+  for (; i < n; ++i) sum[i] = static_cast<int16_t>(a[i] + b[i]);
+}
+
+// sum[i] = v[i] + v[i + step].
+void AddAlong(const int16_t* v, size_t step, int16_t* sum, size_t n) {
+  size_t i = 0;
+#ifdef __SSE2__
+  for (; i + 8 <= n; i += 8)
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(sum + i),
+                     _mm_add_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(v + i)),
+                                   _mm_loadu_si128(reinterpret_cast<const __m128i*>(v + i + step))));
+#endif
+  for (; i < n; ++i) sum[i] = static_cast<int16_t>(v[i] + v[i + step]);
 }
 
 // s[i] += wa a[i] + wb b[i] for the pairs of PairUp, `both` holding wa in
@@ -285,18 +346,20 @@ const auto AddPairsBest = AddPairs;
 const auto AddQuadsBest = AddQuads;
 #endif
 
-// A row of sums (bytes times 1 << 14) as 16-bit values with 6 bits of fraction.
-void Narrow(const int32_t* s, int16_t* t, size_t n) {
+// A row of sums (bytes times 1 << 14, or four times that when halving,
+// `shift` 8 or 10) as 16-bit values with 6 bits of fraction.
+void Narrow(const int32_t* s, int16_t* t, size_t n, int shift) {
   size_t i = 0;
+  const int32_t round = 1 << (shift - 1);
 #ifdef __SSE2__
-  const __m128i half = _mm_set1_epi32(128);
+  const __m128i half = _mm_set1_epi32(round), by = _mm_cvtsi32_si128(shift);
   for (; i + 8 <= n; i += 8) {
-    const __m128i lo = _mm_srai_epi32(_mm_add_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i)), half), 8);
-    const __m128i hi = _mm_srai_epi32(_mm_add_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i + 4)), half), 8);
+    const __m128i lo = _mm_sra_epi32(_mm_add_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i)), half), by);
+    const __m128i hi = _mm_sra_epi32(_mm_add_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(s + i + 4)), half), by);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(t + i), _mm_packs_epi32(lo, hi));
   }
 #endif
-  for (; i < n; ++i) t[i] = static_cast<int16_t>(std::clamp((s[i] + 128) >> 8, -32768, 32767));
+  for (; i < n; ++i) t[i] = static_cast<int16_t>(std::clamp((s[i] + round) >> shift, -32768, 32767));
 }
 
 // A sum of 16-bit values with 6 bits of fraction times 14-bit weights as a byte.
@@ -310,22 +373,58 @@ int16_t Resampler::RowWeight(int32_t j, int32_t y) const {
 }
 
 void Resampler::AddRow(int32_t y, const uint8_t* row) {
-  if (!ok_ || y < rows_.sourceBegin || y >= rows_.sourceEnd) return;
+  if (!ok_ || y < firstRow_ || y >= endRow_) return;
+  if (!halve_) return Enter(y, row + static_cast<size_t>(columns_.sourceBegin) * step_);
+  // Halving, the upper row of a pair waits for the lower; a last row of an
+  // odd height is added to itself.
+  const uint8_t* src = row + static_cast<size_t>(2 * columns_.sourceBegin) * step_;
+  if (y % 2 == 0 && y + 1 < srcH_) {
+    upperY_ = y;
+    upperRow_ = rowsStay_ ? src : static_cast<const uint8_t*>(std::memcpy(upper_.data(), src, usedBytes_));
+    return;
+  }
+  const size_t span = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin) * channels_;
+  Halve(y % 2 == 1 && upperY_ == y - 1 ? upperRow_ : src, src, heldHalves_.data() + span * heldCount_);
+  Enter(y / 2, nullptr);
+}
+
+// Two source rows become one of sums of two by two pixels (`out`, a row of
+// the halved picture); a last column of an odd width is added to itself.
+void Resampler::Halve(const uint8_t* above, const uint8_t* below, int16_t* out) {
+  const size_t step = static_cast<size_t>(step_), pixels = usedBytes_ / step;
+  const int32_t halves = columns_.sourceEnd - columns_.sourceBegin;
+  int16_t* down = columnSums_.data();
+  int16_t* both = sideSums_.data();
+  AddBytes(above, below, down, usedBytes_);
+  AddAlong(down, step, both, usedBytes_ - step);
+  if (channels_ == 3) {  // four values a pixel, the fourth overwritten by the next or spare
+    for (int32_t x = 0; x < halves; ++x) std::memcpy(out + 3 * x, both + 2 * step * x, 4 * sizeof(int16_t));
+  } else {
+    for (int32_t x = 0; x < halves; ++x) out[x] = both[2 * step * x];
+  }
+  if (pixels % 2 == 1)
+    for (int c = 0; c < channels_; ++c)
+      out[(halves - 1) * channels_ + c] = static_cast<int16_t>(2 * down[(pixels - 1) * step + c]);
+}
+
+// Row `y` of the picture being resampled (halved or not): rows are kept
+// (or only pointed at, when they stay) until four have come or the last;
+// then the new rows they end go out.
+void Resampler::Enter(int32_t y, const uint8_t* src) {
   const int32_t n = static_cast<int32_t>(rows_.first.size());
   const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin), span = pixels * channels_;
   for (; entered_ < n && rows_.first[entered_] <= y; ++entered_)
     std::fill_n(sums_.begin() + static_cast<ptrdiff_t>(span * (entered_ % pending_)), span, 0);
-  // Rows are kept (or only pointed at, when they stay) until four have come
-  // or the last; then the new rows they end go out.
-  const uint8_t* src = row + static_cast<size_t>(columns_.sourceBegin) * step_;
-  uint8_t* keep = held_.data() + span * heldCount_;
-  if (step_ != channels_) {
-    for (size_t x = 0; x < pixels; ++x) std::memcpy(keep + x * channels_, src + x * step_, channels_);
-    src = keep;
-  }
   const bool last = heldCount_ == kHeld - 1 || y == rows_.sourceEnd - 1;
-  heldY_[heldCount_] = y;
-  heldRows_[heldCount_++] = src == keep || rowsStay_ || last ? src : static_cast<uint8_t*>(std::memcpy(keep, src, span));
+  if (!halve_) {
+    uint8_t* keep = held_.data() + span * heldCount_;
+    if (step_ != channels_) {
+      for (size_t x = 0; x < pixels; ++x) std::memcpy(keep + x * channels_, src + x * step_, channels_);
+      src = keep;
+    }
+    heldRows_[heldCount_] = src == keep || rowsStay_ || last ? src : static_cast<uint8_t*>(std::memcpy(keep, src, span));
+  }
+  heldY_[heldCount_++] = y;
   if (!last) return;
   AddHeldRows();
   while (next_ < entered_ && rows_.first[next_] + rows_.count[next_] - 1 <= y) {
@@ -340,8 +439,13 @@ void Resampler::AddHeldRows() {
   const size_t span = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin) * channels_;
   const int n = heldCount_;
   int32_t weights[kHeld];  // two 16-bit weights in each even one
-  for (int k = 0; k < n; k += 2)
-    PairUp(heldRows_[k], heldRows_[k + 1 < n ? k + 1 : k], pairs_.data() + 2 * span * (k / 2), span);
+  for (int k = 0; k < n; k += 2) {
+    const int other = k + 1 < n ? k + 1 : k;
+    if (halve_)
+      PairUp16(heldHalves_.data() + span * k, heldHalves_.data() + span * other, pairs_.data() + 2 * span * (k / 2), span);
+    else
+      PairUp(heldRows_[k], heldRows_[other], pairs_.data() + 2 * span * (k / 2), span);
+  }
   for (int32_t j = next_; j < entered_; ++j) {
     for (int k = 0; k < n; k += 2) {
       const int16_t a = RowWeight(j, heldY_[k]), b = k + 1 < n ? RowWeight(j, heldY_[k + 1]) : 0;
@@ -383,16 +487,15 @@ void Across(const int16_t* byPairs, const int32_t* pair, const int32_t* first, c
 }
 
 #if defined(__x86_64__) && defined(__GNUC__)
-// The same, two new pixels at once where they take as many pairs.
+// The same, two new pixels at once, each taking `pairs` pairs.
 __attribute__((target("avx2"))) void AcrossAvx2(const int16_t* byPairs, const int32_t* pair, const int32_t* first,
-                                                const int32_t* count, int32_t begin, int32_t width, uint8_t* out) {
+                                                int32_t pairs, int32_t begin, int32_t width, uint8_t* out) {
   auto at = [](const void* p) { return reinterpret_cast<const __m128i*>(p); };
   for (int32_t i = 0; i < width;) {
-    const int32_t pairs = (count[i] + 1) / 2;
-    if (i + 1 == width || pairs != (count[i + 1] + 1) / 2) {  // one on its own
-      Across(byPairs, pair, first + i, count + i, begin, 1, out);
-      pair += 4 * pairs, ++i, out += 3;
-      continue;
+    if (i + 1 == width) {  // a last one on its own
+      const int32_t count = 2 * pairs;
+      Across(byPairs, pair, first + i, &count, begin, 1, out);
+      return;
     }
     const int16_t* two = byPairs + 8 * static_cast<size_t>(first[i] - begin);
     const int16_t* nextTwo = byPairs + 8 * static_cast<size_t>(first[i + 1] - begin);
@@ -414,7 +517,7 @@ __attribute__((target("avx2"))) void AcrossAvx2(const int16_t* byPairs, const in
 void Resampler::Emit(const int32_t* sums) {
   const int32_t width = Width(part_);
   const size_t pixels = static_cast<size_t>(columns_.sourceEnd - columns_.sourceBegin);
-  Narrow(sums, across_.data(), pixels * channels_);
+  Narrow(sums, across_.data(), pixels * channels_, halve_ ? 10 : 8);
   uint8_t* out = out_.data();
   if (channels_ == 1) {
     for (int32_t i = 0; i < width; ++i) {
@@ -434,12 +537,13 @@ void Resampler::Emit(const int32_t* sums) {
                        _mm_unpacklo_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(t)),
                                           _mm_loadu_si128(reinterpret_cast<const __m128i*>(t + 3))));
 #if defined(__x86_64__) && defined(__GNUC__)
-    const auto across = acrossTwo_ ? AcrossAvx2 : Across;
-#else
-    const auto across = Across;
+    if (acrossTwo_)
+      AcrossAvx2(byPairs_.data(), columnPairs_.data(), columns_.first.data(), pairsEach_, columns_.sourceBegin, width,
+                 out);
+    else
 #endif
-    across(byPairs_.data(), columnPairs_.data(), columns_.first.data(), columns_.count.data(), columns_.sourceBegin,
-           width, out);
+      Across(byPairs_.data(), columnPairs_.data(), columns_.first.data(), columns_.count.data(), columns_.sourceBegin,
+             width, out);
 #else
     for (int32_t i = 0; i < width; ++i, out += 3) {
       const int16_t* w = columns_.weights.data() + columns_.at[i];
@@ -533,6 +637,14 @@ bool ResampleDibRows(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect&
   }
   other.join();
   return upperMade && lowerMade;
+}
+
+void BgrRowToPixels(const uint8_t* row, int32_t width, uint32_t alpha, uint32_t* pixels) {
+  for (int32_t x = 0; x < width; ++x, row += 3) {
+    uint32_t v;
+    std::memcpy(&v, row, 4);  // little-endian: blue, green, red and the next pixel's blue
+    pixels[x] = alpha | (v & 0xFFFFFF);
+  }
 }
 
 BlockHandle ResampleDib(BlockHandle dib, int32_t dstW, int32_t dstH) {

@@ -66,8 +66,7 @@ bool ResampleInto(const uint8_t* dib, int width, int height, const Rect& part, u
                   uint32_t alpha) {
   const int partW = Width(part);
   return ResampleDibRows(dib, width, height, part, false, [&](int32_t y, const uint8_t* row) {
-    uint32_t* pixel = reinterpret_cast<uint32_t*>(image + size_t(y - part.top) * stride);
-    for (int x = 0; x < partW; ++x, row += 3) pixel[x] = alpha | uint32_t(row[2]) << 16 | uint32_t(row[1]) << 8 | row[0];
+    BgrRowToPixels(row, partW, alpha, reinterpret_cast<uint32_t*>(image + size_t(y - part.top) * stride));
   });
 }
 
