@@ -144,8 +144,13 @@ TEST_F(QuernalTest, ResamplerTurnsFinePatternsToEvenGreyFromEveryDepthAndRowOrde
   }
   GlobalBlockFree(flat);
 
-  // A part of the new picture is that part of the whole.
-  BlockHandle checker = PatternDib(kChecker, 24, false, false, 57, 43);
+  // A part of the new picture is that part of the whole (a picture of
+  // uneven bytes, so a part shifted by a source pixel shows).
+  BlockHandle checker = DibCreate(57, 43, 24);
+  {
+    BlockLock lock(checker);
+    for (size_t i = 0; i < DibRowStride(57, 24) * 43; ++i) DibBits(lock.bytes())[i] = uint8_t(i * 37 % 251);
+  }
   for (const Rect part : {Rect{3, 5, 11, 9}, Rect{0, 0, 1, 1}, Rect{12, 10, 19, 14}})
     for (int scale : {3, 30}) {  // reduced and enlarged
       const int w = 57 * 10 / scale, h = 43 * 10 / scale;
