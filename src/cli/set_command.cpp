@@ -210,7 +210,8 @@ int SetCommand(const Arguments& args) {
   int status = ChosenPages(args, document, &pages);
   const bool hasPicture = args.Has("--picture") || args.Has("--no-picture");
   if (status < 0) status = ReadAssignments(values, pages[0], &assignments);
-  if (status < 0 && hasPicture && pages[0] == kYearPage) status = Usage("the year page has no picture");
+  if (status < 0 && (hasPicture || args.Has("--fill-box")) && pages[0] == kYearPage)
+    status = Usage("the year page has no picture");
   BlockHandle picture = 0;
   if (status < 0 && args.Has("--picture") &&
       !(picture = ReadPictureOption(args.options.at("--picture"), PageBackground(document, pages[0]), args)))
