@@ -639,8 +639,29 @@ bool ResampleDibRows(const uint8_t* dib, int32_t dstW, int32_t dstH, const Rect&
   return upperMade && lowerMade;
 }
 
+#if defined(__x86_64__) && defined(__GNUC__)
+namespace {
+// Four pixels a step, each three bytes spread to four by one shuffle.
+__attribute__((target("avx2"))) int32_t BgrRowToPixelsAvx2(const uint8_t* row, int32_t width, uint32_t alpha,
+                                                            uint32_t* pixels) {
+  const __m128i spread = _mm_setr_epi8(0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1);
+  const __m128i top = _mm_set1_epi32(static_cast<int32_t>(alpha));
+  int32_t x = 0;
+  for (; x + 6 <= width; x += 4) {  // sixteen bytes read: four pixels and four of the next two
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(row + 3 * x));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(pixels + x), _mm_or_si128(_mm_shuffle_epi8(v, spread), top));
+  }
+  return x;
+}
+}  // namespace
+#endif
+
 void BgrRowToPixels(const uint8_t* row, int32_t width, uint32_t alpha, uint32_t* pixels) {
-  for (int32_t x = 0; x < width; ++x, row += 3) {
+  int32_t x = 0;
+#if defined(__x86_64__) && defined(__GNUC__)
+  if (HasAvx2()) x = BgrRowToPixelsAvx2(row, width, alpha, pixels);
+#endif
+  for (row += 3 * x; x < width; ++x, row += 3) {
     uint32_t v;
     std::memcpy(&v, row, 4);  // little-endian: blue, green, red and the next pixel's blue
     pixels[x] = alpha | (v & 0xFFFFFF);
