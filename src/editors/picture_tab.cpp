@@ -3,6 +3,10 @@
 #include <cstring>
 
 #include "base/global_block.h"
+#include "base/text.h"
+#include "config/settings.h"
+#include "editors/choosers.h"
+#include "res/string_ids.h"
 
 namespace {
 
@@ -12,7 +16,51 @@ void EnableNumber(DialogControls& controls, int id, bool on) {
   controls.Enable(id + kUpDownOffset, on);
 }
 
+BlockHandle* PictureOf(void* record, const SheetTab& tab) {
+  return reinterpret_cast<BlockHandle*>(static_cast<char*>(record) + tab.picture->picture);
+}
+
+// "Select...": the picture is freed before the new one is read, so a file
+// that cannot be read leaves none.
+TabClick SelectPicture(const SheetTab& tab, void* record, DialogControls& controls, const Choosers& choosers) {
+  char path[260];
+  const std::string pictures = choosers.picturesFolder.empty() ? "" : JoinPath(choosers.picturesFolder, "");
+  CopyText(path, sizeof path, DialogStartFolder(Settings.OpenPath, Settings.ApplicationPath, pictures).c_str());
+  if (!choosers.openPicture(path)) return {TabClick::kDone};
+  CopyText(Settings.OpenPath, sizeof Settings.OpenPath, FolderOfFile(path).c_str());
+  BlockHandle* picture = PictureOf(record, tab);
+  if (*picture) GlobalBlockFree(*picture);
+  *picture = 0;
+  Colour background;
+  std::memcpy(&background, static_cast<const char*>(record) + tab.picture->background, sizeof background);
+  *picture = choosers.readPicture(path, background);
+  if (tab.picture->showChosen) controls.SetChecked(IDC_PICTURE_SHOW, *picture != 0);
+  ApplyPictureRules(tab, record, controls);
+  return {TabClick::kNewPicture};
+}
+
+// "Paint": the picture painted replaces the old one; when the round trip
+// fails the old one stays and the user is told.
+TabClick PaintPicture(const SheetTab& tab, void* record, const Choosers& choosers) {
+  BlockHandle* picture = PictureOf(record, tab);
+  if (!*picture) return {TabClick::kDone};
+  const PaintedPicture painted = choosers.paint(Settings.PaintbrushPath, *picture, Settings.MaximizePaint != 0);
+  if (painted.noProgram) return {TabClick::kDone, IDS_NO_PAINT_PROGRAM};
+  if (!painted.dib) return {TabClick::kDone, IDS_MEMORY_FAILED};
+  GlobalBlockFree(*picture);
+  *picture = painted.dib;
+  return {TabClick::kNewPicture};
+}
+
 }  // namespace
+
+TabClick ClickPictureButton(const SheetTab& tab, int id, void* record, DialogControls& controls,
+                            const Choosers& choosers) {
+  if (IsPictureCheckBox(id)) return ResetTabControls(tab, record, controls), TabClick{TabClick::kReset};
+  if (id == IDC_PICTURE_SELECT) return SelectPicture(tab, record, controls, choosers);
+  if (id == tab.picture->paint) return PaintPicture(tab, record, choosers);
+  return {TabClick::kNotMine};
+}
 
 void ApplyPictureRules(const SheetTab& tab, const void* record, DialogControls& controls) {
   if (const ControlBinding* radio = FindBinding(tab.controls, tab.controlCount, tab.picture->placement))

@@ -18,3 +18,8 @@ inline bool IsPictureCheckBox(int id) {
 // "Show picture" only when the record has a picture, and the picture's own
 // controls only while it is shown.
 void ApplyPictureRules(const SheetTab& tab, const void* record, DialogControls& controls);
+// "Select..." (the picture-open dialog in the folder used last, then the
+// file read), "Paint" and a click on "Show picture", "Show frame" or "Drop
+// shadow"; kNotMine for any other button.
+TabClick ClickPictureButton(const SheetTab& tab, int id, void* record, DialogControls& controls,
+                            const Choosers& choosers);

@@ -1,22 +1,16 @@
 #include "editors/picture_tab_win32.h"
 
-#include <shlobj.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "base/program_win32.h"
-#include "base/text.h"
 #include "config/settings.h"
 #include "editors/control_binding.h"
 #include "editors/crop_dialog_win32.h"
 #include "editors/dialog_controls_win32.h"
 #include "editors/picture_on_page.h"
-#include "pictures/page_picture_win32.h"
-#include "pictures/paint_round_trip_win32.h"
-#include "pictures/picture_open_dialog_win32.h"
 #include "pictures/resampler.h"
 #include "print/printer_win32.h"
 #include "render/primitives_win32.h"
@@ -26,28 +20,6 @@ namespace {
 
 BlockHandle* PictureOf(void* record, const SheetTab& sheet) {
   return reinterpret_cast<BlockHandle*>(static_cast<char*>(record) + sheet.picture->picture);
-}
-
-// "Select...": the picture-open dialog in the folder used last (the user's
-// pictures until a folder has been used); the picture is freed before the
-// new one loads, so a failed load leaves none.
-void SelectPicture(HWND tab, void* record, const SheetTab& sheet) {
-  char pictures[MAX_PATH] = "";
-  if (FAILED(SHGetFolderPathA(nullptr, CSIDL_MYPICTURES, nullptr, SHGFP_TYPE_CURRENT, pictures))) pictures[0] = 0;
-  char path[MAX_PATH];
-  CopyText(path, sizeof path,
-           DialogStartFolder(Settings.OpenPath, Settings.ApplicationPath, pictures[0] ? JoinPath(pictures, "") : "")
-               .c_str());
-  if (!OpenPictureFile(tab, path)) return;
-  CopyText(Settings.OpenPath, sizeof Settings.OpenPath, FolderOfFile(path).c_str());
-  BlockHandle* picture = PictureOf(record, sheet);
-  if (*picture) GlobalBlockFree(*picture);
-  *picture = 0;
-  Colour background;
-  std::memcpy(&background, static_cast<const char*>(record) + sheet.picture->background, sizeof background);
-  *picture = LoadPagePicture(tab, path, background);
-  if (sheet.picture->showChosen) Win32DialogControls(tab).SetChecked(IDC_PICTURE_SHOW, *picture != 0);
-  ApplyPictureState(tab, record, sheet);
 }
 
 // The current printer's printable page and its pixels per inch; A4 at the
@@ -76,27 +48,15 @@ void CropPicture(HWND tab, void* record, const SheetTab& sheet) {
     ApplyPictureState(tab, record, sheet);
 }
 
-// "Paint": the picture through the paint program; the sheet takes no input
-// until the program ends.
-void PaintPicture(HWND tab, void* record, const SheetTab& sheet) {
-  BlockHandle* picture = PictureOf(record, sheet);
-  if (!*picture) return;
-  if (GetFileAttributesA(Settings.PaintbrushPath) == INVALID_FILE_ATTRIBUTES)
-    return (void)ShowMessage(tab, IDS_NO_PAINT_PROGRAM);
-  HWND sheetWindow = GetParent(tab) ? GetParent(tab) : tab;
-  const BlockHandle edited = PaintRoundTrip(sheetWindow, Settings.PaintbrushPath, *picture, Settings.MaximizePaint != 0);
-  if (!edited) return (void)ShowMessage(tab, IDS_MEMORY_FAILED);
-  GlobalBlockFree(*picture);
-  *picture = edited;
-  InvalidateRect(GetDlgItem(tab, IDC_PICTURE_SAMPLE), nullptr, TRUE);
-  ShowPrintNote(tab, record, sheet);
-}
-
 }  // namespace
 
 void ApplyPictureState(HWND tab, const void* record, const SheetTab& sheet) {
   Win32DialogControls controls(tab);
   ApplyPictureRules(sheet, record, controls);
+  RepaintPicture(tab, record, sheet);
+}
+
+void RepaintPicture(HWND tab, const void* record, const SheetTab& sheet) {
   InvalidateRect(GetDlgItem(tab, IDC_PICTURE_SAMPLE), nullptr, TRUE);
   ShowPrintNote(tab, record, sheet);
 }
@@ -171,8 +131,5 @@ void DrawPicturePreview(const DRAWITEMSTRUCT* item, BlockHandle picture) {
 }
 
 bool PictureTabCommand(HWND tab, int command, void* record, const SheetTab& sheet) {
-  if (command == IDC_PICTURE_SELECT) return SelectPicture(tab, record, sheet), true;
-  if (command == IDC_PICTURE_CROP) return CropPicture(tab, record, sheet), true;
-  if (command == sheet.picture->paint) return PaintPicture(tab, record, sheet), true;
-  return false;
+  return command == IDC_PICTURE_CROP && (CropPicture(tab, record, sheet), true);
 }

@@ -1,5 +1,5 @@
-// The picture of a page or cover tab on its window: "Select...", "Crop...",
-// "Paint", the preview and the print note.
+// The picture of a page or cover tab on its window: "Crop...", the preview
+// and the print note.
 #pragma once
 #include <windows.h>
 
@@ -9,6 +9,8 @@
 // The tab's picture rules (see ApplyPictureRules) on its window; repaints
 // the preview and the print note.
 void ApplyPictureState(HWND tab, const void* record, const SheetTab& sheet);
+// The preview and the print note repainted for the picture as it is now.
+void RepaintPicture(HWND tab, const void* record, const SheetTab& sheet);
 // WM_DRAWITEM of the preview: the picture as large as fits, centred, framed
 // in the button-shadow colour; nothing while disabled or without a picture.
 void DrawPicturePreview(const DRAWITEMSTRUCT* item, BlockHandle picture);
@@ -16,5 +18,5 @@ void DrawPicturePreview(const DRAWITEMSTRUCT* item, BlockHandle picture);
 // printer), in the warning colour below the resolution that prints sharp.
 void ShowPrintNote(HWND tab, const void* record, const SheetTab& sheet);
 void DrawPrintNote(const DRAWITEMSTRUCT* item);
-// "Select...", "Crop..." and "Paint"; true when `command` was one of them.
+// "Crop..."; true when `command` was it.
 bool PictureTabCommand(HWND tab, int command, void* record, const SheetTab& sheet);

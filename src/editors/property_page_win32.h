@@ -12,6 +12,7 @@
 
 #include "editors/control_binding.h"
 
+struct Choosers;
 struct PageContext;
 struct SheetTab;
 
@@ -31,10 +32,11 @@ struct PageContext {
   int32_t* lastPage;   // where showing the tab writes `index` (may be null)
   int32_t* edited;     // what OK sets to 1 (may be null)
   // The page and year sheets' tabs: what the tab shows beyond its table,
-  // the tab's own rule applied whenever its state is reset, and the fonts
-  // of its samples (deleted with the tab).
+  // the tab's own rule applied whenever its state is reset, the choosers
+  // its buttons open, and the fonts of its samples (deleted with the tab).
   const SheetTab* sheet = nullptr;
   void (*refresh)(HWND tab, PageContext* context) = nullptr;
+  Choosers (*choosers)(HWND tab) = nullptr;
   HFONT samples[2] = {nullptr, nullptr};
 };
 

@@ -9,6 +9,7 @@
 #include "base/geometry.h"
 #include "editors/control_binding.h"
 
+struct Choosers;
 struct PagePicture;
 
 constexpr size_t kNoField = SIZE_MAX;
@@ -59,3 +60,26 @@ struct SheetTab {
 };
 
 #define QUERNAL_COUNT(a) (sizeof(a) / sizeof((a)[0]))
+
+// What a click on a tab's button leaves to its window once the record and
+// the controls have taken the answer of the chooser it opened.
+struct TabClick {
+  enum Then {
+    kNotMine,        // no button the tab's description names
+    kDone,           // nothing more: a chooser cancelled, a colour kept
+    kRepaintButton,  // the colour button shows its new colour
+    kReset,          // the font samples rebuilt, the tab's own rule applied
+    kNewPicture,     // the preview and the print note show the new picture
+  } then;
+  int message = 0;  // a text of the string table to show the user, or 0
+};
+
+// A click on button `id` of `tab` over the working copy `record`: the font
+// box, a colour, a placement glyph, and the picture's check boxes,
+// "Select..." and "Paint". After the font box and after a click on a
+// picture's check box the tab is reset (see ResetTabControls).
+TabClick ClickTabButton(const SheetTab& tab, int id, void* record, DialogControls& controls, const Choosers& choosers);
+// The radios checked again from the record (without clearing the others),
+// the check boxes that the record sets or clears reset, and the picture's
+// rules applied again: clicks since the tab opened are lost, on purpose.
+void ResetTabControls(const SheetTab& tab, const void* record, DialogControls& controls);

@@ -5,10 +5,10 @@
 
 #include <cstring>
 
-#include "colours/colour_dialog_win32.h"
+#include "base/program_win32.h"
+#include "editors/choosers.h"
 #include "editors/dialog_controls_win32.h"
 #include "editors/editor_controls_win32.h"
-#include "editors/font_box_win32.h"
 #include "editors/picture_tab_win32.h"
 #include "editors/sheet_tab.h"
 #include "render/primitives_win32.h"
@@ -22,33 +22,11 @@ int32_t Int32At(PageContext* c, size_t offset) {
   std::memcpy(&value, Field(c, offset), sizeof value);
   return value;
 }
-void SetInt32At(PageContext* c, size_t offset, int32_t value) { std::memcpy(Field(c, offset), &value, sizeof value); }
 
 void ShowSamples(HWND tab, PageContext* c) {
   for (size_t i = 0; i < c->sheet->fontCount && i < 2; ++i) {
     const FontButtonBinding& f = c->sheet->fonts[i];
     SetFontSample(tab, f.sample, Field(c, f.face), Int32At(c, f.weight), Int32At(c, f.italic), &c->samples[i]);
-  }
-}
-
-void ChooseElementFont(HWND tab, PageContext* c, const FontButtonBinding& f) {
-  int32_t weight = Int32At(c, f.weight), italic = Int32At(c, f.italic);
-  int32_t size = f.size == kNoField ? 0 : Int32At(c, f.size);
-  if (!ChooseFontBox(tab, Field(c, f.face), &weight, &italic, f.size == kNoField ? nullptr : &size, f.minimum,
-                     f.maximum))
-    return;
-  SetInt32At(c, f.weight, weight);
-  SetInt32At(c, f.italic, italic);
-  if (f.size != kNoField) SetInt32At(c, f.size, size);
-  ResetSheetTab(tab, c);
-}
-
-void ChooseElementColour(HWND tab, PageContext* c, const ColourButtonBinding& b) {
-  COLORREF colour = static_cast<COLORREF>(Int32At(c, b.colour));
-  const COLORREF before = colour;
-  if (ChooseColourWithTable(tab, &colour) && colour != before) {
-    SetInt32At(c, b.colour, static_cast<int32_t>(colour));
-    InvalidateRect(GetDlgItem(tab, b.button), nullptr, TRUE);
   }
 }
 
@@ -60,19 +38,28 @@ const ColourButtonBinding* ColourButton(const SheetTab& t, int id) {
   return nullptr;
 }
 
+// The samples rebuilt, the picture repainted and the tab's own rule applied
+// once its controls were reset.
+void RedrawReset(HWND tab, PageContext* c) {
+  ShowSamples(tab, c);
+  if (c->sheet->picture) RepaintPicture(tab, c->record, *c->sheet);
+  if (c->refresh) c->refresh(tab, c);
+}
+
+// The button's chooser and what the tab does with its answer, then what
+// that leaves to the window.
 bool Clicked(HWND tab, PageContext* c, int id) {
-  const SheetTab& t = *c->sheet;
-  for (size_t i = 0; i < t.fontCount; ++i)
-    if (id == t.fonts[i].button) return ChooseElementFont(tab, c, t.fonts[i]), true;
-  if (const ColourButtonBinding* b = ColourButton(t, id)) return ChooseElementColour(tab, c, *b), true;
-  // A click on a placement glyph chooses the placement beside it.
-  if (IsGlyph(t, id)) {
-    CheckRadioButton(tab, t.firstGlyphRadio, t.firstGlyphRadio + 2, t.firstGlyphRadio + id - t.firstGlyph);
-    return true;
+  Win32DialogControls controls(tab);
+  const TabClick click = ClickTabButton(*c->sheet, id, c->record, controls, c->choosers(tab));
+  if (click.message) ShowMessage(tab, click.message);
+  switch (click.then) {
+    case TabClick::kNotMine: return c->sheet->picture && PictureTabCommand(tab, id, c->record, *c->sheet);
+    case TabClick::kDone: break;
+    case TabClick::kRepaintButton: InvalidateRect(GetDlgItem(tab, id), nullptr, TRUE); break;
+    case TabClick::kReset: RedrawReset(tab, c); break;
+    case TabClick::kNewPicture: RepaintPicture(tab, c->record, *c->sheet); break;
   }
-  if (!t.picture) return false;
-  if (IsPictureCheckBox(id)) return ResetSheetTab(tab, c), true;
-  return PictureTabCommand(tab, id, c->record, t);
+  return true;
 }
 
 bool DrawItem(PageContext* c, const DRAWITEMSTRUCT* item) {
@@ -95,15 +82,9 @@ bool DrawItem(PageContext* c, const DRAWITEMSTRUCT* item) {
 }  // namespace
 
 void ResetSheetTab(HWND tab, PageContext* c) {
-  const SheetTab& t = *c->sheet;
   Win32DialogControls controls(tab);
-  for (size_t i = 0; i < t.controlCount; ++i) {
-    const ControlBinding& b = t.controls[i];
-    if (b.kind == ControlKind::Radio || b.kind == ControlKind::Check) LoadControls(&b, 1, c->record, controls);
-  }
-  ShowSamples(tab, c);
-  if (t.picture) ApplyPictureState(tab, c->record, t);
-  if (c->refresh) c->refresh(tab, c);
+  ResetTabControls(*c->sheet, c->record, controls);
+  RedrawReset(tab, c);
 }
 
 bool SheetTabMessage(HWND tab, UINT message, WPARAM wParam, LPARAM lParam, PageContext* c) {
@@ -138,7 +119,7 @@ void RunSheet(const SheetPlan& plan, void* record, int32_t* lastPage, int32_t* e
   for (int i = 0; i < count; ++i) {
     const SheetTab& t = plan.tabs[i];
     bindings[i] = {t.controls, t.controlCount, plan.helpTopic, plan.quirks};
-    contexts[i] = {&bindings[i], record, i, lastPage, edited, &t, plan.refresh};
+    contexts[i] = {&bindings[i], record, i, lastPage, edited, &t, plan.refresh, plan.choosers};
     tabs[i].dwSize = sizeof tabs[i];
     tabs[i].dwFlags = PSP_USETITLE;
     tabs[i].hInstance = GetModuleHandleA(nullptr);

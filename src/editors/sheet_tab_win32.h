@@ -5,15 +5,13 @@
 #pragma once
 #include <windows.h>
 
+#include "editors/choosers_win32.h"
 #include "editors/property_page_win32.h"
 
 // The tab's messages (its PageContext names its SheetTab); true when
 // handled. Initialisation shows the samples and applies the state; after
-// the font box and after a click on a picture's check boxes the radios are
-// checked again from the record (without clearing the others), the check
-// boxes that the record sets or clears are reset, the samples rebuilt and
-// the state applied again: clicks since the tab opened are lost, on
-// purpose.
+// the font box and after a click on a picture's check boxes the tab is
+// reset (see ResetSheetTab).
 bool SheetTabMessage(HWND tab, UINT message, WPARAM wParam, LPARAM lParam, PageContext* context);
 // A modal sheet of tabs described as data.
 struct SheetPlan {
@@ -24,10 +22,13 @@ struct SheetPlan {
   const char* helpTopic;
   bool (*quirks)(HWND tab, UINT message, WPARAM wParam, LPARAM lParam, PageContext* context);
   void (*refresh)(HWND tab, PageContext* context);
+  // The choosers the tabs' buttons open, for the tab clicked.
+  Choosers (*choosers)(HWND tab) = Win32Choosers;
 };
 // Runs the sheet over `record` without an Apply button, opening on the tab
 // `*lastPage` names (the first when it names none): showing a tab writes
 // its index there, OK sets `*edited`.
 void RunSheet(const SheetPlan& plan, void* record, int32_t* lastPage, int32_t* edited);
-// That reset, for a tab's own triggers.
+// The controls reset from the record (see ResetTabControls), the samples
+// rebuilt and the state applied again; also for a tab's own triggers.
 void ResetSheetTab(HWND tab, PageContext* context);

@@ -5,7 +5,9 @@
 #include <set>
 #include <vector>
 
+#include "base/text.h"
 #include "calendar/calendar_model.h"
+#include "editors/choosers.h"
 #include "editors/page_tabs.h"
 #include "editors/picture_tab.h"
 #include "editors/year_tabs.h"
@@ -13,6 +15,7 @@
 #include "config/settings.h"
 #include "fake_controls.h"
 #include "res/page_sheet_ids.h"
+#include "res/string_ids.h"
 #include "res/year_sheet_ids.h"
 #include "test_support.h"
 
@@ -165,4 +168,137 @@ TEST_F(QuernalTest, PictureControlsFollowThePictureShowShadowAndFrame) {
     }
   }
   GlobalBlockFree(block);
+}
+
+// The tabs' buttons with fake choosers: what each answer does to the
+// working copy (fields set, the picture replaced, freed or kept), to the
+// check boxes and radios (all cleared by the user before the click), what
+// the chooser was asked and what is left to the window.
+TEST_F(QuernalTest, TabButtonsTakeTheirChoosersAnswers) {
+  enum Picture { kKept, kNone, kNew };
+  struct Field {
+    size_t offset;
+    int32_t value;
+    const char* text = nullptr;
+  };
+  bool ok = true, works = true;
+  std::string asked;
+  BlockHandle made = 0;
+  Choosers fake;
+  fake.font = [&](char* face, int32_t* weight, int32_t* italic, int32_t* size, int minimum, int maximum) {
+    asked = "font " + std::to_string(minimum) + ".." + std::to_string(maximum) + (size ? " sized" : "");
+    if (!ok) return false;
+    std::strcpy(face, "Fake");
+    *weight = 700, *italic = 255;
+    if (size) *size = 42;
+    return true;
+  };
+  fake.colour = [&](Colour* colour) {
+    asked = "colour";
+    if (ok && works) *colour = RGBColour(1, 2, 3);
+    return ok;
+  };
+  fake.picturesFolder = "P:\\Pictures\\";
+  fake.openPicture = [&](char* path) {
+    asked = std::string("open ") + path;
+    if (ok) std::strcpy(path, "C:\\Holiday\\Lake.jpg");
+    return ok;
+  };
+  fake.readPicture = [&](const char* path, Colour background) {
+    asked += std::string(" read ") + path + " on " + std::to_string(background);
+    return made = works ? GlobalBlockAlloc(8) : 0;
+  };
+  fake.paint = [&](const char* program, BlockHandle, bool maximized) {
+    asked = std::string("paint ") + program + (maximized ? " maximized" : "");
+    PaintedPicture painted;
+    painted.noProgram = !ok;
+    if (ok && works) painted.dib = made = GlobalBlockAlloc(8);
+    return painted;
+  };
+#define PAGE(f) offsetof(MonthPage, f)
+#define YEAR(f) offsetof(CalendarHeader, f)
+  const Field kFont[] = {{PAGE(HeadFontName), 0, "Fake"}, {PAGE(HeadFontBold), 700}, {PAGE(HeadFontItal), 255},
+                         {PAGE(HeadFontSize), 42}};
+  const struct {
+    const SheetTab& tab;
+    int button;
+    bool ok, works;  // the chooser's OK; the colour new, the file read, the paint program's round trip done
+    const char* asked;
+    TabClick::Then then;
+    int message;
+    Picture picture;
+    std::vector<Field> fields;
+    std::set<int> checked;
+  } cases[] = {
+      {kPageTabs[0], IDC_HEAD_FONT, true, true, "font 4..100 sized", TabClick::kReset, 0, kKept,
+       {std::begin(kFont), std::end(kFont)}, {IDC_HEAD_CENTRE, IDC_HEAD_PREV_NEXT}},
+      {kPageTabs[0], IDC_HEAD_FONT, false, true, "font 4..100 sized", TabClick::kDone, 0, kKept, {}, {}},
+      {kYearTabs[0], IDC_YAG_DATE_FONT, true, true, "font 0..0", TabClick::kReset, 0, kKept,
+       {{YEAR(YagFontName), 0, "Fake"}, {YEAR(YagFontBold), 700}, {YEAR(TagFontItal), 255}}, {IDC_YAG_SHADOW}},
+      {kPageTabs[1], IDC_DATE_FRAME, true, true, "colour", TabClick::kRepaintButton, 0, kKept,
+       {{PAGE(DateFrameColour), 0x030201}}, {}},
+      {kPageTabs[1], IDC_DATE_FRAME, true, false, "colour", TabClick::kDone, 0, kKept, {}, {}},
+      {kPageTabs[1], IDC_DATE_FRAME, false, true, "colour", TabClick::kDone, 0, kKept, {}, {}},
+      {kPageTabs[4], IDC_CAP_RIGHT_GLYPH, true, true, "", TabClick::kDone, 0, kKept, {}, {IDC_CAP_RIGHT}},
+      {kPageTabs[3], IDC_PICTURE_SHOW_FRAME, true, true, "", TabClick::kReset, 0, kKept, {}, {IDC_PICTURE_BOTTOM_LEFT}},
+      {kPageTabs[3], IDC_PICTURE_SELECT, true, true, "open P:\\Pictures\\ read C:\\Holiday\\Lake.jpg on 7",
+       TabClick::kNewPicture, 0, kNew, {}, {IDC_PICTURE_BOTTOM_LEFT}},
+      {kPageTabs[3], IDC_PICTURE_SELECT, true, false, "open P:\\Pictures\\ read C:\\Holiday\\Lake.jpg on 7",
+       TabClick::kNewPicture, 0, kNone, {}, {IDC_PICTURE_BOTTOM_LEFT}},
+      {kPageTabs[3], IDC_PICTURE_SELECT, false, true, "open P:\\Pictures\\", TabClick::kDone, 0, kKept, {}, {}},
+      {kYearTabs[1], IDC_PICTURE_SELECT, true, true, "open P:\\Pictures\\ read C:\\Holiday\\Lake.jpg on 9",
+       TabClick::kNewPicture, 0, kNew, {}, {IDC_PICTURE_SHOW, IDC_PICTURE_BOTTOM_LEFT}},
+      {kYearTabs[1], IDC_PICTURE_SELECT, true, false, "open P:\\Pictures\\ read C:\\Holiday\\Lake.jpg on 9",
+       TabClick::kNewPicture, 0, kNone, {}, {IDC_PICTURE_BOTTOM_LEFT}},
+      {kPageTabs[3], IDC_PICTURE_PAINT, true, true, "paint C:\\Paint.exe maximized", TabClick::kNewPicture, 0, kNew,
+       {}, {}},
+      {kPageTabs[3], IDC_PICTURE_PAINT, true, false, "paint C:\\Paint.exe maximized", TabClick::kDone,
+       IDS_MEMORY_FAILED, kKept, {}, {}},
+      {kPageTabs[3], IDC_PICTURE_PAINT, false, true, "paint C:\\Paint.exe maximized", TabClick::kDone,
+       IDS_NO_PAINT_PROGRAM, kKept, {}, {}},
+      {kYearTabs[1], IDC_COVER_PAINT, true, true, "paint C:\\Paint.exe maximized", TabClick::kNewPicture, 0, kNew, {},
+       {}},
+      {kPageTabs[3], IDC_PICTURE_CROP, true, true, "", TabClick::kNotMine, 0, kKept, {}, {}},
+  };
+  CalendarDocument doc = CreateCalendar(2027, 0);
+  MonthPage page;
+  CalendarHeader header;
+  ASSERT_TRUE(GetMonthPage(doc, 3, &page) && GetHeader(doc, &header));
+  page.HeadPlacement = 1, page.HeadPrevNext = 1, page.HeadShadow = 0, page.PicturePlacement = 8;
+  page.PageBackgroundColour = 7, header.CoverBackgroundColour = 9;
+  header.YagShadow = 1, header.CoverPicturePlacement = 8, header.CoverPictureShowPicture = 1;
+  CopyText(Settings.PaintbrushPath, sizeof Settings.PaintbrushPath, "C:\\Paint.exe");
+  Settings.MaximizePaint = 1;
+  for (const auto& c : cases) {
+    const bool year = &c.tab == &kYearTabs[0] || &c.tab == &kYearTabs[1];
+    std::vector<uint8_t> record(year ? sizeof header : sizeof page);
+    std::memcpy(record.data(), year ? static_cast<void*>(&header) : &page, record.size());
+    const size_t pictureField = year ? YEAR(CoverPicture) : PAGE(Picture);
+    const BlockHandle old = GlobalBlockAlloc(8);
+    std::memcpy(record.data() + pictureField, &old, sizeof old);
+    std::vector<uint8_t> expected = record;
+    Settings.OpenPath[0] = 0;
+    ok = c.ok, works = c.works, asked.clear(), made = 0;
+    FakeControls controls = TabControls(c.tab);
+    const uint32_t live = GlobalBlockLiveCount();
+
+    const TabClick click = ClickTabButton(c.tab, c.button, record.data(), controls, fake);
+    const std::string what = std::string(c.tab.caption) + " " + std::to_string(c.button) + (c.ok ? " ok" : "") +
+                             (c.works ? " works" : "");
+    EXPECT_EQ(asked, c.asked) << what;
+    EXPECT_EQ(click.then, c.then) << what;
+    EXPECT_EQ(click.message, c.message) << what;
+    for (const Field& f : c.fields)
+      f.text ? (void)std::strcpy(reinterpret_cast<char*>(&expected[f.offset]), f.text)
+             : (void)std::memcpy(&expected[f.offset], &f.value, sizeof f.value);
+    const BlockHandle now = c.picture == kKept ? old : c.picture == kNew ? made : 0;
+    std::memcpy(&expected[pictureField], &now, sizeof now);
+    EXPECT_TRUE(c.picture != kNew || made) << what;
+    EXPECT_EQ(record, expected) << what;
+    EXPECT_EQ(GlobalBlockLiveCount(), live - (c.picture == kNone)) << what << ": the old picture freed once";
+    EXPECT_EQ(controls.checked_, c.checked) << what;
+    EXPECT_STREQ(Settings.OpenPath, c.button == IDC_PICTURE_SELECT && c.ok ? "C:\\Holiday\\" : "") << what;
+    if (now) GlobalBlockFree(now);
+  }
+  FreeCalendar(doc);
 }

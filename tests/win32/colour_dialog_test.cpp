@@ -117,32 +117,3 @@ TEST_F(QuernalTest, TheColourDialogPicksAddsDeletesAndSwitchesTables) {
   EXPECT_FALSE(ChooseColourWithTable(nullptr, &colour));
   EXPECT_EQ(colour, RGB(1, 2, 3));
 }
-
-// ColourTableFile comes from the settings file: one that names a file
-// outside the program's folder is ignored, and the dialog shows and edits
-// the default table.
-TEST_F(QuernalTest, TheColourDialogNeverTouchesATableOutsideTheProgramsFolder) {
-  const std::string app = dir_.File("app"), outside = dir_.File("outside");
-  ASSERT_TRUE(CreateDirectoryA(app.c_str(), nullptr) && CreateDirectoryA(outside.c_str(), nullptr));
-  CopyText(Settings.ApplicationPath, sizeof Settings.ApplicationPath, (app + "\\").c_str());
-  CopyText(Settings.ColourTableFile, sizeof Settings.ColourTableFile, "..\\outside\\victim.txt");
-  const std::string victim = "Keep=1,2,3\nThe user's own text.\n";
-  WriteFile(outside + "\\victim.txt", victim);
-  WriteFile(app + "\\QUERNL.CCL", "Sky=135,206,235\nMoss=108,128,64\n");
-
-  std::string deleting;
-  DialogDriver driver;
-  driver.Then("Color", [](HWND dialog) {
-    EXPECT_EQ(Entries(dialog, IDC_COLOUR_LIST), (std::vector<std::string>{"Sky", "Moss"}));
-    PickEntry(dialog, 1);
-    Press(dialog, IDC_COLOUR_DELETE);
-  });
-  Answer(&driver, &deleting);
-  driver.Then("Color", [](HWND dialog) { Press(dialog, IDCANCEL); });
-  COLORREF colour = RGB(1, 2, 3);
-  EXPECT_FALSE(ChooseColourWithTable(nullptr, &colour));
-  EXPECT_TRUE(driver.Finished());
-  EXPECT_EQ(ReadFile(outside + "\\victim.txt"), victim);
-  EXPECT_FALSE(FileExists(outside + "\\victim.txt.bak"));
-  EXPECT_EQ(ReadFile(app + "\\QUERNL.CCL"), AsTextFile("Sky=135,206,235\n"));
-}

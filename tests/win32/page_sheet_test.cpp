@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,7 @@
 #include "config/settings.h"
 #include "dialog_driver.h"
 #include "editors/page_sheet_win32.h"
+#include "editors/year_sheet_win32.h"
 #include "editors/picture_tab_win32.h"
 #include "pictures/image_files.h"
 #include "pictures/resampler.h"
@@ -28,6 +30,7 @@
 #include "res/page_sheet_ids.h"
 #include "res/picture_dialog_ids.h"
 #include "res/string_ids.h"
+#include "res/year_sheet_ids.h"
 #include "test_support.h"
 
 namespace {
@@ -83,23 +86,13 @@ class PageSheetTest : public QuernalTest {
 
 }  // namespace
 
-// One visit of every tab: fonts, colours, placements, numbers beyond their
-// arrows, a picture selected, captions and the event list, then OK.
+// One visit of the tabs through the real choosers: a font, a colour from
+// the colour table, a number beyond its arrows, a caption and the event
+// list, then OK.
 TEST_F(PageSheetTest, OkGivesThePageEveryTabsChanges) {
   page_.LastPropertyPage = 1;
   page_.HeadPlacement = 1;
-  page_.HeadShadow = 0;
-  page_.PicturePlacement = 1;  // shown as centre, stored back as 147
-  page_.PictureShowPicture = 1;
   CopyText(page_.DaysName, sizeof page_.DaysName, "Birthdays");
-  BlockHandle lines = DibCreate(30, 20, 1);  // monochrome: the palette warning
-  const std::string lineFile = dir_.File("Lines.bmp");
-  ASSERT_TRUE(WriteBmpFile(lineFile.c_str(), lines));
-  GlobalBlockFree(lines);
-  if (page_.Picture) GlobalBlockFree(page_.Picture);
-  page_.Picture = 0;
-
-  std::string warning;
   DialogDriver driver;
   driver.Then("Page", [](HWND sheet) {
     EXPECT_EQ(TabCaptions(sheet),
@@ -111,8 +104,6 @@ TEST_F(PageSheetTest, OkGivesThePageEveryTabsChanges) {
     EXPECT_TRUE(Checked(heading, IDC_HEAD_CENTRE));
     EXPECT_EQ(SendDlgItemMessageA(heading, 10000 + IDC_DATE_ROUND, UDM_GETRANGE, 0, 0), MAKELONG(25, 0));
     SetDlgItemTextA(heading, IDC_DATE_ROUND, "99");
-    SetCheck(heading, IDC_HEAD_SHADOW, true);
-    CheckRadioButton(heading, IDC_HEAD_LEFT, IDC_HEAD_RIGHT, IDC_HEAD_LEFT);
     Press(heading, IDC_HEAD_FONT);
   });
   driver.Then("Font", [](HWND box) {
@@ -122,14 +113,8 @@ TEST_F(PageSheetTest, OkGivesThePageEveryTabsChanges) {
   });
   const std::string face = page_.HeadFontName;
   driver.Then("Page", [face](HWND sheet) {
-    HWND heading = CurrentTab(sheet);
-    // The box's OK puts the check boxes back and checks the stored
-    // placement again beside the one clicked.
-    EXPECT_FALSE(Checked(heading, IDC_HEAD_SHADOW));
-    EXPECT_TRUE(Checked(heading, IDC_HEAD_LEFT));
-    EXPECT_TRUE(Checked(heading, IDC_HEAD_CENTRE));
-    EXPECT_EQ(ItemText(heading, IDC_HEAD_SAMPLE), face);
-    Press(heading, IDC_HEAD_COLOUR);
+    EXPECT_EQ(ItemText(CurrentTab(sheet), IDC_HEAD_SAMPLE), face);
+    Press(CurrentTab(sheet), IDC_HEAD_COLOUR);
   });
   driver.Then("Color", [](HWND dialog) {
     SendDlgItemMessageA(dialog, IDC_COLOUR_LIST, LB_SETCURSEL, 0, 0);
@@ -138,20 +123,6 @@ TEST_F(PageSheetTest, OkGivesThePageEveryTabsChanges) {
       PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(IDC_COLOUR_LIST, click), reinterpret_cast<LPARAM>(list));
   });
   driver.Then("Page", [](HWND sheet) {
-    HWND picture = ShowTab(sheet, 3);
-    // No picture: "Show picture" is greyed but keeps its check.
-    EXPECT_FALSE(Enabled(picture, IDC_PICTURE_SHOW));
-    EXPECT_TRUE(Checked(picture, IDC_PICTURE_SHOW));
-    EXPECT_TRUE(Checked(picture, IDC_PICTURE_CENTRE));
-    Press(picture, IDC_PICTURE_SELECT);
-  });
-  ChoosePictureFile(&driver, lineFile);
-  driver.Then("Message", [&](HWND box) {
-    warning = TextOf(GetDlgItem(box, 102));
-    Press(box, IDOK);
-  });
-  driver.Then("Page", [](HWND sheet) {
-    EXPECT_TRUE(Enabled(CurrentTab(sheet), IDC_PICTURE_PAINT)) << "the chosen picture applies the rules again";
     HWND caption = ShowTab(sheet, 4);
     SetDlgItemTextA(caption, IDC_CAP_LEFT_TEXT, "Spring\r\nrain");
     SetDlgItemTextA(caption, IDC_PAGE_MARGIN, "12");
@@ -169,18 +140,7 @@ TEST_F(PageSheetTest, OkGivesThePageEveryTabsChanges) {
   EXPECT_NE(size, 55);
   EXPECT_EQ(page_.HeadFontSize, 55);
   EXPECT_EQ(page_.DateRound, 99) << "typed beyond the arrows, kept";
-  EXPECT_EQ(page_.HeadShadow, 0);
-  EXPECT_EQ(page_.HeadPlacement, 1) << "of two checked, the first tested";
   EXPECT_EQ(page_.HeadFontColour, RGB(135, 206, 235));
-  EXPECT_EQ(page_.PicturePlacement, 147);
-  EXPECT_EQ(warning, StringTableText(IDS_PALETTE_WARNING));
-  ASSERT_NE(page_.Picture, 0u);
-  {
-    BlockLock lock(page_.Picture);
-    EXPECT_EQ(lock.as<BitmapInfoHeader>()->biBitCount, 1);
-    EXPECT_EQ(lock.as<BitmapInfoHeader>()->biWidth, 30);
-  }
-  EXPECT_STREQ(Settings.OpenPath, (dir_.path() + "\\").c_str());
   EXPECT_STREQ(page_.LeftCaption, "Spring\r\nrain");
   EXPECT_EQ(page_.PageMargin, 12);
   EXPECT_STREQ(page_.DaysName, "General");
@@ -188,69 +148,80 @@ TEST_F(PageSheetTest, OkGivesThePageEveryTabsChanges) {
   EXPECT_EQ(page_.LastPropertyPage, 2) << "the tab shown last";
   EXPECT_EQ(page_.Edited, 1);
   ASSERT_TRUE(PutMonthPage(document_, 3, &page_));
-  AllowBlocksLeftBehind(2);  // the working copy's picture and event list stay allocated after OK
+  AllowBlocksLeftBehind(1);  // the working copy's event list stays allocated after OK
 }
 
-// Cancel after a picture was painted and its boxes were clicked: the page
-// is left byte for byte as it was. Painted again and OK, it keeps the
-// painted picture.
-TEST_F(PageSheetTest, CancelLeavesThePageAsItWasAndPaintingKeepsOnOk) {
+// The page's Picture tab and the cover tab through the real choosers: the
+// paint program missing, then painting; a file chosen in the picture-open
+// dialog (on the page a monochrome one and the palette warning, on the
+// cover a damaged one and message 105). Cancel leaves the record byte for
+// byte as it was; painted again and OK, it keeps the painted picture.
+TEST_F(PageSheetTest, ThePictureTabsChooseAndPaintAndCancelOrKeep) {
+  CalendarHeader header;
+  ASSERT_TRUE(GetHeader(document_, &header));
   if (page_.Picture) GlobalBlockFree(page_.Picture);
   page_.Picture = MakePatternDib(40, 30, 24, 5);
-  page_.LastPropertyPage = 3;
-  page_.PictureShowPicture = 1;
-  page_.PictureDropShadow = 0;
-  page_.PictureShowFrame = 0;
-  const MonthPage before = page_;
-  const std::vector<uint8_t> pixels(BlockLock(page_.Picture).bytes(),
-                                    BlockLock(page_.Picture).bytes() + GlobalBlockSize(page_.Picture));
-  CopyText(Settings.PaintbrushPath, sizeof Settings.PaintbrushPath, (dir_.path() + "\\none.exe").c_str());
+  header.CoverPicture = MakePatternDib(40, 30, 24, 5);
+  page_.LastPropertyPage = 3, header.LastYearPropertyPage = 1;
+  page_.PictureShowPicture = header.CoverPictureShowPicture = 1;
+  BlockHandle lines = DibCreate(30, 20, 1);
+  const std::string lineFile = dir_.File("Lines.bmp"), broken = dir_.File("Broken.jpg");
+  ASSERT_TRUE(WriteBmpFile(lineFile.c_str(), lines));
+  GlobalBlockFree(lines);
+  WriteFile(broken, "not a picture");
+  const struct {
+    const char* sheet;
+    std::function<bool()> edit;
+    void* record;
+    size_t size;
+    BlockHandle* picture;
+    int paint;
+    std::string file;  // chosen with "Select...", and what is said of it
+    int said, saidIn;
+  } tabs[] = {{"Page", [&] { return EditPageProperties(nullptr, &page_); }, &page_, sizeof page_, &page_.Picture,
+               IDC_PICTURE_PAINT, lineFile, IDS_PALETTE_WARNING, IDC_PALETTE_TEXT},
+              {"Year", [&] { return EditYearProperties(nullptr, &header); }, &header, sizeof header,
+               &header.CoverPicture, IDC_COVER_PAINT, broken, IDS_IMAGE_LOAD_FAILED, 0xFFFF}};
+  for (const auto& t : tabs) {
+    const std::vector<uint8_t> before(static_cast<uint8_t*>(t.record), static_cast<uint8_t*>(t.record) + t.size);
+    const std::vector<uint8_t> pixels = BlockBytes(*t.picture);
+    CopyText(Settings.PaintbrushPath, sizeof Settings.PaintbrushPath, (dir_.path() + "\\none.exe").c_str());
+    std::string said[2];
+    DialogDriver driver;
+    driver.Then(t.sheet, [&](HWND sheet) { Press(CurrentTab(sheet), t.paint); });
+    driver.Then("Message", [&](HWND box) {
+      said[0] = MessageText(box);
+      CopyText(Settings.PaintbrushPath, sizeof Settings.PaintbrushPath, (ProgramFolder() + "stand_in_paint.exe").c_str());
+      Press(box, IDOK);
+    });
+    driver.Then(t.sheet, [&](HWND sheet) { Press(CurrentTab(sheet), t.paint); });
+    driver.Then(t.sheet, [&](HWND sheet) { Press(CurrentTab(sheet), IDC_PICTURE_SELECT); });
+    ChoosePictureFile(&driver, t.file);
+    driver.Then("Message", [&](HWND box) {
+      said[1] = ItemText(box, t.saidIn);
+      Press(box, IDOK);
+    });
+    driver.Then(t.sheet, [&](HWND sheet) { Press(sheet, IDCANCEL); });
+    const uint32_t live = GlobalBlockLiveCount();
+    EXPECT_FALSE(t.edit()) << t.sheet;
+    EXPECT_TRUE(driver.Finished()) << t.sheet;
+    EXPECT_EQ(said[0], StringTableText(IDS_NO_PAINT_PROGRAM));
+    EXPECT_EQ(said[1], StringTableText(t.said));
+    EXPECT_EQ(std::memcmp(t.record, before.data(), t.size), 0) << t.sheet;
+    EXPECT_EQ(BlockBytes(*t.picture), pixels) << t.sheet;
+    EXPECT_EQ(GlobalBlockLiveCount(), live) << t.sheet << ": the working copy and its pictures are freed";
 
-  std::string noPainter;
-  DialogDriver driver;
-  driver.Then("Page", [](HWND sheet) {
-    HWND picture = CurrentTab(sheet);
-    EXPECT_FALSE(Enabled(picture, IDC_PICTURE_FRAME));
-    SetCheck(picture, IDC_PICTURE_SHADOW, true);
-    SetCheck(picture, IDC_PICTURE_SHOW_FRAME, true);
-  });
-  driver.Then("Page", [](HWND sheet) {
-    HWND picture = CurrentTab(sheet);
-    EXPECT_TRUE(Enabled(picture, IDC_PICTURE_FRAME)) << "a click applies the rules again";
-    SetCheck(picture, IDC_PICTURE_SHOW, false);
-  });
-  driver.Then("Page", [](HWND sheet) {
-    HWND picture = CurrentTab(sheet);
-    SetCheck(picture, IDC_PICTURE_SHOW, true);
-    Press(picture, IDC_PICTURE_PAINT);
-  });
-  driver.Then("Message", [&](HWND box) {
-    noPainter = MessageText(box);
-    CopyText(Settings.PaintbrushPath, sizeof Settings.PaintbrushPath, (ProgramFolder() + "stand_in_paint.exe").c_str());
-    Press(box, IDOK);
-  });
-  driver.Then("Page", [](HWND sheet) { Press(CurrentTab(sheet), IDC_PICTURE_PAINT); });
-  driver.Then("Page", [](HWND sheet) {
-    SetDlgItemTextA(ShowTab(sheet, 0), IDC_HEAD_INTERIOR, "33");
-    Press(sheet, IDCANCEL);
-  });
-  const uint32_t live = GlobalBlockLiveCount();
-  EXPECT_FALSE(EditPageProperties(nullptr, &page_));
-  EXPECT_TRUE(driver.Finished());
-  EXPECT_EQ(noPainter, StringTableText(IDS_NO_PAINT_PROGRAM));
-  EXPECT_EQ(std::memcmp(&page_, &before, sizeof page_), 0);
-  EXPECT_EQ(std::memcmp(BlockLock(page_.Picture).bytes(), pixels.data(), pixels.size()), 0);
-  EXPECT_EQ(GlobalBlockLiveCount(), live) << "the working copy and the painted picture are freed";
-
-  // Painted and kept: the picture comes back as the paint program left it.
-  driver.Then("Page", [](HWND sheet) { Press(CurrentTab(sheet), IDC_PICTURE_PAINT); });
-  driver.Then("Page", [](HWND sheet) { Press(sheet, IDOK); });
-  ASSERT_TRUE(EditPageProperties(nullptr, &page_));
-  EXPECT_TRUE(driver.Finished());
-  EXPECT_EQ(DibBits(BlockLock(page_.Picture).bytes())[0], 0x56);
-  EXPECT_EQ(std::memcmp(DibBits(BlockLock(page_.Picture).bytes()) + 3, DibBits(const_cast<uint8_t*>(pixels.data())) + 3, 40 * 3 - 3), 0);
-  ASSERT_TRUE(PutMonthPage(document_, 3, &page_));
-  AllowBlocksLeftBehind(2);  // the working copy's picture and event list stay allocated after OK
+    driver.Then(t.sheet, [&](HWND sheet) { Press(CurrentTab(sheet), t.paint); });
+    driver.Then(t.sheet, [](HWND sheet) { Press(sheet, IDOK); });
+    ASSERT_TRUE(t.edit()) << t.sheet;
+    EXPECT_TRUE(driver.Finished()) << t.sheet;
+    const std::vector<uint8_t> painted = BlockBytes(*t.picture);
+    EXPECT_EQ(DibBits(const_cast<uint8_t*>(painted.data()))[0], 0x56) << "as the paint program left it";
+    EXPECT_EQ(std::memcmp(DibBits(const_cast<uint8_t*>(painted.data())) + 3,
+                          DibBits(const_cast<uint8_t*>(pixels.data())) + 3, 40 * 3 - 3), 0);
+  }
+  ASSERT_TRUE(PutMonthPage(document_, 3, &page_) && PutHeader(document_, &header));
+  AllowBlocksLeftBehind(3);  // the working copies' pictures and event list stay allocated after OK
 }
 
 // A page from a damaged file: a tab number out of range opens the first
