@@ -167,7 +167,10 @@ TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
   ExpectTheDesign(january);
 }
 
-TEST(YearSheet, TheYearAndTheCoverDesignedSavedAndReopened) {
+// The year and its cover designed, saved and reopened; Setup's changes in
+// the same session are the settings the program writes on exit, the image
+// compression kept within 1..9.
+TEST(YearSheet, TheYearAndTheCoverDesignedSavedAndReopenedWithSetupsOptions) {
   WriteSettings("");
   const std::string designed = FreshFile("Cover.CLN");
   {
@@ -187,8 +190,20 @@ TEST(YearSheet, TheYearAndTheCoverDesignedSavedAndReopened) {
     Press(sheet, IDOK);
     WaitGone(sheet);
     EXPECT_NE(quernal.SaveAs(designed), "");
+    quernal.Command(IDM_SETUP);
+    sheet = quernal.Wait("Setup");
+    ASSERT_NE(sheet, nullptr);
+    SetDlgItemTextA(ShowTab(sheet, 0), 107, "0");
+    SetCheck(ShowTab(sheet, 0), 133, true);
+    SetDlgItemTextA(ShowTab(sheet, 1), 112, "Janvier");
+    SaveShot("setup-titles", sheet);
+    Press(sheet, IDOK);
+    WaitGone(sheet);
     ASSERT_TRUE(quernal.Close());
   }
+  const std::string ini = ReadAll(ConfigFolder() + "QUERNL.INI");
+  for (const char* line : {"ImageCompression = 1\r\n", "StartMonday = 1\r\n", "MonthJanuary = Janvier\r\n"})
+    EXPECT_NE(ini.find(line), std::string::npos) << line;
   const CalendarHeader header = ReadHeader(designed);
   EXPECT_EQ(header.Year, 2030);
   EXPECT_EQ(header.UseCurrentYear, 0);
@@ -203,25 +218,4 @@ TEST(YearSheet, TheYearAndTheCoverDesignedSavedAndReopened) {
   EXPECT_TRUE(Shows(quernal.window(), {kCardinal})) << "the year page's paper";
   SaveShot("designed-year", quernal.window());
   ASSERT_TRUE(quernal.Close());
-}
-
-// Setup's changes are the settings the program writes on exit, the image
-// compression kept within 1..9.
-TEST(SetupSheet, OptionsAndNamesAreWrittenOnExit) {
-  WriteSettings("");
-  Quernal quernal;
-  ASSERT_NE(quernal.MainWindow(), nullptr);
-  quernal.Command(IDM_SETUP);
-  HWND sheet = quernal.Wait("Setup");
-  ASSERT_NE(sheet, nullptr);
-  SetDlgItemTextA(ShowTab(sheet, 0), 107, "0");
-  SetCheck(ShowTab(sheet, 0), 133, true);
-  SetDlgItemTextA(ShowTab(sheet, 1), 112, "Janvier");
-  SaveShot("setup-titles", sheet);
-  Press(sheet, IDOK);
-  WaitGone(sheet);
-  ASSERT_TRUE(quernal.Close());
-  const std::string ini = ReadAll(ConfigFolder() + "QUERNL.INI");
-  for (const char* line : {"ImageCompression = 1\r\n", "StartMonday = 1\r\n", "MonthJanuary = Janvier\r\n"})
-    EXPECT_NE(ini.find(line), std::string::npos) << line;
 }

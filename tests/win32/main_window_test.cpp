@@ -47,6 +47,17 @@ std::string WithoutTrailingSlash(std::string folder) {
   return folder;
 }
 
+// `key` pressed with Ctrl held, as the window's message loop passes it on.
+void ControlKey(HWND window, WPARAM key) {
+  BYTE keys[256], held[256];
+  GetKeyboardState(keys);
+  std::copy(keys, keys + 256, held);
+  held[VK_CONTROL] = 0x80;
+  SetKeyboardState(held);
+  SendMessageA(window, WM_KEYDOWN, key, 0);
+  SetKeyboardState(keys);
+}
+
 class MainWindowTest : public QuernalTest {
  protected:
   void SetUp() override {
@@ -109,15 +120,6 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
       EXPECT_EQ((GetMenuState(menu, id, MF_BYCOMMAND) & MF_CHECKED) != 0, id == page.command) << id;
   }
   // Ctrl+Page Down and Up go round the pages in the View menu's order.
-  const auto controlKey = [this](WPARAM key) {
-    BYTE keys[256], held[256];
-    GetKeyboardState(keys);
-    std::copy(keys, keys + 256, held);
-    held[VK_CONTROL] = 0x80;
-    SetKeyboardState(held);
-    SendMessageA(window(), WM_KEYDOWN, key, 0);
-    SetKeyboardState(keys);
-  };
   const struct {
     WPARAM key;
     int from, to;
@@ -125,7 +127,7 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
                {VK_NEXT, 321, IDM_PAGE_YEAR}};
   for (const auto& step : steps) {
     Command(step.from);
-    controlKey(step.key);
+    ControlKey(window(), step.key);
     EXPECT_TRUE(GetMenuState(menu, step.to, MF_BYCOMMAND) & MF_CHECKED) << step.from << " to " << step.to;
   }
   // The toolbar's "Edits current page" edits the year and the cover in the year sheet.
@@ -261,10 +263,7 @@ TEST_F(MainWindowTest, FileDialogsStartWhereTheLastOneEnded) {
   DialogDriver driver;
   driver.Then("Save As", [&](HWND dialog) {
     startedIn = FolderShown(dialog);
-    HWND name = GetDlgItem(dialog, 0x480);        // the name field
-    if (!name) name = GetDlgItem(dialog, 0x47C);  // or the combo box holding it
-    SetWindowTextA(name, saved.c_str());
-    Press(dialog, IDOK);
+    ChooseFile(dialog, saved);
   });
   Command(IDM_SAVE_AS);
   ASSERT_TRUE(FileExists(saved));
@@ -275,13 +274,7 @@ TEST_F(MainWindowTest, FileDialogsStartWhereTheLastOneEnded) {
     openedIn = FolderShown(dialog);
     Press(dialog, IDCANCEL);
   });
-  BYTE keys[256], held[256];
-  GetKeyboardState(keys);
-  std::copy(keys, keys + 256, held);
-  held[VK_CONTROL] = 0x80;
-  SetKeyboardState(held);
-  SendMessageA(window(), WM_KEYDOWN, '0', 0);
-  SetKeyboardState(keys);
+  ControlKey(window(), '0');
   EXPECT_TRUE(driver.Finished()) << "Ctrl+0 opened no Open dialog";
   EXPECT_EQ(WithoutTrailingSlash(openedIn), dir_.path());
 }
