@@ -12,6 +12,7 @@
 #include "app/toolbar_win32.h"
 #include "app/tooltip_win32.h"
 #include "dialog_driver.h"
+#include "gdi_test_support.h"
 
 namespace {
 
@@ -31,22 +32,14 @@ std::string ClassOf(HWND window) {
 // How wide `text` comes out in the tips' font: the columns from the left
 // edge to its last inked pixel, drawn on a wide white bitmap.
 int InkWidth(const char* text) {
-  HDC screen = GetDC(nullptr), dc = CreateCompatibleDC(screen);
-  const int w = 600, h = 40;
-  HBITMAP bitmap = CreateCompatibleBitmap(screen, w, h);
-  HGDIOBJ oldBitmap = SelectObject(dc, bitmap), oldFont = SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
-  RECT all{0, 0, w, h};
-  FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
-  TextOutA(dc, 0, 0, text, lstrlenA(text));
+  DibSurface surface(600, 40, RGB(255, 255, 255));
+  const HGDIOBJ oldFont = SelectObject(surface.dc(), GetStockObject(DEFAULT_GUI_FONT));
+  TextOutA(surface.dc(), 0, 0, text, lstrlenA(text));
+  SelectObject(surface.dc(), oldFont);
   int right = 0;
-  for (int x = 0; x < w; ++x)
-    for (int y = 0; y < h; ++y)
-      if ((GetPixel(dc, x, y) & 0xFFFFFF) != 0xFFFFFF) right = x + 1;
-  SelectObject(dc, oldFont);
-  SelectObject(dc, oldBitmap);
-  DeleteObject(bitmap);
-  DeleteDC(dc);
-  ReleaseDC(nullptr, screen);
+  for (int x = 0; x < 600; ++x)
+    for (int y = 0; y < 40; ++y)
+      if (surface.Pixel(x, y) != RGB(255, 255, 255)) right = x + 1;
   return right;
 }
 
