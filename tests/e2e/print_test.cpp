@@ -11,8 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -125,14 +123,19 @@ int WhitePageWidthOnScreen(HWND window) {
   return widest;
 }
 
-// The page is 95 percent of the page view high, and as wide as a paper of
-// paperW : paperH makes it (the white inside, give or take its frame).
-void ExpectPageShape(const Quernal& quernal, HWND window, int paperW, int paperH) {
+// The page's width once the window has painted it afresh.
+int PageWidthShown(const Quernal& quernal, HWND window) {
   RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
   quernal.Settle();
   Sleep(500);
+  return WhitePageWidthOnScreen(window);
+}
+
+// The page is 95 percent of the page view high, and as wide as a paper of
+// paperW : paperH makes it (the white inside, give or take its frame).
+void ExpectPageShape(const Quernal& quernal, HWND window, int paperW, int paperH) {
   const int h = PageViewHeight(window) * 95 / 100, w = h * paperW / paperH;
-  EXPECT_NEAR(WhitePageWidthOnScreen(window), w, 4) << "a page of " << paperW << " : " << paperH << ", " << h << " high";
+  EXPECT_NEAR(PageWidthShown(quernal, window), w, 4) << "a page of " << paperW << " : " << paperH << ", " << h << " high";
 }
 
 // The size of `printer`'s page, in its device units.
@@ -211,13 +214,7 @@ TEST(Print, ThePaperChosenInSetupIsThePaperPrinted) {
   HWND window = quernal.MainWindow();
   ASSERT_NE(window, nullptr) << "no main window";
   // The page's width on the screen tells its paper: Letter's is wider than A4's.
-  const auto pageWidth = [&] {
-    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-    quernal.Settle();
-    Sleep(500);
-    return WhitePageWidthOnScreen(window);
-  };
-  const int a4 = pageWidth();
+  const int a4 = PageWidthShown(quernal, window);
   quernal.Command(IDM_SELECT_PRINTER);
   HWND setup = quernal.Wait("Print Setup");
   ASSERT_NE(setup, nullptr) << "no printer-setup dialog";
@@ -237,7 +234,7 @@ TEST(Print, ThePaperChosenInSetupIsThePaperPrinted) {
   SendMessageA(setup, WM_COMMAND, MAKEWPARAM(cmb2, CBN_SELCHANGE), reinterpret_cast<LPARAM>(paper));
   Press(setup, IDOK);
   ASSERT_TRUE(quernal.Settle());
-  const int letter = pageWidth();
+  const int letter = PageWidthShown(quernal, window);
   EXPECT_GT(letter, a4 + 10) << "the page did not take Letter's shape";
 
   for (const int command : {IDM_PRINT_SINGLE, IDM_PRINT_DOUBLE}) {
@@ -248,7 +245,7 @@ TEST(Print, ThePaperChosenInSetupIsThePaperPrinted) {
     if (command == IDM_PRINT_DOUBLE) AnswerTheBoxesBetweenThePasses(quernal);
     ASSERT_TRUE(quernal.Settle());
     EXPECT_EQ(quernal.Wait("Message", 500), nullptr) << "the job failed";
-    EXPECT_NEAR(pageWidth(), letter, 2) << "the page snapped back after command " << command;
+    EXPECT_NEAR(PageWidthShown(quernal, window), letter, 2) << "the page snapped back after command " << command;
   }
   ASSERT_TRUE(quernal.Close());
 }

@@ -498,46 +498,39 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
     EXPECT_EQ(std::vector<uint8_t>(bgr, bgr + 6), (std::vector<uint8_t>{255, 0, 0, 0, 255, 0}));
   }
 
-  // Not on the cover; and a file that is no picture is said so.
+  // Not on the cover; and a file that is no picture, or a JPEG cut short,
+  // is said so.
   Command(IDM_PAGE_COVER);
   EXPECT_TRUE(Greyed(IDM_CUT) && Greyed(IDM_COPY) && Greyed(IDM_PASTE));
   Command(IDM_PAGE_JANUARY + 4);
-  std::string said;
-  driver.Then("Message", [&](HWND box) {
-    said = MessageText(box);
-    Press(box, IDOK);
-  });
-  Drop(window(), broken);
-  EXPECT_EQ(said, "The file you dropped is not a picture Quernal can read.");
+  const std::string cut = dir_.File("Cut.jpg");
+  WriteFile(cut, ReadFile(ProgramFolder() + "Meadow.jpg").substr(0, 2000));
+  const struct {
+    std::string file, said;
+  } refused[] = {{broken, "The file you dropped is not a picture Quernal can read."},
+                 {cut, "There has been an error loading the image"}};
+  for (const auto& r : refused) {
+    std::string said;
+    driver.Then("Message", [&](HWND box) {
+      said = MessageText(box);
+      Press(box, IDOK);
+    });
+    Drop(window(), r.file);
+    EXPECT_EQ(said.rfind(r.said, 0), 0u) << said;
+  }
   ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
   EXPECT_EQ(may.Picture, 0u);
   GlobalBlockFree(art);
 
-  // A JPEG cut short is damaged: message 105.
-  const std::string cut = dir_.File("Cut.jpg");
-  WriteFile(cut, ReadFile(ProgramFolder() + "Meadow.jpg").substr(0, 2000));
-  driver.Then("Message", [&](HWND box) {
-    said = MessageText(box);
-    Press(box, IDOK);
-  });
-  Drop(window(), cut);
-  EXPECT_EQ(said.rfind("There has been an error loading the image", 0), 0u) << said;
-
-  // A photograph dropped from the file manager.
-  Drop(window(), ProgramFolder() + "Meadow.jpg");
-  ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
-  ASSERT_NE(may.Picture, 0u);
-  {
-    BlockLock lock(may.Picture);
-    EXPECT_EQ(lock.as<BitmapInfoHeader>()->biWidth, 640);
-    EXPECT_EQ(lock.as<BitmapInfoHeader>()->biBitCount, 24);
-  }
-  // One a phone took held upright (EXIF orientation 6) comes in upright.
+  // A photograph a phone took held upright (EXIF orientation 6), dropped
+  // from the file manager, comes in upright.
   const char* photos = std::getenv("QUERNAL_TEST_PHOTOS");
   ASSERT_TRUE(photos) << "the prepared photographs";
   Drop(window(), std::string(photos) + "/II6.jpg");
   ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
+  ASSERT_NE(may.Picture, 0u);
   BlockLock lock(may.Picture);
   EXPECT_EQ(lock.as<BitmapInfoHeader>()->biWidth, 200);
   EXPECT_EQ(lock.as<BitmapInfoHeader>()->biHeight, 300);
+  EXPECT_EQ(lock.as<BitmapInfoHeader>()->biBitCount, 24);
 }
