@@ -292,11 +292,6 @@ void Drop(HWND window, const std::string& path) {
   SendMessageA(window, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
 }
 
-std::vector<uint8_t> Bytes(BlockHandle block) {
-  BlockLock lock(block);
-  return lock ? std::vector<uint8_t>(lock.bytes(), lock.bytes() + GlobalBlockSize(block)) : std::vector<uint8_t>{};
-}
-
 }  // namespace
 
 // A calendar in a folder deep enough that its path has 245 characters saves
@@ -429,8 +424,8 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   MonthPage may;
   ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
   ASSERT_NE(may.Picture, 0u);
-  const std::vector<uint8_t> picture = Bytes(may.Picture);
-  EXPECT_EQ(picture, Bytes(art));
+  const std::vector<uint8_t> picture = BlockBytes(may.Picture);
+  EXPECT_EQ(picture, BlockBytes(art));
   EXPECT_FALSE(Greyed(IDM_CUT) || Greyed(IDM_COPY));
   CalendarHeader header;
   ASSERT_TRUE(GetHeader(App.document, &header));
@@ -447,7 +442,7 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   Command(IDM_PASTE);
   MonthPage june;
   ASSERT_TRUE(GetMonthPage(App.document, 5, &june));
-  EXPECT_EQ(Bytes(june.Picture), picture) << "the same picture, palette and all";
+  EXPECT_EQ(BlockBytes(june.Picture), picture) << "the same picture, palette and all";
 
   // A bitmap from another program comes in as true colour.
   HDC screen = GetDC(nullptr);
@@ -491,7 +486,7 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   Command(IDM_PAGE_JANUARY + 7);
   Command(IDM_PASTE);
   ASSERT_TRUE(GetMonthPage(App.document, 7, &august));
-  EXPECT_EQ(Bytes(august.Picture).size(), 40u + 8u);
+  EXPECT_EQ(BlockBytes(august.Picture).size(), 40u + 8u);
   {
     BlockLock lock(august.Picture);
     const uint8_t* bgr = DibBits(lock.bytes());
