@@ -1,5 +1,8 @@
 #include "dialog_driver.h"
 
+#include <dlgs.h>
+#include <prsht.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -81,3 +84,17 @@ void Pump(int milliseconds, const std::function<bool()>& done) {
   }
 }
 
+void ChoosePictureFile(DialogDriver* driver, const std::string& path) {
+  driver->Then("Open", [path](HWND dialog) {
+    SetDlgItemTextA(dialog, cmb13, path.c_str());
+    Press(dialog, IDOK);
+  });
+}
+
+void TypeOnTabAndOk(DialogDriver* driver, const std::string& title, int tab, int id, const std::string& text) {
+  driver->Then(title, [tab, id, text](HWND sheet) {
+    SendMessageA(sheet, PSM_SETCURSEL, tab, 0);
+    SetDlgItemTextA(CurrentTab(sheet), id, text.c_str());
+    Press(sheet, IDOK);
+  });
+}

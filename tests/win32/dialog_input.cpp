@@ -1,11 +1,10 @@
 // The dialog driver's plain window functions, apart from it and from
 // GoogleTest: the end-to-end tests and the shell-open helper use them on the
 // program's windows.
-#include <commctrl.h>
-#include <dlgs.h>
-#include <prsht.h>
-
 #include "dialog_driver.h"
+
+#include <commctrl.h>
+#include <prsht.h>
 
 void Press(HWND dialog, int id) {
   PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
@@ -51,19 +50,4 @@ void ChooseFile(HWND dialog, const std::string& path) {
   if (!name) name = GetDlgItem(dialog, 0x47C);  // or the combo box holding it
   SendMessageA(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
   Press(dialog, IDOK);
-}
-
-void ChoosePictureFile(DialogDriver* driver, const std::string& path) {
-  driver->Then("Open", [path](HWND dialog) {
-    SetDlgItemTextA(dialog, cmb13, path.c_str());
-    Press(dialog, IDOK);
-  });
-}
-
-void TypeOnTabAndOk(DialogDriver* driver, const std::string& title, int tab, int id, const std::string& text) {
-  driver->Then(title, [tab, id, text](HWND sheet) {
-    SendMessageA(sheet, PSM_SETCURSEL, tab, 0);
-    SetDlgItemTextA(CurrentTab(sheet), id, text.c_str());
-    Press(sheet, IDOK);
-  });
 }
