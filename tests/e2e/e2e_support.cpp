@@ -181,11 +181,7 @@ HWND Quernal::MainWindow() {
   return window_;
 }
 
-std::string Quernal::Title() const {
-  char text[512] = "";
-  GetWindowTextA(window_, text, sizeof text);
-  return text;
-}
+std::string Quernal::Title() const { return TextOf(window_); }
 
 std::string Quernal::TitleStartingWith(const std::string& prefix) const {
   for (int i = 0; i < 100 && Title().rfind(prefix, 0) != 0; ++i) Sleep(100);

@@ -168,11 +168,10 @@ TEST(Print, PageShapeFollowsThePrinter) {
   HWND message = quernal.Wait("Message", none ? 30000 : 3000);
   if (none) {
     ASSERT_NE(message, nullptr) << "no message about the missing printer";
-    EXPECT_EQ(TextOf(GetDlgItem(message, 0xFFFF)),
-              "There does not appear to be a default printer installed on this system.");
+    EXPECT_EQ(MessageText(message), "There does not appear to be a default printer installed on this system.");
     Press(message, IDOK);
   } else {
-    EXPECT_EQ(message, nullptr) << TextOf(GetDlgItem(message, 0xFFFF));
+    EXPECT_EQ(message, nullptr) << MessageText(message);
   }
   HWND window = quernal.MainWindow();
   ASSERT_NE(window, nullptr) << "the program carries on without a printer";
