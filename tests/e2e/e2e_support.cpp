@@ -10,7 +10,6 @@
 
 namespace {
 
-
 struct WindowSearch {
   DWORD pid;
   const std::string* text;
@@ -95,30 +94,6 @@ HWND WaitForWindow(DWORD pid, const std::string& title, int milliseconds) {
 
 void WaitGone(HWND window) {
   for (int i = 0; i < 300 && IsWindow(window); ++i) Sleep(100);
-}
-
-std::string TextOf(HWND window) {
-  char text[2048] = "";
-  SendMessageA(window, WM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(text));
-  return text;
-}
-
-std::string MessageText(HWND box) { return TextOf(GetDlgItem(box, 0xFFFF)); }
-
-void Press(HWND dialog, int id) {
-  PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
-}
-
-void SetCheck(HWND dialog, int id, bool checked) {
-  SendDlgItemMessageA(dialog, id, BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED, 0);
-  if (checked) Press(dialog, id);
-}
-
-void ChooseFile(HWND dialog, const std::string& path) {
-  HWND name = GetDlgItem(dialog, 0x480);        // the name field
-  if (!name) name = GetDlgItem(dialog, 0x47C);  // or the combo box holding it
-  SendMessageA(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
-  Press(dialog, IDOK);
 }
 
 HWND ToolbarStrip(HWND mainWindow) { return FindWindowExA(mainWindow, nullptr, "QuernalBar", nullptr); }
@@ -206,11 +181,7 @@ HWND Quernal::MainWindow() {
   return window_;
 }
 
-std::string Quernal::Title() const {
-  char text[512] = "";
-  GetWindowTextA(window_, text, sizeof text);
-  return text;
-}
+std::string Quernal::Title() const { return TextOf(window_); }
 
 std::string Quernal::TitleStartingWith(const std::string& prefix) const {
   for (int i = 0; i < 100 && Title().rfind(prefix, 0) != 0; ++i) Sleep(100);

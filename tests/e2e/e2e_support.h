@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/win32/dialog_driver.h"
+
 std::string Environment(const char* name);
 // A file beside this test program (where the build puts Quernal.exe and the
 // files the tests use).
@@ -30,15 +32,6 @@ HWND WaitForWindow(DWORD pid, const std::string& title, int milliseconds);
 // found next is a new one.
 void WaitGone(HWND window);
 
-std::string TextOf(HWND window);
-// A message box's text: its static control.
-std::string MessageText(HWND box);
-// Presses a button of `dialog` as a click does, by a posted notification.
-void Press(HWND dialog, int id);
-// Ticks or clears a check box or radio button and tells its dialog.
-void SetCheck(HWND dialog, int id, bool checked);
-// Types a name into the file dialog and presses OK.
-void ChooseFile(HWND dialog, const std::string& path);
 
 // The main window's toolbar strip.
 HWND ToolbarStrip(HWND mainWindow);

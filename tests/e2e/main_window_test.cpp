@@ -36,9 +36,6 @@ TEST(MainWindow, StartsFromItsSettingsAndWritesThemOnExit) {
     std::time_t now = std::time(nullptr);
     const std::string title = "Quernal [ Untitled.CLN \x96 " + std::string(kMonths[std::localtime(&now)->tm_mon]) + " ]";
     EXPECT_EQ(quernal.Title(), title);
-    // The title names the document as it was named, whatever page shows.
-    quernal.Do(WM_COMMAND, IDM_PAGE_COVER);
-    EXPECT_EQ(quernal.Title(), title);
     ASSERT_TRUE(quernal.Close());
     EXPECT_EQ(GetFileAttributesA(folder.c_str()), INVALID_FILE_ATTRIBUTES) << "the program never makes the folder";
   }
@@ -81,8 +78,61 @@ SCROLLINFO ScrollBar(HWND window, int id) {
   return info;
 }
 
-TEST(MainWindow, ZoomScalesThePageAndResetsTheScrollBars) {
+// Save on an untitled calendar asks for a name (cancelled, nothing changes);
+// named anew, the title takes the page shown and the name leads the recent
+// files. The command line is opened exactly as it stands: the file reopens
+// on its page, and with quotes it names no file.
+TEST(MainWindow, SaveAsksForANameAndTheCommandLineOpensTheFile) {
   WriteSettings("");
+  const std::string path = FreshFile("Saved.CLN");
+  {
+    Quernal quernal;
+    ASSERT_NE(quernal.MainWindow(), nullptr);
+    quernal.Do(WM_COMMAND, IDM_PAGE_COVER);  // the cover is the page the file reopens on
+    const std::string title = quernal.Title();
+    quernal.Command(IDM_SAVE);
+    HWND dialog = quernal.Wait("Save As");
+    ASSERT_NE(dialog, nullptr) << "Save on Untitled.CLN must ask for a name";
+    Press(dialog, IDCANCEL);
+    WaitGone(dialog);
+    EXPECT_EQ(quernal.Title(), title);
+
+    quernal.Command(IDM_SAVE);
+    dialog = quernal.Wait("Save As");
+    ASSERT_NE(dialog, nullptr);
+    ChooseFile(dialog, path);
+    EXPECT_EQ(quernal.TitleStartingWith("Quernal [ Saved.CLN"), "Quernal [ Saved.CLN \x96 Cover ]");
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    EXPECT_EQ(static_cast<long long>(file.tellg()), 70139) << "a calendar without pictures";
+    ASSERT_TRUE(quernal.Close());
+    const std::string ini = ReadAll(ConfigFolder() + "QUERNL.INI");
+    EXPECT_NE(ini.find("MenuItem = " + path + "\r\n"), std::string::npos) << ini.substr(ini.find("[QuernalMenuItems]"));
+  }
+  {
+    Quernal quernal(path);
+    ASSERT_NE(quernal.MainWindow(), nullptr);
+    EXPECT_EQ(quernal.TitleStartingWith("Quernal [ Saved"), "Quernal [ Saved.CLN \x96 Cover ]");
+    ASSERT_TRUE(quernal.Close());
+  }
+  Quernal quoted("\"" + path + "\"");
+  ASSERT_NE(quoted.MainWindow(), nullptr);
+  HWND box = quoted.Wait("Message");
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(MessageText(box), "There has been an error reading this file. It might be corrupted.");
+  Press(box, IDOK);
+  WaitGone(box);
+  EXPECT_EQ(quoted.Title().rfind("Quernal [ Untitled.CLN", 0), 0u);
+  ASSERT_TRUE(quoted.Close());
+}
+
+// One session: zoom scales the page and resets the scroll bars; the Edit
+// menu's dialogs open over the page they belong to and About names the
+// program; New asks about unsaved changes and No gives the new calendar
+// unsaved; closing asks too, and Yes on an untitled calendar asks for its
+// name, saves and ends.
+TEST(MainWindow, ZoomTheEditMenusDialogsAndTheUnsavedChangesQuestion) {
+  WriteSettings("");
+  const std::string path = FreshFile("Kept.CLN");
   Quernal quernal;
   ASSERT_NE(quernal.MainWindow(), nullptr);
   const int page100 = ScrollBar(quernal.window(), 703).nMax - 8;
@@ -96,100 +146,8 @@ TEST(MainWindow, ZoomScalesThePageAndResetsTheScrollBars) {
   quernal.Do(WM_COMMAND, IDM_ZOOM_400);
   EXPECT_EQ(ScrollBar(quernal.window(), 703).nPos, 0);
   EXPECT_EQ(ScrollBar(quernal.window(), 703).nMax - 8, page100 * 4);
-  ASSERT_TRUE(quernal.Close());
-}
+  quernal.Do(WM_COMMAND, IDM_ZOOM_100);
 
-TEST(MainWindow, SaveOnAnUntitledCalendarAsksForAName) {
-  WriteSettings("");
-  const std::string path = FreshFile("Saved.CLN");
-  Quernal quernal;
-  ASSERT_NE(quernal.MainWindow(), nullptr);
-  const std::string title = quernal.Title();
-  // Cancelled, nothing changes.
-  quernal.Command(IDM_SAVE);
-  HWND dialog = quernal.Wait("Save As");
-  ASSERT_NE(dialog, nullptr) << "Save on Untitled.CLN must ask for a name";
-  Press(dialog, IDCANCEL);
-  WaitGone(dialog);
-  EXPECT_EQ(quernal.Title(), title);
-
-  quernal.Command(IDM_SAVE);
-  dialog = quernal.Wait("Save As");
-  ASSERT_NE(dialog, nullptr);
-  ChooseFile(dialog, path);
-  const std::string saved = quernal.TitleStartingWith("Quernal [ Saved.CLN \x96 ");
-  EXPECT_EQ(saved.rfind("Quernal [ Saved.CLN \x96 ", 0), 0u) << saved;
-  std::ifstream file(path, std::ios::binary | std::ios::ate);
-  EXPECT_EQ(static_cast<long long>(file.tellg()), 70139) << "a calendar without pictures";
-  // The saved name leads the recent files the settings keep.
-  ASSERT_TRUE(quernal.Close());
-  const std::string ini = ReadAll(ConfigFolder() + "QUERNL.INI");
-  EXPECT_NE(ini.find("MenuItem = " + path + "\r\n"), std::string::npos) << ini.substr(ini.find("[QuernalMenuItems]"));
-}
-
-TEST(MainWindow, OpensTheCommandLineExactlyAsItStands) {
-  WriteSettings("");
-  const std::string path = FreshFile("Opened.CLN");
-  {
-    Quernal quernal;
-    ASSERT_NE(quernal.MainWindow(), nullptr);
-    quernal.Do(WM_COMMAND, IDM_PAGE_COVER);  // the cover is the page the file reopens on
-    // Named anew, the title takes the page shown.
-    EXPECT_EQ(quernal.SaveAs(path), "Quernal [ Opened.CLN \x96 Cover ]");
-    ASSERT_TRUE(quernal.Close());
-  }
-  {
-    Quernal quernal(path);
-    ASSERT_NE(quernal.MainWindow(), nullptr);
-    EXPECT_EQ(quernal.TitleStartingWith("Quernal [ Opened"), "Quernal [ Opened.CLN \x96 Cover ]");
-    ASSERT_TRUE(quernal.Close());
-  }
-  // Quotes are not taken off, so the name with them names no file.
-  Quernal quoted("\"" + path + "\"");
-  ASSERT_NE(quoted.MainWindow(), nullptr);
-  HWND box = quoted.Wait("Message");
-  ASSERT_NE(box, nullptr);
-  EXPECT_EQ(MessageText(box), "There has been an error reading this file. It might be corrupted.");
-  Press(box, IDOK);
-  WaitGone(box);
-  EXPECT_EQ(quoted.Title().rfind("Quernal [ Untitled.CLN", 0), 0u);
-  ASSERT_TRUE(quoted.Close());
-}
-
-// New asks about unsaved changes, and No gives the new calendar unsaved;
-// closing asks too, and Yes on an untitled calendar asks for its name,
-// saves and ends.
-TEST(MainWindow, UnsavedChangesAreAskedAbout) {
-  WriteSettings("");
-  const std::string path = FreshFile("Kept.CLN");
-  Quernal quernal;
-  ASSERT_NE(quernal.MainWindow(), nullptr);
-  quernal.ChangeCalendar();
-  quernal.Command(IDM_NEW);
-  HWND box = quernal.Wait("Message");
-  ASSERT_NE(box, nullptr);
-  EXPECT_EQ(MessageText(box).rfind("Your current calendar has not been saved.", 0), 0u) << MessageText(box);
-  Press(box, IDNO);
-  WaitGone(box);
-  EXPECT_EQ(quernal.Wait("Save As", 500), nullptr);
-  quernal.ChangeCalendar();
-  PostMessageA(quernal.window(), WM_SYSCOMMAND, SC_CLOSE, 0);
-  box = quernal.Wait("Message");
-  ASSERT_NE(box, nullptr);
-  Press(box, IDYES);
-  HWND dialog = quernal.Wait("Save As");
-  ASSERT_NE(dialog, nullptr) << "Yes on an untitled calendar asks for its name";
-  ChooseFile(dialog, path);
-  EXPECT_TRUE(quernal.Ended()) << "the program closes after saving";
-  EXPECT_TRUE(Exists(path));
-}
-
-// The dialogs of the Edit menu open over the page they belong to; About
-// names the program.
-TEST(MainWindow, EventsAndReplicateOpenForTheCurrentMonth) {
-  WriteSettings();
-  Quernal quernal;
-  ASSERT_NE(quernal.MainWindow(), nullptr);
   quernal.Do(WM_COMMAND, IDM_PAGE_JANUARY + 4);
   quernal.Command(IDM_EVENTS);
   HWND events = quernal.Wait("Edit [ General ]");
@@ -221,5 +179,23 @@ TEST(MainWindow, EventsAndReplicateOpenForTheCurrentMonth) {
   SaveShot("about", about);
   Press(about, IDOK);
   WaitGone(about);
-  ASSERT_TRUE(quernal.Close());
+
+  quernal.ChangeCalendar();
+  quernal.Command(IDM_NEW);
+  HWND box = quernal.Wait("Message");
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(MessageText(box).rfind("Your current calendar has not been saved.", 0), 0u) << MessageText(box);
+  Press(box, IDNO);
+  WaitGone(box);
+  EXPECT_EQ(quernal.Wait("Save As", 500), nullptr);
+  quernal.ChangeCalendar();
+  PostMessageA(quernal.window(), WM_SYSCOMMAND, SC_CLOSE, 0);
+  box = quernal.Wait("Message");
+  ASSERT_NE(box, nullptr);
+  Press(box, IDYES);
+  HWND dialog = quernal.Wait("Save As");
+  ASSERT_NE(dialog, nullptr) << "Yes on an untitled calendar asks for its name";
+  ChooseFile(dialog, path);
+  EXPECT_TRUE(quernal.Ended()) << "the program closes after saving";
+  EXPECT_TRUE(Exists(path));
 }

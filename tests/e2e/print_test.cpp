@@ -11,8 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -27,38 +25,8 @@ namespace {
   const std::string calendar = Environment("QUERNAL_PRINT_CALENDAR");                     \
   if (calendar.empty()) GTEST_SKIP() << "run by tests/print/check-print.sh with a CUPS queue"
 
-// Prints with the print dialog: `choose` sets it up before OK.
-template <typename Choose>
-void PrintSingleSided(const std::string& calendar, Choose choose) {
-  WriteSettings("InkJet = 0\n");
-  Quernal quernal(WindowsPath(calendar));
-  ASSERT_NE(quernal.MainWindow(), nullptr) << "no main window";
-  quernal.Command(IDM_PRINT_SINGLE);
-  HWND dialog = quernal.Wait("Print");
-  ASSERT_NE(dialog, nullptr) << "no print dialog";
-  // The program's own layout of the dialog, with the common dialog's controls.
-  EXPECT_NE(GetDlgItem(dialog, cmb4), nullptr);
-  EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_FACE_UP)), "Face up");
-  choose(dialog);
-  SaveShot("print", dialog);
-  Press(dialog, IDOK);
-  ASSERT_TRUE(quernal.Settle());
-  EXPECT_EQ(quernal.Wait("Message", 500), nullptr) << "the job failed";
-  ASSERT_TRUE(quernal.Close());
-}
-
-void PrintDoubleSided(const std::string& calendar, bool faceUp) {
-  WriteSettings("InkJet = 0\n");
-  Quernal quernal(WindowsPath(calendar));
-  ASSERT_NE(quernal.MainWindow(), nullptr) << "no main window";
-  quernal.Command(IDM_PRINT_DOUBLE);
-  HWND dialog = quernal.Wait("Print");
-  ASSERT_NE(dialog, nullptr) << "no print dialog";
-  EXPECT_EQ(IsDlgButtonChecked(dialog, 101), BST_UNCHECKED) << "Face up shows the InkJet setting";
-  EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog, rad3))) << "the booklet is the whole year";
-  if (faceUp) SetCheck(dialog, 101, true);
-  SaveShot(faceUp ? "print-double-face-up" : "print-double", dialog);
-  Press(dialog, IDOK);
+// The boxes between a booklet's passes: turn the paper over, then done.
+void AnswerTheBoxesBetweenThePasses(const Quernal& quernal) {
   HWND turnOver = quernal.Wait("Printing...", 180000);
   ASSERT_NE(turnOver, nullptr) << "no box between the passes";
   SaveShot("turn-over-paper", turnOver);
@@ -68,25 +36,52 @@ void PrintDoubleSided(const std::string& calendar, bool faceUp) {
   SaveShot("print-finished", finished);
   EXPECT_NE(TextOf(GetDlgItem(finished, IDOK)).find("Done"), std::string::npos);
   Press(finished, IDOK);
+}
+
+// Prints the calendar with print command `command` (single or double
+// sided); `choose` sets the print dialog up before OK.
+template <typename Choose>
+void PrintCalendar(const std::string& calendar, int command, const char* shot, Choose choose) {
+  WriteSettings("InkJet = 0\n");
+  Quernal quernal(WindowsPath(calendar));
+  ASSERT_NE(quernal.MainWindow(), nullptr) << "no main window";
+  quernal.Command(command);
+  HWND dialog = quernal.Wait("Print");
+  ASSERT_NE(dialog, nullptr) << "no print dialog";
+  // The program's own layout of the dialog, with the common dialog's controls.
+  EXPECT_NE(GetDlgItem(dialog, cmb4), nullptr);
+  EXPECT_EQ(TextOf(GetDlgItem(dialog, IDC_FACE_UP)), "Face up");
+  if (command == IDM_PRINT_DOUBLE) {
+    EXPECT_EQ(IsDlgButtonChecked(dialog, IDC_FACE_UP), BST_UNCHECKED) << "Face up shows the InkJet setting";
+    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog, rad3))) << "the booklet is the whole year";
+  }
+  choose(dialog);
+  SaveShot(shot, dialog);
+  Press(dialog, IDOK);
+  if (command == IDM_PRINT_DOUBLE) AnswerTheBoxesBetweenThePasses(quernal);
   ASSERT_TRUE(quernal.Settle());
+  EXPECT_EQ(quernal.Wait("Message", 500), nullptr) << "the job failed";
   ASSERT_TRUE(quernal.Close());
+}
+
+void PrintDoubleSided(const std::string& calendar, bool faceUp) {
+  PrintCalendar(calendar, IDM_PRINT_DOUBLE, faceUp ? "print-double-face-up" : "print-double", [faceUp](HWND dialog) {
+    if (faceUp) SetCheck(dialog, IDC_FACE_UP, true);
+  });
   // The choice is kept in the settings for the next booklet.
-  std::ifstream in(ConfigFolder() + "QUERNL.INI");
-  std::stringstream settings;
-  settings << in.rdbuf();
-  EXPECT_NE(settings.str().find(faceUp ? "InkJet = 1" : "InkJet = 0"), std::string::npos);
+  EXPECT_NE(ReadAll(ConfigFolder() + "QUERNL.INI").find(faceUp ? "InkJet = 1" : "InkJet = 0"), std::string::npos);
 }
 
 }  // namespace
 
 TEST(Print, AllPages) {
   CALENDAR_OR_SKIP(calendar);
-  PrintSingleSided(calendar, [](HWND) {});
+  PrintCalendar(calendar, IDM_PRINT_SINGLE, "print", [](HWND) {});
 }
 
 TEST(Print, PageRange) {
   CALENDAR_OR_SKIP(calendar);
-  PrintSingleSided(calendar, [](HWND dialog) {
+  PrintCalendar(calendar, IDM_PRINT_SINGLE, "print", [](HWND dialog) {
     SetCheck(dialog, rad1, false);
     SetCheck(dialog, rad3, true);
     SetDlgItemTextA(dialog, edt1, "3");
@@ -128,14 +123,19 @@ int WhitePageWidthOnScreen(HWND window) {
   return widest;
 }
 
-// The page is 95 percent of the page view high, and as wide as a paper of
-// paperW : paperH makes it (the white inside, give or take its frame).
-void ExpectPageShape(const Quernal& quernal, HWND window, int paperW, int paperH) {
+// The page's width once the window has painted it afresh.
+int PageWidthShown(const Quernal& quernal, HWND window) {
   RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
   quernal.Settle();
   Sleep(500);
+  return WhitePageWidthOnScreen(window);
+}
+
+// The page is 95 percent of the page view high, and as wide as a paper of
+// paperW : paperH makes it (the white inside, give or take its frame).
+void ExpectPageShape(const Quernal& quernal, HWND window, int paperW, int paperH) {
   const int h = PageViewHeight(window) * 95 / 100, w = h * paperW / paperH;
-  EXPECT_NEAR(WhitePageWidthOnScreen(window), w, 4) << "a page of " << paperW << " : " << paperH << ", " << h << " high";
+  EXPECT_NEAR(PageWidthShown(quernal, window), w, 4) << "a page of " << paperW << " : " << paperH << ", " << h << " high";
 }
 
 // The size of `printer`'s page, in its device units.
@@ -168,11 +168,10 @@ TEST(Print, PageShapeFollowsThePrinter) {
   HWND message = quernal.Wait("Message", none ? 30000 : 3000);
   if (none) {
     ASSERT_NE(message, nullptr) << "no message about the missing printer";
-    EXPECT_EQ(TextOf(GetDlgItem(message, 0xFFFF)),
-              "There does not appear to be a default printer installed on this system.");
+    EXPECT_EQ(MessageText(message), "There does not appear to be a default printer installed on this system.");
     Press(message, IDOK);
   } else {
-    EXPECT_EQ(message, nullptr) << TextOf(GetDlgItem(message, 0xFFFF));
+    EXPECT_EQ(message, nullptr) << MessageText(message);
   }
   HWND window = quernal.MainWindow();
   ASSERT_NE(window, nullptr) << "the program carries on without a printer";
@@ -214,13 +213,7 @@ TEST(Print, ThePaperChosenInSetupIsThePaperPrinted) {
   HWND window = quernal.MainWindow();
   ASSERT_NE(window, nullptr) << "no main window";
   // The page's width on the screen tells its paper: Letter's is wider than A4's.
-  const auto pageWidth = [&] {
-    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-    quernal.Settle();
-    Sleep(500);
-    return WhitePageWidthOnScreen(window);
-  };
-  const int a4 = pageWidth();
+  const int a4 = PageWidthShown(quernal, window);
   quernal.Command(IDM_SELECT_PRINTER);
   HWND setup = quernal.Wait("Print Setup");
   ASSERT_NE(setup, nullptr) << "no printer-setup dialog";
@@ -240,25 +233,18 @@ TEST(Print, ThePaperChosenInSetupIsThePaperPrinted) {
   SendMessageA(setup, WM_COMMAND, MAKEWPARAM(cmb2, CBN_SELCHANGE), reinterpret_cast<LPARAM>(paper));
   Press(setup, IDOK);
   ASSERT_TRUE(quernal.Settle());
-  const int letter = pageWidth();
+  const int letter = PageWidthShown(quernal, window);
   EXPECT_GT(letter, a4 + 10) << "the page did not take Letter's shape";
 
-  for (const int command : {106, 107}) {
+  for (const int command : {IDM_PRINT_SINGLE, IDM_PRINT_DOUBLE}) {
     quernal.Command(command);
     HWND dialog = quernal.Wait("Print");
     ASSERT_NE(dialog, nullptr) << "no print dialog";
     Press(dialog, IDOK);
-    if (command == 107) {
-      HWND turnOver = quernal.Wait("Printing...", 180000);
-      ASSERT_NE(turnOver, nullptr) << "no box between the passes";
-      Press(turnOver, IDOK);
-      HWND finished = quernal.Wait("Complete", 180000);
-      ASSERT_NE(finished, nullptr) << "no box at the end";
-      Press(finished, IDOK);
-    }
+    if (command == IDM_PRINT_DOUBLE) AnswerTheBoxesBetweenThePasses(quernal);
     ASSERT_TRUE(quernal.Settle());
     EXPECT_EQ(quernal.Wait("Message", 500), nullptr) << "the job failed";
-    EXPECT_NEAR(pageWidth(), letter, 2) << "the page snapped back after command " << command;
+    EXPECT_NEAR(PageWidthShown(quernal, window), letter, 2) << "the page snapped back after command " << command;
   }
   ASSERT_TRUE(quernal.Close());
 }

@@ -1,6 +1,6 @@
 // The sheets in the real program: a month page and the year with its cover
 // designed, saved, reopened and shown, the next new calendar starting from
-// the design, and Setup's options written on exit.
+// the design.
 #include <windows.h>
 #include <commctrl.h>
 #include <prsht.h>
@@ -105,7 +105,9 @@ bool Shows(HWND window, std::initializer_list<COLORREF> colours) {
 
 }  // namespace
 
-TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
+// One calendar's May, year page and cover designed in the sheets, saved,
+// reopened and shown; the next new calendar starts from the month's design.
+TEST(Sheets, AMonthTheYearAndTheCoverDesignedSavedReopenedAndCarriedToTheNextCalendar) {
   WriteSettings("");
   const std::string designed = FreshFile("Designed.CLN"), next = FreshFile("Next.CLN");
   {
@@ -136,6 +138,20 @@ TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
     Press(sheet, IDOK);
     WaitGone(sheet);
 
+    quernal.Command(IDM_EDIT_YEAR);
+    sheet = quernal.Wait("Year");
+    ASSERT_NE(sheet, nullptr);
+    HWND year = ShowTab(sheet, 0);
+    SetCheck(year, 101, false);
+    SetDlgItemTextA(year, 103, "2030");
+    PickColour(quernal, year, 106, 34);  // the year page's paper
+    HWND cover = ShowTab(sheet, 1);
+    ChoosePicture(quernal, cover, 138, BesideTests("Meadow.jpg"));
+    SetDlgItemTextA(cover, 153, "Family 2030");
+    SaveShot("year-sheet-cover", sheet);
+    Press(sheet, IDOK);
+    WaitGone(sheet);
+
     EXPECT_NE(quernal.SaveAs(designed), "");
     ASSERT_TRUE(quernal.Close());
   }
@@ -145,12 +161,24 @@ TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
   ExpectTheDesign(may);
   EXPECT_STREQ(may.LeftCaption, "Walks by the river");
   EXPECT_GT(may.PictureDataSize, 640u * 480u * 3u) << "the photograph travels in the file";
+  const CalendarHeader header = ReadHeader(designed);
+  EXPECT_EQ(header.Year, 2030);
+  EXPECT_EQ(header.UseCurrentYear, 0);
+  EXPECT_EQ(header.YagPageColour, kCardinal);
+  EXPECT_STREQ(header.CoverTitle, "Family 2030");
+  EXPECT_GT(header.CoverPictureDataSize, 640u * 480u * 3u);
   {
-    // Reopened, May shows the design: the cardinal page and the photograph.
+    // Reopened, May shows the design: the cardinal page and the photograph;
+    // the cover its photograph, the year page its paper.
     Quernal quernal(designed);
     ASSERT_NE(quernal.MainWindow(), nullptr);
     EXPECT_TRUE(Shows(quernal.window(), {kCardinal, kMeadow}));
     SaveShot("designed-may", quernal.window());
+    quernal.Do(WM_COMMAND, IDM_PAGE_COVER);
+    EXPECT_TRUE(Shows(quernal.window(), {kMeadow})) << "the cover's photograph";
+    quernal.Do(WM_COMMAND, IDM_PAGE_YEAR);
+    EXPECT_TRUE(Shows(quernal.window(), {kCardinal})) << "the year page's paper";
+    SaveShot("designed-year", quernal.window());
     ASSERT_TRUE(quernal.Close());
   }
   {
@@ -165,63 +193,4 @@ TEST(PageSheet, AMonthDesignedSavedReopenedAndCarriedToTheNextCalendar) {
   MonthPage january;
   ASSERT_TRUE(ReadMonthPage(next, 0, &january));
   ExpectTheDesign(january);
-}
-
-TEST(YearSheet, TheYearAndTheCoverDesignedSavedAndReopened) {
-  WriteSettings("");
-  const std::string designed = FreshFile("Cover.CLN");
-  {
-    Quernal quernal;
-    ASSERT_NE(quernal.MainWindow(), nullptr);
-    quernal.Command(IDM_EDIT_YEAR);
-    HWND sheet = quernal.Wait("Year");
-    ASSERT_NE(sheet, nullptr);
-    HWND year = ShowTab(sheet, 0);
-    SetCheck(year, 101, false);
-    SetDlgItemTextA(year, 103, "2030");
-    PickColour(quernal, year, 106, 34);  // the year page's paper
-    HWND cover = ShowTab(sheet, 1);
-    ChoosePicture(quernal, cover, 138, BesideTests("Meadow.jpg"));
-    SetDlgItemTextA(cover, 153, "Family 2030");
-    SaveShot("year-sheet-cover", sheet);
-    Press(sheet, IDOK);
-    WaitGone(sheet);
-    EXPECT_NE(quernal.SaveAs(designed), "");
-    ASSERT_TRUE(quernal.Close());
-  }
-  const CalendarHeader header = ReadHeader(designed);
-  EXPECT_EQ(header.Year, 2030);
-  EXPECT_EQ(header.UseCurrentYear, 0);
-  EXPECT_EQ(header.YagPageColour, kCardinal);
-  EXPECT_STREQ(header.CoverTitle, "Family 2030");
-  EXPECT_GT(header.CoverPictureDataSize, 640u * 480u * 3u);
-  Quernal quernal(designed);
-  ASSERT_NE(quernal.MainWindow(), nullptr);
-  quernal.Do(WM_COMMAND, IDM_PAGE_COVER);
-  EXPECT_TRUE(Shows(quernal.window(), {kMeadow})) << "the cover's photograph";
-  quernal.Do(WM_COMMAND, IDM_PAGE_YEAR);
-  EXPECT_TRUE(Shows(quernal.window(), {kCardinal})) << "the year page's paper";
-  SaveShot("designed-year", quernal.window());
-  ASSERT_TRUE(quernal.Close());
-}
-
-// Setup's changes are the settings the program writes on exit, the image
-// compression kept within 1..9.
-TEST(SetupSheet, OptionsAndNamesAreWrittenOnExit) {
-  WriteSettings("");
-  Quernal quernal;
-  ASSERT_NE(quernal.MainWindow(), nullptr);
-  quernal.Command(IDM_SETUP);
-  HWND sheet = quernal.Wait("Setup");
-  ASSERT_NE(sheet, nullptr);
-  SetDlgItemTextA(ShowTab(sheet, 0), 107, "0");
-  SetCheck(ShowTab(sheet, 0), 133, true);
-  SetDlgItemTextA(ShowTab(sheet, 1), 112, "Janvier");
-  SaveShot("setup-titles", sheet);
-  Press(sheet, IDOK);
-  WaitGone(sheet);
-  ASSERT_TRUE(quernal.Close());
-  const std::string ini = ReadAll(ConfigFolder() + "QUERNL.INI");
-  for (const char* line : {"ImageCompression = 1\r\n", "StartMonday = 1\r\n", "MonthJanuary = Janvier\r\n"})
-    EXPECT_NE(ini.find(line), std::string::npos) << line;
 }

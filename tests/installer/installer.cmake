@@ -3,7 +3,8 @@
 # the native build, which builds the packages from the Windows builds and
 # checks them (tests/win32/CMakeLists.txt).
 if(CMAKE_CROSSCOMPILING)
-  add_executable(quernal_shell_open ${CMAKE_CURRENT_LIST_DIR}/shell_open.cpp ${PROJECT_SOURCE_DIR}/tests/e2e/e2e_support.cpp)
+  add_executable(quernal_shell_open ${CMAKE_CURRENT_LIST_DIR}/shell_open.cpp ${PROJECT_SOURCE_DIR}/tests/e2e/e2e_support.cpp
+  ${PROJECT_SOURCE_DIR}/tests/win32/dialog_input.cpp)
   target_include_directories(quernal_shell_open PRIVATE ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR})
   target_link_libraries(quernal_shell_open PRIVATE shell32 ole32 uuid gdi32)
   return()

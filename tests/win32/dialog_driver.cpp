@@ -1,6 +1,5 @@
 #include "dialog_driver.h"
 
-#include <commctrl.h>
 #include <dlgs.h>
 #include <prsht.h>
 
@@ -73,26 +72,6 @@ void DialogDriver::GiveUp() {
   EnumThreadWindows(GetCurrentThreadId(), CloseDialog, 0);
 }
 
-void Press(HWND dialog, int id) {
-  PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, id)));
-}
-
-void SetCheck(HWND dialog, int id, bool checked) {
-  SendDlgItemMessageA(dialog, id, BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED, 0);
-  Press(dialog, id);
-}
-
-std::string TextOf(HWND window) {
-  char text[1024] = "";
-  GetWindowTextA(window, text, sizeof text);
-  return text;
-}
-
-std::string ItemText(HWND dialog, int id) { return TextOf(GetDlgItem(dialog, id)); }
-
-// A message box shows its text in a static control numbered 0xFFFF.
-std::string MessageText(HWND box) { return ItemText(box, 0xFFFF); }
-
 void Pump(int milliseconds, const std::function<bool()>& done) {
   const DWORD start = GetTickCount();
   while (!(done && done()) && GetTickCount() - start < static_cast<DWORD>(milliseconds)) {
@@ -104,24 +83,6 @@ void Pump(int milliseconds, const std::function<bool()>& done) {
     Sleep(10);
   }
 }
-
-std::vector<std::string> Entries(HWND dialog, int id) {
-  char kind[32] = "";
-  GetClassNameA(GetDlgItem(dialog, id), kind, sizeof kind);
-  const bool combo = lstrcmpiA(kind, "ComboBox") == 0;
-  const int count = static_cast<int>(SendDlgItemMessageA(dialog, id, combo ? CB_GETCOUNT : LB_GETCOUNT, 0, 0));
-  std::vector<std::string> entries;
-  for (int i = 0; i < count; ++i) {
-    char text[300] = "";
-    SendDlgItemMessageA(dialog, id, combo ? CB_GETLBTEXT : LB_GETTEXT, i, reinterpret_cast<LPARAM>(text));
-    entries.push_back(text);
-  }
-  return entries;
-}
-
-HWND CurrentTab(HWND sheet) { return reinterpret_cast<HWND>(SendMessageA(sheet, PSM_GETCURRENTPAGEHWND, 0, 0)); }
-bool Checked(HWND dialog, int id) { return IsDlgButtonChecked(dialog, id) == BST_CHECKED; }
-bool Enabled(HWND dialog, int id) { return IsWindowEnabled(GetDlgItem(dialog, id)) != FALSE; }
 
 void ChoosePictureFile(DialogDriver* driver, const std::string& path) {
   driver->Then("Open", [path](HWND dialog) {

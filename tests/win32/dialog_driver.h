@@ -1,3 +1,6 @@
+// Driving dialogs as a user does; the end-to-end tests use the functions
+// below DialogDriver on the program's windows too.
+//
 // Drives the modal dialogs that a test opens, from inside the test's own
 // thread: a timer, dispatched by the dialogs' own message loops, waits for a
 // window with the next expected title and runs that step on it. Steps press
@@ -60,6 +63,8 @@ std::string MessageText(HWND box);
 HWND CurrentTab(HWND sheet);
 bool Checked(HWND dialog, int id);
 bool Enabled(HWND dialog, int id);
+// Types a name into the file dialog and presses OK.
+void ChooseFile(HWND dialog, const std::string& path);
 // The next step: the picture-open dialog chooses `path`.
 void ChoosePictureFile(DialogDriver* driver, const std::string& path);
 // The next step: on the sheet titled `title`, `text` typed into control

@@ -87,7 +87,9 @@ class GdiPageTest : public QuernalTest {
 
 }  // namespace
 
-TEST_F(GdiPageTest, MonthAndYearPagesShowTheirBoxesAndPicture) {
+// Month, year and cover pages, each placed every way: their boxes and
+// pictures, a bleeding cover's picture cropped to its box.
+TEST_F(GdiPageTest, MonthYearAndCoverPagesShowTheirBoxesAndPictures) {
   for (const Placement& at : kPlacements) {
     SCOPED_TRACE(testing::Message() << at.printing << at.byWindow << " " << at.x << "," << at.y);
     Draw(10, at);
@@ -109,12 +111,7 @@ TEST_F(GdiPageTest, MonthAndYearPagesShowTheirBoxesAndPicture) {
 
     Draw(12, at);  // January's box on the year page: {42, 187, 238, 320}
     Check({{41, 250, kPage}, {42, 250, kDateFrame}, {45, 317, kDateBack}});
-  }
-}
 
-TEST_F(GdiPageTest, ABleedingCoverIsCroppedToItsBox) {
-  for (const Placement& at : kPlacements) {
-    SCOPED_TRACE(testing::Message() << at.printing << at.byWindow << " " << at.x << "," << at.y);
     Draw(13, at);
     // The picture covers {0, 498, 700, 1023}; the clip keeps {0, 520, 700, 1000}.
     EXPECT_EQ(Count(0, 498, 700, 520, kCover), 700 * 22);

@@ -47,6 +47,17 @@ std::string WithoutTrailingSlash(std::string folder) {
   return folder;
 }
 
+// `key` pressed with Ctrl held, as the window's message loop passes it on.
+void ControlKey(HWND window, WPARAM key) {
+  BYTE keys[256], held[256];
+  GetKeyboardState(keys);
+  std::copy(keys, keys + 256, held);
+  held[VK_CONTROL] = 0x80;
+  SetKeyboardState(held);
+  SendMessageA(window, WM_KEYDOWN, key, 0);
+  SetKeyboardState(keys);
+}
+
 class MainWindowTest : public QuernalTest {
  protected:
   void SetUp() override {
@@ -109,15 +120,6 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
       EXPECT_EQ((GetMenuState(menu, id, MF_BYCOMMAND) & MF_CHECKED) != 0, id == page.command) << id;
   }
   // Ctrl+Page Down and Up go round the pages in the View menu's order.
-  const auto controlKey = [this](WPARAM key) {
-    BYTE keys[256], held[256];
-    GetKeyboardState(keys);
-    std::copy(keys, keys + 256, held);
-    held[VK_CONTROL] = 0x80;
-    SetKeyboardState(held);
-    SendMessageA(window(), WM_KEYDOWN, key, 0);
-    SetKeyboardState(keys);
-  };
   const struct {
     WPARAM key;
     int from, to;
@@ -125,7 +127,7 @@ TEST_F(MainWindowTest, PagesGreyTheMonthCommandsAndKeepTheTitle) {
                {VK_NEXT, 321, IDM_PAGE_YEAR}};
   for (const auto& step : steps) {
     Command(step.from);
-    controlKey(step.key);
+    ControlKey(window(), step.key);
     EXPECT_TRUE(GetMenuState(menu, step.to, MF_BYCOMMAND) & MF_CHECKED) << step.from << " to " << step.to;
   }
   // The toolbar's "Edits current page" edits the year and the cover in the year sheet.
@@ -261,10 +263,7 @@ TEST_F(MainWindowTest, FileDialogsStartWhereTheLastOneEnded) {
   DialogDriver driver;
   driver.Then("Save As", [&](HWND dialog) {
     startedIn = FolderShown(dialog);
-    HWND name = GetDlgItem(dialog, 0x480);        // the name field
-    if (!name) name = GetDlgItem(dialog, 0x47C);  // or the combo box holding it
-    SetWindowTextA(name, saved.c_str());
-    Press(dialog, IDOK);
+    ChooseFile(dialog, saved);
   });
   Command(IDM_SAVE_AS);
   ASSERT_TRUE(FileExists(saved));
@@ -275,13 +274,7 @@ TEST_F(MainWindowTest, FileDialogsStartWhereTheLastOneEnded) {
     openedIn = FolderShown(dialog);
     Press(dialog, IDCANCEL);
   });
-  BYTE keys[256], held[256];
-  GetKeyboardState(keys);
-  std::copy(keys, keys + 256, held);
-  held[VK_CONTROL] = 0x80;
-  SetKeyboardState(held);
-  SendMessageA(window(), WM_KEYDOWN, '0', 0);
-  SetKeyboardState(keys);
+  ControlKey(window(), '0');
   EXPECT_TRUE(driver.Finished()) << "Ctrl+0 opened no Open dialog";
   EXPECT_EQ(WithoutTrailingSlash(openedIn), dir_.path());
 }
@@ -297,11 +290,6 @@ void Drop(HWND window, const std::string& path) {
   std::memcpy(reinterpret_cast<char*>(files) + sizeof(DROPFILES), path.c_str(), path.size());
   GlobalUnlock(drop);
   SendMessageA(window, WM_DROPFILES, reinterpret_cast<WPARAM>(drop), 0);
-}
-
-std::vector<uint8_t> Bytes(BlockHandle block) {
-  BlockLock lock(block);
-  return lock ? std::vector<uint8_t>(lock.bytes(), lock.bytes() + GlobalBlockSize(block)) : std::vector<uint8_t>{};
 }
 
 }  // namespace
@@ -436,8 +424,8 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   MonthPage may;
   ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
   ASSERT_NE(may.Picture, 0u);
-  const std::vector<uint8_t> picture = Bytes(may.Picture);
-  EXPECT_EQ(picture, Bytes(art));
+  const std::vector<uint8_t> picture = BlockBytes(may.Picture);
+  EXPECT_EQ(picture, BlockBytes(art));
   EXPECT_FALSE(Greyed(IDM_CUT) || Greyed(IDM_COPY));
   CalendarHeader header;
   ASSERT_TRUE(GetHeader(App.document, &header));
@@ -454,7 +442,7 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   Command(IDM_PASTE);
   MonthPage june;
   ASSERT_TRUE(GetMonthPage(App.document, 5, &june));
-  EXPECT_EQ(Bytes(june.Picture), picture) << "the same picture, palette and all";
+  EXPECT_EQ(BlockBytes(june.Picture), picture) << "the same picture, palette and all";
 
   // A bitmap from another program comes in as true colour.
   HDC screen = GetDC(nullptr);
@@ -498,53 +486,46 @@ TEST_F(MainWindowTest, PicturesComeByDropAndGoThroughTheClipboard) {
   Command(IDM_PAGE_JANUARY + 7);
   Command(IDM_PASTE);
   ASSERT_TRUE(GetMonthPage(App.document, 7, &august));
-  EXPECT_EQ(Bytes(august.Picture).size(), 40u + 8u);
+  EXPECT_EQ(BlockBytes(august.Picture).size(), 40u + 8u);
   {
     BlockLock lock(august.Picture);
     const uint8_t* bgr = DibBits(lock.bytes());
     EXPECT_EQ(std::vector<uint8_t>(bgr, bgr + 6), (std::vector<uint8_t>{255, 0, 0, 0, 255, 0}));
   }
 
-  // Not on the cover; and a file that is no picture is said so.
+  // Not on the cover; and a file that is no picture, or a JPEG cut short,
+  // is said so.
   Command(IDM_PAGE_COVER);
   EXPECT_TRUE(Greyed(IDM_CUT) && Greyed(IDM_COPY) && Greyed(IDM_PASTE));
   Command(IDM_PAGE_JANUARY + 4);
-  std::string said;
-  driver.Then("Message", [&](HWND box) {
-    said = MessageText(box);
-    Press(box, IDOK);
-  });
-  Drop(window(), broken);
-  EXPECT_EQ(said, "The file you dropped is not a picture Quernal can read.");
+  const std::string cut = dir_.File("Cut.jpg");
+  WriteFile(cut, ReadFile(ProgramFolder() + "Meadow.jpg").substr(0, 2000));
+  const struct {
+    std::string file, said;
+  } refused[] = {{broken, "The file you dropped is not a picture Quernal can read."},
+                 {cut, "There has been an error loading the image"}};
+  for (const auto& r : refused) {
+    std::string said;
+    driver.Then("Message", [&](HWND box) {
+      said = MessageText(box);
+      Press(box, IDOK);
+    });
+    Drop(window(), r.file);
+    EXPECT_EQ(said.rfind(r.said, 0), 0u) << said;
+  }
   ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
   EXPECT_EQ(may.Picture, 0u);
   GlobalBlockFree(art);
 
-  // A JPEG cut short is damaged: message 105.
-  const std::string cut = dir_.File("Cut.jpg");
-  WriteFile(cut, ReadFile(ProgramFolder() + "Meadow.jpg").substr(0, 2000));
-  driver.Then("Message", [&](HWND box) {
-    said = MessageText(box);
-    Press(box, IDOK);
-  });
-  Drop(window(), cut);
-  EXPECT_EQ(said.rfind("There has been an error loading the image", 0), 0u) << said;
-
-  // A photograph dropped from the file manager.
-  Drop(window(), ProgramFolder() + "Meadow.jpg");
-  ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
-  ASSERT_NE(may.Picture, 0u);
-  {
-    BlockLock lock(may.Picture);
-    EXPECT_EQ(lock.as<BitmapInfoHeader>()->biWidth, 640);
-    EXPECT_EQ(lock.as<BitmapInfoHeader>()->biBitCount, 24);
-  }
-  // One a phone took held upright (EXIF orientation 6) comes in upright.
+  // A photograph a phone took held upright (EXIF orientation 6), dropped
+  // from the file manager, comes in upright.
   const char* photos = std::getenv("QUERNAL_TEST_PHOTOS");
   ASSERT_TRUE(photos) << "the prepared photographs";
   Drop(window(), std::string(photos) + "/II6.jpg");
   ASSERT_TRUE(GetMonthPage(App.document, 4, &may));
+  ASSERT_NE(may.Picture, 0u);
   BlockLock lock(may.Picture);
   EXPECT_EQ(lock.as<BitmapInfoHeader>()->biWidth, 200);
   EXPECT_EQ(lock.as<BitmapInfoHeader>()->biHeight, 300);
+  EXPECT_EQ(lock.as<BitmapInfoHeader>()->biBitCount, 24);
 }

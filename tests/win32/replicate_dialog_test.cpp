@@ -40,7 +40,7 @@ bool MonthTicked(HWND dialog, int month) { return Checked(dialog, Box(month)); }
 bool OkEnabled(HWND dialog) { return IsWindowEnabled(GetDlgItem(dialog, IDOK)) != FALSE; }
 }  // namespace
 
-TEST_F(ReplicateDialogTest, OkFollowsTheTickedMonthsAndTheCurrentMonthIsNeverTicked) {
+TEST_F(ReplicateDialogTest, OkFollowsTheTickedMonthsAndCopiesOntoThemAlone) {
   DialogDriver driver;
   driver.Then("Replicate", [](HWND dialog) {
     EXPECT_EQ(ItemText(dialog, IDC_REPLICATE_CAPTION), "The currently select month is March");
@@ -78,10 +78,9 @@ TEST_F(ReplicateDialogTest, OkFollowsTheTickedMonthsAndTheCurrentMonthIsNeverTic
   EXPECT_TRUE(driver.Finished());
   EXPECT_EQ(Changed(), 0);
   EXPECT_EQ(Page(3).Picture, 0u) << "Cancel copies nothing";
-}
 
-TEST_F(ReplicateDialogTest, OkCopiesTheMonthOntoTheTickedMonthsWithTheirOwnPictures) {
-  DialogDriver driver;
+  // OK copies March onto the ticked months alone (the copy itself is the
+  // model's, tested natively).
   driver.Then("Replicate", [](HWND dialog) {
     SetCheck(dialog, Box(0), true);
     SetCheck(dialog, Box(11), true);
@@ -90,12 +89,6 @@ TEST_F(ReplicateDialogTest, OkCopiesTheMonthOntoTheTickedMonthsWithTheirOwnPictu
   EXPECT_EQ(ReplicateMonth(nullptr, doc_), 1);
   EXPECT_TRUE(driver.Finished());
   EXPECT_EQ(Changed(), 1);
-  const MonthPage march = Page(kMarch);
-  for (int month : {0, 11}) {
-    const MonthPage copy = Page(month);
-    ASSERT_NE(copy.Picture, 0u) << month;
-    EXPECT_NE(copy.Picture, march.Picture) << "each month owns its picture";
-    EXPECT_EQ(BlockBytes(copy.Picture), BlockBytes(march.Picture));
-  }
-  EXPECT_EQ(Page(1).Picture, 0u);
+  for (int month = 0; month < 12; ++month)
+    EXPECT_EQ(Page(month).Picture != 0, month == 0 || month == 11 || month == kMarch) << month;
 }

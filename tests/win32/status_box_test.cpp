@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "gdi_test_support.h"
 #include "print/status_box_win32.h"
 
 namespace {
@@ -25,23 +26,10 @@ HWND StatusBox() {
 
 // The colour the box paints at x of a bar 100 pixels wide.
 COLORREF BarColourAt(HWND box, int x) {
-  HDC screen = GetDC(nullptr);
-  HDC dc = CreateCompatibleDC(screen);
-  HBITMAP bitmap = CreateCompatibleBitmap(screen, 100, 10);
-  HGDIOBJ old = SelectObject(dc, bitmap);
-  DRAWITEMSTRUCT item{};
-  item.CtlType = ODT_BUTTON;
-  item.CtlID = 102;
-  item.hwndItem = GetDlgItem(box, 102);
-  item.hDC = dc;
-  item.rcItem = {0, 0, 100, 10};
+  DibSurface surface(100, 10, 0);
+  DRAWITEMSTRUCT item{ODT_BUTTON, 102, 0, 0, 0, GetDlgItem(box, 102), surface.dc(), {0, 0, 100, 10}, 0};
   SendMessageA(box, WM_DRAWITEM, 102, reinterpret_cast<LPARAM>(&item));
-  COLORREF c = GetPixel(dc, x, 5);
-  SelectObject(dc, old);
-  DeleteObject(bitmap);
-  DeleteDC(dc);
-  ReleaseDC(nullptr, screen);
-  return c;
+  return surface.Pixel(x, 5);
 }
 }  // namespace
 

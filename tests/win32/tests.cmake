@@ -8,6 +8,7 @@ add_executable(quernal_win32_tests
   ${CMAKE_CURRENT_LIST_DIR}/gdi_pages_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/primitives_win32_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/dialog_driver.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/dialog_input.cpp
   ${CMAKE_CURRENT_LIST_DIR}/events_dialog_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/replicate_dialog_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/status_box_test.cpp

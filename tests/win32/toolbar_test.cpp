@@ -12,6 +12,7 @@
 #include "app/toolbar_win32.h"
 #include "app/tooltip_win32.h"
 #include "dialog_driver.h"
+#include "gdi_test_support.h"
 
 namespace {
 
@@ -22,31 +23,17 @@ LRESULT CALLBACK OwnerProc(HWND window, UINT message, WPARAM wParam, LPARAM lPar
   return DefWindowProcA(window, message, wParam, lParam);
 }
 
-std::string ClassOf(HWND window) {
-  char name[64] = "";
-  GetClassNameA(window, name, sizeof name);
-  return name;
-}
-
 // How wide `text` comes out in the tips' font: the columns from the left
 // edge to its last inked pixel, drawn on a wide white bitmap.
 int InkWidth(const char* text) {
-  HDC screen = GetDC(nullptr), dc = CreateCompatibleDC(screen);
-  const int w = 600, h = 40;
-  HBITMAP bitmap = CreateCompatibleBitmap(screen, w, h);
-  HGDIOBJ oldBitmap = SelectObject(dc, bitmap), oldFont = SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
-  RECT all{0, 0, w, h};
-  FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
-  TextOutA(dc, 0, 0, text, lstrlenA(text));
+  DibSurface surface(600, 40, RGB(255, 255, 255));
+  const HGDIOBJ oldFont = SelectObject(surface.dc(), GetStockObject(DEFAULT_GUI_FONT));
+  TextOutA(surface.dc(), 0, 0, text, lstrlenA(text));
+  SelectObject(surface.dc(), oldFont);
   int right = 0;
-  for (int x = 0; x < w; ++x)
-    for (int y = 0; y < h; ++y)
-      if ((GetPixel(dc, x, y) & 0xFFFFFF) != 0xFFFFFF) right = x + 1;
-  SelectObject(dc, oldFont);
-  SelectObject(dc, oldBitmap);
-  DeleteObject(bitmap);
-  DeleteDC(dc);
-  ReleaseDC(nullptr, screen);
+  for (int x = 0; x < 600; ++x)
+    for (int y = 0; y < 40; ++y)
+      if (surface.Pixel(x, y) != RGB(255, 255, 255)) right = x + 1;
   return right;
 }
 
@@ -108,10 +95,6 @@ bool ToolbarTest::classRegistered_ = false;
 }  // namespace
 
 TEST_F(ToolbarTest, TheStripHoldsSevenButtonsThatPostTheirCommandsToItsOwner) {
-  EXPECT_EQ(ClassOf(bar_), "QuernalBar");
-  EXPECT_EQ(TextOf(bar_), "");
-  const LONG style = GetWindowLongA(bar_, GWL_STYLE);
-  EXPECT_EQ(style & (WS_CHILD | WS_VISIBLE | WS_DLGFRAME), WS_CHILD | WS_VISIBLE | WS_DLGFRAME);
   RECT bar;
   GetWindowRect(bar_, &bar);
   POINT corner{0, 0};
@@ -158,7 +141,6 @@ TEST_F(ToolbarTest, AMouseRestingOnAButtonShowsItsWholeTipUntilItLeaves) {
   EXPECT_FALSE(TipShowing()) << "the tip waits a moment";
   Pump(3000, TipShowing);
   ASSERT_TRUE(TipShowing());
-  EXPECT_EQ(ClassOf(TipWindow()), "QuernalTip");
   RECT tip, button;
   GetWindowRect(TipWindow(), &tip);
   GetWindowRect(buttons[3], &button);

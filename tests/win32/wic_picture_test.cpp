@@ -110,6 +110,15 @@ std::string Rgba(const DecodedPixels& pixels) {
   return std::string(reinterpret_cast<const char*>(pixels.rgba.get()), size_t(pixels.width) * pixels.height * 4);
 }
 
+// RGBA bytes alike within `tolerance`, but for a fully transparent pixel's
+// colour, which is nobody's business.
+bool Alike(const std::string& got, const std::string& want, int tolerance) {
+  if (got.size() != want.size()) return false;
+  for (size_t i = 0; i < got.size(); ++i)
+    if ((i % 4 == 3 || want[i | 3] != 0) && std::abs(uint8_t(got[i]) - uint8_t(want[i])) > tolerance) return false;
+  return true;
+}
+
 // The opaque RGBA bytes of 0xRRGGBB colours.
 std::string Opaque(const std::vector<uint32_t>& colours) {
   std::string s;
@@ -119,8 +128,9 @@ std::string Opaque(const std::vector<uint32_t>& colours) {
 
 }  // namespace
 
-// What WIC hands over, file by file: size, pixels (straight alpha), the
-// orientation still to apply and the profile as stored.
+// What WIC hands over, file by file: size, pixels (premultiplied alpha
+// comes back straight), the orientation still to apply and the profile as
+// stored.
 TEST_F(QuernalTest, WicHandsOverPixelsOrientationAndProfileAsStored) {
   TiffPicture turned = SixColours(), profiled = SixColours(), straight;
   turned.orientation = 6;
@@ -140,16 +150,17 @@ TEST_F(QuernalTest, WicHandsOverPixelsOrientationAndProfileAsStored) {
     std::string bytes;
     int width, height, orientation;
     bool alpha;
-    std::string rgba;  // "" when not compared byte for byte
+    std::string rgba;  // "" when not compared
+    int tolerance;
     std::string icc;
   } cases[] = {
-      {"turned.tif", Tiff(turned), 3, 2, 6, false, six, ""},
-      {"profiled.tif", Tiff(profiled), 3, 2, 1, false, six, profiled.icc},
-      {"straight.tif", Tiff(straight), 2, 1, 1, true, straight.pixels, ""},
-      {"premultiplied.tif", Tiff(premultiplied), 2, 1, 1, true, "", ""},
-      {"turned.jfif", JpegWithOrientation(jpeg, 8), 16, 8, 8, false, "", ""},
-      {"upright.jfif", jpeg, 16, 8, 1, false, "", ""},
-      {"alpha.png", image_bytes::Png(3, 1, 8, 6, {pngRow}), 3, 1, 1, true, "", ""},
+      {"turned.tif", Tiff(turned), 3, 2, 6, false, six, 0, ""},
+      {"profiled.tif", Tiff(profiled), 3, 2, 1, false, six, 0, profiled.icc},
+      {"straight.tif", Tiff(straight), 2, 1, 1, true, straight.pixels, 0, ""},
+      {"premultiplied.tif", Tiff(premultiplied), 2, 1, 1, true, straight.pixels, 2, ""},
+      {"turned.jfif", JpegWithOrientation(jpeg, 8), 16, 8, 8, false, "", 0, ""},
+      {"upright.jfif", jpeg, 16, 8, 1, false, "", 0, ""},
+      {"alpha.png", image_bytes::Png(3, 1, 8, 6, {pngRow}), 3, 1, 1, true, pngRow, 0, ""},
   };
   for (const auto& c : cases) {
     WriteFile(dir_.File(c.name), c.bytes);
@@ -161,21 +172,9 @@ TEST_F(QuernalTest, WicHandsOverPixelsOrientationAndProfileAsStored) {
     EXPECT_EQ(pixels.hasAlpha, c.alpha) << c.name;
     EXPECT_EQ(std::string(pixels.icc.begin(), pixels.icc.end()), c.icc) << c.name;
     if (!c.rgba.empty()) {
-      EXPECT_EQ(Rgba(pixels), c.rgba) << c.name;
+      EXPECT_TRUE(Alike(Rgba(pixels), c.rgba, c.tolerance)) << c.name;
     }
   }
-  // Premultiplied alpha comes back straight.
-  WriteFile(dir_.File("p.tif"), Tiff(premultiplied));
-  const DecodedPixels b = DecodeWithWic(dir_.File("p.tif").c_str(), kPlenty);
-  const uint8_t* p = b.rgba.get();
-  EXPECT_NEAR(p[0], 199, 2);
-  EXPECT_NEAR(p[1], 100, 2);
-  EXPECT_NEAR(p[2], 50, 2);
-  EXPECT_EQ(Rgba(b).substr(3), Bytes({128, 10, 20, 30, 255}));
-  // A PNG's colours, but for a fully transparent pixel's, which is nobody's business.
-  WriteFile(dir_.File("a.png"), image_bytes::Png(3, 1, 8, 6, {pngRow}));
-  const std::string png = Rgba(DecodeWithWic(dir_.File("a.png").c_str(), kPlenty));
-  EXPECT_EQ(png.substr(0, 4) + png.substr(7), pngRow.substr(0, 4) + pngRow.substr(7));
 }
 
 TEST_F(QuernalTest, WicReadsASixteenBitTiffWithAlphaByImageMagick) {
@@ -235,6 +234,7 @@ TEST_F(QuernalTest, WicNamesWhyAFileGivesNoPicture) {
   EXPECT_TRUE(heic == ImportError::kUnsupported || heic == ImportError::kDamaged) << int(heic);
 }
 
+// The Windows build has no reader of its own for them.
 TEST_F(QuernalTest, TheWindowsProgramsOwnReadersLeaveTheCameraFormatsToWic) {
   const std::string tiff = Tiff(SixColours());
   const auto* bytes = reinterpret_cast<const uint8_t*>(tiff.data());

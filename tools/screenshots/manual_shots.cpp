@@ -57,8 +57,6 @@ void Close(HWND dialog, int button = IDCANCEL) {
   WaitGone(dialog);
 }
 
-HWND CurrentTab(HWND sheet) { return reinterpret_cast<HWND>(SendMessageA(sheet, PSM_GETCURRENTPAGEHWND, 0, 0)); }
-
 void ShowTab(HWND sheet, int index) {
   SendMessageA(sheet, PSM_SETCURSEL, index, 0);
   Sleep(300);
