@@ -138,21 +138,6 @@ TEST(CairoCanvas, RectanglesKeepTheirRightAndBottomEdgesOutside) {
   s.Expect({{4, 2, 0x00FF00}, {2, 2, 0xFFFFFF}});
 }
 
-TEST(CairoCanvas, ArialFindsAFaceWithItsMetrics) {
-  PangoFontMap* map = pango_cairo_font_map_get_default();
-  PangoContext* context = pango_font_map_create_context(map);
-  PangoFontDescription* d = pango_font_description_from_string("ARIAL 20");
-  PangoFont* font = pango_context_load_font(context, d);
-  ASSERT_NE(font, nullptr);
-  PangoFontDescription* found = pango_font_describe(font);
-  std::string family = pango_font_description_get_family(found);
-  EXPECT_TRUE(family == "Liberation Sans" || family == "Arial") << family;
-  pango_font_description_free(found);
-  pango_font_description_free(d);
-  g_object_unref(font);
-  g_object_unref(context);
-}
-
 TEST(CairoCanvas, TextHeightIsTheFontsCellHeightAndWordsBreak) {
   Surface s(300, 300);
   s.canvas().SetFont({40, 400, 0, "ARIAL"});
