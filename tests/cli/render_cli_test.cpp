@@ -100,11 +100,8 @@ TEST_F(RenderCliTest, OtherFormatsNumberTheirFilesCoverFirst) {
 
 TEST_F(RenderCliTest, ScreenViewHalvesAndTheCalendarsOwnPage) {
   // A saved calendar opens on its current page: November here.
-  CalendarDocument doc = CreateCalendar(2026, 10);
-  SilentProgress progress;
   std::string file = dir_.File("nov.CLN");
-  ASSERT_EQ(SaveCalendar(&progress, file.c_str(), doc), 1);
-  FreeCalendar(doc);
+  ASSERT_EQ(Cli("new --year 2026 --month 11 -o " + Q(file)), 0);
   std::string ops = dir_.File("nov.ops");
   ASSERT_EQ(Cli("render " + Q(file) + " --screen --width 700 --height 1000 --format ops -o " + Q(ops)), 0);
   std::string text = ReadFile(ops);
