@@ -229,17 +229,12 @@ TEST_F(CalendarFileTest, CalendarsReloadFieldForFieldAndSaveAgainByteForByte) {
   EXPECT_EQ(ReadFile(again), bytes);
 }
 
-TEST_F(CalendarFileTest, ProgressShowsTheFileNameAndMovesForPictureMonthsOnly) {
+TEST_F(CalendarFileTest, SavingShowsTheFileNameAndMovesForPictureMonthsOnly) {
   Doc doc(WithPictures({3, 7}));
   RecordingProgress saving;
   ASSERT_EQ(SaveCalendar(&saving, path_.c_str(), doc), 1);
   EXPECT_EQ(saving.log, (std::vector<std::string>{"begin Saving Family Year.CLN", "bar 4/12", "bar 8/12", "end"}));
-  RecordingProgress loading;
-  Doc back(LoadCalendar(&loading, path_.c_str()));
-  std::vector<std::string> expected = {"begin Opening Family Year.CLN", "bar 1/12"};
-  for (int m = 1; m <= 12; ++m) expected.push_back("bar " + std::to_string(m) + "/12");
-  expected.push_back("end");
-  EXPECT_EQ(loading.log, expected);
+  // What loading shows is checked with the damaged pictures' questions.
   // A save that fails closes the status window too.
   RecordingProgress failing;
   EXPECT_EQ(SaveCalendar(&failing, dir_.File("no such folder/x.CLN").c_str(), doc), 0);
