@@ -220,6 +220,9 @@ TEST_F(ImageFiles, EveryKindOfPictureBecomesItsDib) {
   const std::string pad(2, '\0'), palette = Rgbs({0xFF0000, 0x00FF00, 0x0000FF});
   const std::string tga32 = Bgr(0xFF0000) + '\x80' + Bgr(0x00FF00) + '\0';
   const Values mono = {1, 0, 1, 1, 0, 0, 0, 0, 1, 1};
+  // The EGA's sixteen colours, which a PCX file without a palette has.
+  const Values ega = {0x000000, 0x0000AA, 0x00AA00, 0x00AAAA, 0xAA0000, 0xAA00AA, 0xAA5500, 0xAAAAAA,
+                      0x555555, 0x5555FF, 0x55FF55, 0x55FFFF, 0xFF5555, 0xFF55FF, 0xFFFF55, 0xFFFFFF};
   const struct {
     const char* name;
     std::string bytes;
@@ -251,7 +254,7 @@ TEST_F(ImageFiles, EveryKindOfPictureBecomesItsDib) {
        {0xA0005F}, {5, 10, 15}},
       {"packed.pcx", Pcx(5, 4, 1, 3, 1, 2, pcxColours, Bytes({0x5A, 0xC1, 0xF0})), 3, 1, 4, 10, {0xA0005F}, {5, 10, 15}},
       // Version 3 carries no palette: the standard sixteen colours.
-      {"standard.pcx", Pcx(3, 4, 1, 3, 1, 2, pcxColours, Bytes({0x5A, 0xC1, 0xF0})), 3, 1, 4, 4, {0xAA0000}, {5, 10, 15}},
+      {"standard.pcx", Pcx(3, 4, 1, 3, 1, 2, pcxColours, Bytes({0x5A, 0xC1, 0xF0})), 3, 1, 4, 0, ega, {5, 10, 15}},
       // One bit: the header's two colours, or black and white when it has none.
       {"mono.pcx", Pcx(5, 1, 1, 10, 1, 2, "", Bytes({0xB0, 0xC1, 0xC0})), 10, 1, 1, 0, {0, 0xFFFFFF}, mono},
       {"tinted.pcx", Pcx(5, 1, 1, 10, 1, 2, Rgb(0x112233) + Rgb(0x445566), Bytes({0xB0, 0xC1, 0xC0})), 10, 1, 1, 0,
