@@ -533,6 +533,8 @@ TEST_F(ImageFiles, HeadersThatLieGiveNothing) {
   std::string shifted = Tga(1, 1, 1, 24, 1, 1, 8, 0, Bgr(0xFF0000) + Bytes({0}));
   shifted[3] = 1;
   ExpectNoPicture("shifted.tga", shifted, 0);
+  // Indexes into a TGA map of 24 bits each.
+  ExpectNoPicture("deep.tga", Tga(1, 1, 2, 24, 1, 1, 24, 0, Bgr(0xFF0000) + Bgr(0x00FF00) + Bytes({1, 0, 0})), 0);
   // A Huffman table with more than 256 codes.
   std::string greyJpeg = Jpeg(std::begin(kGreyJpeg), std::end(kGreyJpeg));
   size_t counts = greyJpeg.find("\xFF\xC4") + 5;
