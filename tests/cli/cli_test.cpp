@@ -183,6 +183,7 @@ TEST_F(CliTest, AFifoOrADeviceIsRefusedWithoutWaiting) {
     const CliRun r = Cli(c.args, waitAtMost);
     EXPECT_EQ(r.status, 1) << c.args << "\n" << r.err;
     EXPECT_TRUE(Has(r.err, c.says)) << r.err;
+    EXPECT_EQ(Count(r.err, "\n"), 1) << "and nothing more:\n" << r.err;
   }
   EXPECT_FALSE(FileExists(dir_.File("new.CLN")));
 

@@ -530,6 +530,7 @@ TEST_F(ImageFiles, HeadersThatLieGiveNothing) {
   // entries, an 8-bit PCX without its end palette, a TGA map that starts at entry 1.
   ExpectNoPicture("index.bmp", Bmp(1, 1, 8, {0, 0xFFFFFF}, Bytes({5, 0, 0, 0})), 1);
   ExpectNoPicture("nopalette.pcx", Pcx(5, 8, 1, 2, 2, 2, "", std::string(4, '\1')) + std::string(769, '\0'), 0);
+  ExpectNoPicture("short.pcx", Pcx(5, 8, 1, 2, 2, 2, "", std::string(4, '\1')), 0);
   std::string shifted = Tga(1, 1, 1, 24, 1, 1, 8, 0, Bgr(0xFF0000) + Bytes({0}));
   shifted[3] = 1;
   ExpectNoPicture("shifted.tga", shifted, 0);
