@@ -44,6 +44,7 @@ TEST_F(CliTest, WrongArgumentsAreRefusedAndWriteNothing) {
       {"render --new --paper a5 --format png" + png, 2}, {"render --new --format png", 2},
       {"render --new --bleed 3 --format png" + png, 2}, {"render --new --crop-marks --format png" + png, 2},
       {"render --new --screen --crop-marks --format pdf" + png, 2},
+      {"render --new --booklet --halves upper --format pdf" + png, 2},
       {"render " + Q(dir_.File("absent.CLN")) + " --format png" + png, 1},
       {"events", 2}, {"events frobnicate", 2}, {"events import " + ics + cdf, 2},
       {"events import " + ics + " --year 2027", 2}, {"events import " + ics + " --year 99" + cdf, 2},
@@ -83,7 +84,9 @@ TEST_F(CliTest, InfoShowsEventsPicturesAndTextsInUtf8) {
   EXPECT_FALSE(Has(r.out, "\"days\""));
 }
 
-TEST_F(CliTest, DamagedFilesAreReportedOrRepaired) {
+// Damaged files are reported, or repaired by resave, which writes its
+// streams at the level asked and the same bytes when it is asked again.
+TEST_F(CliTest, DamagedFilesAreReportedOrRepairedAndResaveRecompresses) {
   std::string file = dir_.File("damaged.CLN");
   WriteFile(file, "not a calendar");
   CliRun r = Cli("info " + Q(file));
@@ -107,9 +110,17 @@ TEST_F(CliTest, DamagedFilesAreReportedOrRepaired) {
   EXPECT_EQ(ReadFile(repaired).size(), 70139u);
   r = Cli("info " + Q(repaired));
   EXPECT_TRUE(r.err.empty()) << r.err;
+
+  SavedCalendar("in.CLN", 2026, 0, 400);
+  std::string fast = dir_.File("fast.CLN"), small = dir_.File("small.CLN"), again = dir_.File("again.CLN");
+  ASSERT_EQ(Cli("resave " + Q(dir_.File("in.CLN")) + " -o " + Q(fast) + " --level 1").status, 0);
+  ASSERT_EQ(Cli("resave " + Q(fast) + " -o " + Q(small) + " --level 9").status, 0);
+  EXPECT_LT(ReadFile(small).size(), ReadFile(fast).size());
+  ASSERT_EQ(Cli("resave " + Q(small) + " -o " + Q(again) + " --level 9").status, 0);
+  EXPECT_EQ(ReadFile(again), ReadFile(small));
 }
 
-TEST_F(CliTest, RunningOutOfMemoryIsNotDamageAndWritesNothing) {
+TEST_F(CliTest, RunningOutOfMemoryIsNotDamageAndTheCapIsDamage) {
   // Two sound pictures of 300 MiB each in a file of a few hundred kilobytes.
   uint32_t size;
   const std::string stream = BlankPictureStream(10240, 10240, &size);
@@ -122,30 +133,16 @@ TEST_F(CliTest, RunningOutOfMemoryIsNotDamageAndWritesNothing) {
   EXPECT_TRUE(Has(r.err, "There has been an error allocating memory.")) << r.err;
   EXPECT_FALSE(Has(r.err, "damaged")) << r.err;
   EXPECT_EQ(ReadFile(file), CalendarFileWithPictures(2, stream, size));
-}
 
-TEST_F(CliTest, AllPicturesTogetherStayUnderTheDocumentCap) {
   // Thirteen sound 511 MiB pictures in a file of a few megabytes: the first
-  // three fit under 1.5 GiB, the other ten are damaged records.
-  uint32_t size;
-  const std::string stream = BlankPictureStream(16384, 10900, &size);
+  // three fit under the cap of 1.5 GiB for all pictures together, the other
+  // ten are damaged records.
+  const std::string big = BlankPictureStream(16384, 10900, &size);
   ASSERT_LE(size, kMaxPictureBytes);
-  const std::string file = dir_.File("thirteen.CLN");
-  WriteFile(file, CalendarFileWithPictures(13, stream, size));
-  CliRun r = Cli("summary " + Q(file));
+  WriteFile(file, CalendarFileWithPictures(13, big, size));
+  r = Cli("summary " + Q(file));
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(Count(r.err, "damaged picture was skipped"), 10) << r.err;
-}
-
-TEST_F(CliTest, ResaveRecompressesAtTheLevelAsked) {
-  const std::string file = SavedCalendar("in.CLN", 2026, 0, 400);
-  std::string fast = dir_.File("fast.CLN"), small = dir_.File("small.CLN");
-  ASSERT_EQ(Cli("resave " + Q(file) + " -o " + Q(fast) + " --level 1").status, 0);
-  ASSERT_EQ(Cli("resave " + Q(fast) + " -o " + Q(small) + " --level 9").status, 0);
-  EXPECT_LT(ReadFile(small).size(), ReadFile(fast).size());
-  std::string again = dir_.File("again.CLN");
-  ASSERT_EQ(Cli("resave " + Q(small) + " -o " + Q(again) + " --level 9").status, 0);
-  EXPECT_EQ(ReadFile(again), ReadFile(small));
 }
 
 TEST_F(CliTest, SettingsPrintsWhatTheProgramWouldWrite) {
@@ -186,6 +183,7 @@ TEST_F(CliTest, AFifoOrADeviceIsRefusedWithoutWaiting) {
     const CliRun r = Cli(c.args, waitAtMost);
     EXPECT_EQ(r.status, 1) << c.args << "\n" << r.err;
     EXPECT_TRUE(Has(r.err, c.says)) << r.err;
+    EXPECT_EQ(Count(r.err, "\n"), 1) << "and nothing more:\n" << r.err;
   }
   EXPECT_FALSE(FileExists(dir_.File("new.CLN")));
 

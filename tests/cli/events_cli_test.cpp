@@ -138,9 +138,7 @@ TEST_F(EventsCliTest, BrokenFilesAreReportedByLineAndWriteNothing) {
   std::string padded = whole.substr(0, whole.size() - last.size() - 2) + "X-PAD:";
   padded += std::string(65537 - padded.size() - 2 - last.size(), 'x') + "\r\n" + last;
   EXPECT_EQ(Import(padded).status, 0) << padded.size();
-}
-
-TEST_F(EventsCliTest, AListThatIsNotThereIsSaidSo) {
+  // A list that is not there is said so.
   CliRun r = Cli("events list " + Q(dir_.File("Absent.CDF")));
   EXPECT_EQ(r.status, 1);
   EXPECT_TRUE(Has(r.err, "Absent.CDF: No such file or directory")) << r.err;

@@ -25,11 +25,6 @@ class PhotosCliTest : public CliTest {
     EXPECT_EQ(RunCommand(make + " && " + encode), 0) << name;
     return path;
   }
-  static int Count(const std::string& text, const std::string& part) {
-    int n = 0;
-    for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; ++at) ++n;
-    return n;
-  }
   static std::string Size(int width, int height) {
     return "\"Picture\": {\"width\": " + std::to_string(width) + ", \"height\": " + std::to_string(height) + ",";
   }

@@ -20,14 +20,6 @@ class RenderCliTest : public CliTest {
   int Cli(const std::string& args, std::string* out = nullptr) { return RunCommand(QUERNAL_CLI " " + args, out); }
 };
 
-// The colour of one pixel of a PNG, as 0xRRGGBB.
-uint32_t PixelAt(const std::string& png, int x, int y, int* width = nullptr, int* height = nullptr) {
-  const Png image(png);
-  if (width) *width = image.width();
-  if (height) *height = image.height();
-  return image(x, y);
-}
-
 // The MediaBox, BleedBox and TrimBox of each page as `pdfinfo -box` reads
 // them: left, bottom, right, top.
 struct PageBoxes {
@@ -78,14 +70,10 @@ constexpr uint32_t kWhite = 0xFFFFFF, kBlack = 0, kGreen = 0x00A000, kRedPage = 
 
 }  // namespace
 
-TEST_F(RenderCliTest, AllPagesMakeOneFourteenPagePdf) {
+// A render that cannot be written leaves the earlier file as it was.
+TEST_F(RenderCliTest, AFailedRenderLeavesTheEarlierFile) {
   std::string pdf = dir_.File("year.pdf");
-  ASSERT_EQ(Cli("render --new --year 2026 --all --format pdf -o " + Q(pdf)), 0);
-  std::string info;
-  ASSERT_EQ(RunCommand("pdfinfo " + Q(pdf), &info), 0) << info;
-  EXPECT_NE(info.find("Pages:           14"), std::string::npos) << info;
-  EXPECT_NE(info.find("595.276 x 841.89 pts (A4)"), std::string::npos) << "the paper's own size" << info;
-  // A render that cannot be written leaves the earlier file as it was.
+  ASSERT_EQ(Cli("render --new --year 2026 --page 12 --format pdf -o " + Q(pdf)), 0);
   const std::string before = ReadFile(pdf);
   ASSERT_EQ(mkdir((pdf + ".part").c_str(), 0755), 0);
   std::string err;
@@ -112,11 +100,8 @@ TEST_F(RenderCliTest, OtherFormatsNumberTheirFilesCoverFirst) {
 
 TEST_F(RenderCliTest, ScreenViewHalvesAndTheCalendarsOwnPage) {
   // A saved calendar opens on its current page: November here.
-  CalendarDocument doc = CreateCalendar(2026, 10);
-  SilentProgress progress;
   std::string file = dir_.File("nov.CLN");
-  ASSERT_EQ(SaveCalendar(&progress, file.c_str(), doc), 1);
-  FreeCalendar(doc);
+  ASSERT_EQ(Cli("new --year 2026 --month 11 -o " + Q(file)), 0);
   std::string ops = dir_.File("nov.ops");
   ASSERT_EQ(Cli("render " + Q(file) + " --screen --width 700 --height 1000 --format ops -o " + Q(ops)), 0);
   std::string text = ReadFile(ops);
@@ -133,23 +118,14 @@ TEST_F(RenderCliTest, ScreenViewHalvesAndTheCalendarsOwnPage) {
   EXPECT_NE(ReadFile(ops).find("\"Novembre\""), std::string::npos);
 }
 
-TEST_F(RenderCliTest, PngPagesHaveThePaperSizeAndTheLayoutsColours) {
-  std::string png = dir_.File("jan.png");
+// The layout's pixels are the Cairo canvas's and the month page's to show;
+// here the paper's size in pixels, and the SVG writer.
+TEST_F(RenderCliTest, PngPagesHaveThePaperSizeAndSvgIsWritten) {
+  std::string png = dir_.File("jan.png"), svg = dir_.File("jan.svg");
   ASSERT_EQ(Cli("render --new --year 2026 --page 0 --paper letter --dpi 100 --format png -o " + Q(png)), 0);
-  int width, height;
-  PixelAt(png, 0, 0, &width, &height);
-  EXPECT_EQ(width, 850);
-  EXPECT_EQ(height, 1100);
-
-  ASSERT_EQ(Cli("render --new --year 2026 --page 0 --width 700 --height 1000 --format png -o " + Q(png)), 0);
-  EXPECT_EQ(PixelAt(png, 300, 200), 0xFFFFFFu) << "the empty picture half";
-  EXPECT_EQ(PixelAt(png, 14 + 4 * 96 + 8, 595), 0xE0E0E0u) << "inside the box of 1 January, a Thursday";
-  EXPECT_EQ(PixelAt(png, 14 + 4 * 96 + 3, 600), 0x000000u) << "its frame";
-  EXPECT_EQ(PixelAt(png, 14 + 3 * 96 + 8, 595), 0xFFFFFFu) << "no box before the first day";
-
-  ASSERT_EQ(Cli("render --new --year 2026 --page 0 --screen --width 700 --height 1000 --format png -o " + Q(png)), 0);
-  EXPECT_EQ(PixelAt(png, 0, 500), 0xA0A0A0u) << "the page frame";
-  std::string svg = dir_.File("jan.svg");
+  EXPECT_EQ(Png(png).width(), 850);
+  EXPECT_EQ(Png(png).height(), 1100);
+  EXPECT_EQ(Png(png)(300, 200), 0xFFFFFFu) << "the empty picture half";
   ASSERT_EQ(Cli("render --new --page 12 --width 700 --height 1000 --format svg -o " + Q(svg)), 0);
   EXPECT_NE(ReadFile(svg).find("<svg"), std::string::npos);
 }
@@ -172,13 +148,6 @@ TEST_F(RenderCliTest, BookletSidesComeInTheOrderOfTheTwoPasses) {
   EXPECT_NE(last.find("\"December\""), std::string::npos);
   EXPECT_EQ(last.find("\"July\""), std::string::npos) << "the year's second half is elsewhere";
   EXPECT_FALSE(FileExists(dir_.File("side-15.ops")));
-
-  std::string pdf = dir_.File("booklet.pdf");
-  ASSERT_EQ(Cli("render --new --booklet --format pdf -o " + Q(pdf)), 0);
-  std::string info;
-  ASSERT_EQ(RunCommand("pdfinfo " + Q(pdf), &info), 0) << info;
-  EXPECT_NE(info.find("Pages:           14"), std::string::npos);
-  EXPECT_EQ(Cli("render --new --booklet --halves upper --format pdf -o " + Q(pdf)), 2);
 }
 
 TEST_F(RenderCliTest, PrintShopPdfsBleedPastTheTrimWithCropMarksOutsideIt) {
@@ -205,8 +174,8 @@ TEST_F(RenderCliTest, PrintShopPdfsBleedPastTheTrimWithCropMarksOutsideIt) {
     return Cli("render " + Q(file) + " --dpi 100 " + options + " --format pdf -o " + Q(dir_.File(pdf)));
   };
 
-  // Every page: the trim exactly A4, the bleed box the bleed beyond it, and
-  // with crop marks a slug of 7 mm beyond that.
+  // Every page: the trim exactly A4 (the paper's own size), the bleed box the
+  // bleed beyond it, and with crop marks a slug of 7 mm beyond that.
   const double mm = 72 / 25.4;
   const struct {
     const char* options;
@@ -214,7 +183,8 @@ TEST_F(RenderCliTest, PrintShopPdfsBleedPastTheTrimWithCropMarksOutsideIt) {
     size_t pages;
     double bleed;
     bool marks;
-  } kCases[] = {{"--all --bleed 3 --crop-marks", "all.pdf", 14, 3, true},
+  } kCases[] = {{"--all", "plain.pdf", 14, 0, false},
+                {"--all --bleed 3 --crop-marks", "all.pdf", 14, 3, true},
                 {"--booklet --bleed 3 --crop-marks", "booklet.pdf", 14, 3, true},
                 {"--page 0 --bleed 3.5", "january.pdf", 1, 3.5, false},
                 {"--page 12 --bleed 0 --crop-marks", "year.pdf", 1, 0, true}};
@@ -301,7 +271,8 @@ TEST_F(RenderCliTest, PdfPicturesAreJpegsLikeTheLosslessOnes) {
   }
   for (const std::string& pdf : {jpeg, lossless})
     ASSERT_EQ(RunCommand("pdftoppm -f 4 -l 4 -r 100 " + Q(pdf) + " " + Q(pdf)), 0);
-  EXPECT_GE(Ssim(ReadPpm(jpeg + "-04.ppm"), ReadPpm(lossless + "-04.ppm")), 0.98);
+  // Quality 92 differs from the lossless page by about 0.15 on average, 40 by 0.35.
+  EXPECT_LT(MeanDifference(ReadPpm(jpeg + "-04.ppm"), ReadPpm(lossless + "-04.ppm")), 0.25);
 }
 
 // A PDF tells a print shop the resolution each picture truly prints at (a

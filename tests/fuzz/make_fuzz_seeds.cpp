@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include <jpeglib.h>
 #include <lcms2.h>
 
 #include "base/dib.h"
@@ -152,36 +151,14 @@ std::string Exif() {
   return std::string("Exif\0\0MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01\0\x06\0\0\0\0\0\0", 32);
 }
 
-// A small colour JPEG as a phone writes it: EXIF with the orientation, and
-// the colour profile in APP2.
+// A small colour JPEG as a phone writes it: EXIF with the orientation in
+// APP1, and the colour profile in APP2, after its start of image.
 std::string PhoneJpeg() {
-  unsigned char* bytes = nullptr;
-  unsigned long size = 0;
-  jpeg_compress_struct c{};
-  jpeg_error_mgr errors;
-  c.err = jpeg_std_error(&errors);
-  jpeg_create_compress(&c);
-  jpeg_mem_dest(&c, &bytes, &size);
-  c.image_width = 9;
-  c.image_height = 5;
-  c.input_components = 3;
-  c.in_color_space = JCS_RGB;
-  jpeg_set_defaults(&c);
-  jpeg_start_compress(&c, TRUE);
-  const std::string exif = Exif(), icc = SrgbProfile();
-  jpeg_write_marker(&c, JPEG_APP0 + 1, reinterpret_cast<const JOCTET*>(exif.data()), static_cast<unsigned>(exif.size()));
-  jpeg_write_icc_profile(&c, reinterpret_cast<const JOCTET*>(icc.data()), static_cast<unsigned>(icc.size()));
-  unsigned char row[9 * 3];
-  for (int y = 0; y < 5; ++y) {
-    for (int i = 0; i < 27; ++i) row[i] = static_cast<unsigned char>(i * 9 + y * 40);
-    JSAMPROW rows[1] = {row};
-    jpeg_write_scanlines(&c, rows, 1);
-  }
-  jpeg_finish_compress(&c);
-  jpeg_destroy_compress(&c);
-  std::string jpeg(reinterpret_cast<const char*>(bytes), size);
-  std::free(bytes);
-  return jpeg;
+  const auto marker = [](int type, const std::string& data) {
+    return Bytes({0xFF, type, int(data.size() + 2) >> 8, int(data.size() + 2) & 255}) + data;
+  };
+  std::string jpeg(reinterpret_cast<const char*>(kColourJpeg), sizeof kColourJpeg);
+  return jpeg.insert(2, marker(0xE1, Exif()) + marker(0xE2, std::string("ICC_PROFILE\0\1\1", 14) + SrgbProfile()));
 }
 
 // A PNG with a colour profile (iCCP) and EXIF (eXIf) before its data.

@@ -1,4 +1,7 @@
+#include <cstdio>
 #include <cstring>
+#include <map>
+#include <string>
 #include <set>
 #include <vector>
 
@@ -24,19 +27,59 @@ class CalendarModelTest : public QuernalTest {
   }
 };
 
+// A bound field's value in a record, and in the setting `key`, as bytes.
+std::string FieldValue(const RecordField& f, const void* record) {
+  const char* at = static_cast<const char*>(record) + f.offset;
+  return f.kind == FieldKind::Text ? std::string(at) : std::string(at, 4);
+}
+std::string SettingValue(const RecordField& f, const char* key) {
+  const char* at = static_cast<const char*>(FindSettingsRow(key)->variable);
+  return f.kind == FieldKind::Text ? std::string(at) : std::string(at, 4);
+}
+// `value` (or its digits, for a text) into the field of `record` or, with no
+// record, into the setting the field is copied from.
+void Put(const RecordField& f, void* record, uint32_t value) {
+  char* at = record ? static_cast<char*>(record) + f.offset : static_cast<char*>(FindSettingsRow(f.copiedFrom)->variable);
+  if (f.kind == FieldKind::Text)
+    std::snprintf(at, f.size, "S%u", value);
+  else
+    std::memcpy(at, &value, 4);
+}
+
 }  // namespace
 
-TEST_F(CalendarModelTest, NewCalendarTakesItsDesignFromTheSettings) {
-  Settings.DateFontSize = 33;
-  std::strcpy(Settings.HeadFontName, "TIMES");
-  Settings.YagGutter = 9;
-  Settings.TagTitleColour = 0x123456;
-  std::strcpy(Settings.CoverFontName, "COURIER");
-  Settings.PictureShadowSoftness = 12;
+// Every design field of a new calendar comes from its setting, and an edited
+// page or year page stores its design back (a page's frame colour into the
+// placement's setting, as the records' table says); the captions, the title
+// and the year stay the calendar's own.
+TEST_F(CalendarModelTest, NewCalendarsTakeTheirDesignFromTheSettingsAndEditedRecordsStoreIt) {
+  uint32_t n = 100;
+  for (const RecordFieldList& list : {HeaderFields(), MonthPageFields()})
+    for (const RecordField& f : list)
+      if (f.copiedFrom) Put(f, nullptr, n += 7);
+  const auto expectDesign = [&](CalendarDocument doc) {
+    CalendarHeader h = Header(doc);
+    for (const RecordField& f : HeaderFields()) {
+      if (f.copiedFrom) {
+        EXPECT_EQ(FieldValue(f, &h), SettingValue(f, f.copiedFrom)) << f.name;
+      }
+    }
+    for (int m = 0; m < 12; ++m) {
+      MonthPage p = Page(doc, m);
+      for (const RecordField& f : MonthPageFields()) {
+        if (f.copiedFrom) {
+          EXPECT_EQ(FieldValue(f, &p), SettingValue(f, f.copiedFrom)) << f.name << " in " << m;
+        }
+      }
+      EXPECT_STREQ(p.LeftCaption, "");
+      EXPECT_EQ(p.Events, 0u) << "no list of that name in the program folder";
+    }
+    EXPECT_STREQ(h.CoverTitle, "");
+  };
   CalendarDocument doc = CreateCalendar(2031, 11);
   ASSERT_NE(doc, 0u);
   EXPECT_EQ(GlobalBlockSize(doc), 70139u);
-
+  expectDesign(doc);
   CalendarHeader h = Header(doc);
   EXPECT_EQ(std::memcmp(&h.Magic, "TRWK", 4), 0);
   EXPECT_EQ(h.RecordSize, 1343u);
@@ -45,90 +88,35 @@ TEST_F(CalendarModelTest, NewCalendarTakesItsDesignFromTheSettings) {
   EXPECT_EQ(h.CurrentPage, 11);
   EXPECT_EQ(h.UseCurrentYear + h.ShowYearInPages + h.Changed, 0);
   EXPECT_EQ(h.CoverPicture, 0u);
-  EXPECT_EQ(h.YagGutter, 9);
-  EXPECT_EQ(h.TagTitleColour, 0x123456u);
-  EXPECT_STREQ(h.CoverFontName, "COURIER");
-  EXPECT_EQ(h.YagBackColour, 0xE0E0E0u);
-  EXPECT_EQ(h.CoverFontBold, 700);
-  EXPECT_STREQ(h.CoverTitle, "");
-
-  for (int m = 0; m < 12; ++m) {
-    MonthPage p = Page(doc, m);
-    EXPECT_EQ(std::memcmp(&p.Magic, "PAGE", 4), 0);
-    EXPECT_EQ(p.RecordSize, 5733u);
-    EXPECT_EQ(p.DateFontSize, 33);
-    EXPECT_STREQ(p.HeadFontName, "TIMES");
-    EXPECT_STREQ(p.DaysName, "General");
-    EXPECT_EQ(p.DateFontPlacement, 10);
-    EXPECT_EQ(p.PictureShowPicture, 1);
-    EXPECT_EQ(p.PictureShadowSoftness, 12);
-    EXPECT_EQ(p.Reserved1, 0u) << "not filled from the settings";
-    EXPECT_EQ(p.Events, 0u) << "no General.CDF in the program folder";
-  }
-  EXPECT_TRUE(FreeCalendar(doc));
-}
-
-TEST_F(CalendarModelTest, AnEditedMonthBecomesTheDesignOfEveryNewCalendar) {
-  CalendarDocument doc = CreateCalendar(2026, 2);
   MonthPage march = Page(doc, 2);
-  std::strcpy(march.DateFontName, "GARAMOND");
-  march.DateBackColour = 0x00FF00;
-  march.HeadPlacement = 2;
-  march.CapFontItal = 1;
-  std::strcpy(march.DaysName, "Holidays");
-  march.PicturePlacement = 10;
-  march.PictureFrameColour = 0x0000FF;
-  march.PageMargin = 4;
-  march.Gutter = 6;
-  march.PictureShadowSoftness = 3;
+  EXPECT_EQ(std::memcmp(&march.Magic, "PAGE", 4), 0);
+  EXPECT_EQ(march.RecordSize, 5733u);
+
+  // Each record's fields stored in order: a later one stored into the same
+  // setting wins.
+  const uint32_t frameDefault = Settings.PictureFrameColour;
+  for (const RecordField& f : MonthPageFields())
+    if (f.storedInto) Put(f, &march, n += 7);
+  for (const RecordField& f : HeaderFields())
+    if (f.storedInto) Put(f, &h, n += 7);
   std::strcpy(march.LeftCaption, "not a design property");
-  StoreMonthPageAsDefaults(&march);
-  FreeCalendar(doc);
-
-  EXPECT_STREQ(Settings.DaysName, "Holidays");
-  // The frame colour lands in the placement default; the frame colour default stays.
-  EXPECT_EQ(Settings.PicturePlacement, 0x0000FFu);
-  EXPECT_EQ(Settings.PictureFrameColour, 0u);
-
-  doc = CreateCalendar(2027, 0);
-  for (int m = 0; m < 12; ++m) {
-    MonthPage p = Page(doc, m);
-    EXPECT_STREQ(p.DateFontName, "GARAMOND");
-    EXPECT_EQ(p.DateBackColour, 0x00FF00u);
-    EXPECT_EQ(p.HeadPlacement, 2);
-    EXPECT_EQ(p.CapFontItal, 1);
-    EXPECT_STREQ(p.DaysName, "Holidays");
-    EXPECT_EQ(p.PicturePlacement, 0x0000FF);
-    EXPECT_EQ(p.PictureFrameColour, 0u);
-    EXPECT_EQ(p.PageMargin, 4);
-    EXPECT_EQ(p.Gutter, 6);
-    EXPECT_EQ(p.PictureShadowSoftness, 3);
-    EXPECT_STREQ(p.LeftCaption, "");
-  }
-  FreeCalendar(doc);
-}
-
-TEST_F(CalendarModelTest, AnEditedYearPageBecomesTheDefaultOfTheYearAndCover) {
-  CalendarDocument doc = CreateCalendar(2026, 12);
-  CalendarHeader h = Header(doc);
-  h.TagFontItal = 1;
-  std::strcpy(h.YagTitleFontName, "VERDANA");
-  h.CoverPictureBleed = 1;
-  h.CoverPictureFrameColour = 0xABCDEF;
   std::strcpy(h.CoverTitle, "Our year");
   h.Year = 1999;
+  StoreMonthPageAsDefaults(&march);
   StoreHeaderAsDefaults(&h);
-  FreeCalendar(doc);
-  EXPECT_EQ(Settings.TagFontItal, 1u);
-  EXPECT_STREQ(Settings.YagTitleFontName, "VERDANA");
-  EXPECT_EQ(Settings.CoverPictureBleed, 1u);
-  EXPECT_EQ(Settings.CoverPictureFrameColour, 0xABCDEFu);
+  EXPECT_TRUE(FreeCalendar(doc));
+  EXPECT_EQ(Settings.PicturePlacement, march.PictureFrameColour);
+  EXPECT_EQ(Settings.PictureFrameColour, frameDefault);
+  for (const auto& [list, record] : {std::make_pair(MonthPageFields(), static_cast<const void*>(&march)),
+                                     std::make_pair(HeaderFields(), static_cast<const void*>(&h))}) {
+    std::map<std::string, std::pair<const RecordField*, std::string>> last;
+    for (const RecordField& f : list)
+      if (f.storedInto) last[f.storedInto] = {&f, FieldValue(f, record)};
+    for (const auto& [key, stored] : last) EXPECT_EQ(SettingValue(*stored.first, key.c_str()), stored.second) << key;
+  }
   doc = CreateCalendar(2030, 0);
-  CalendarHeader fresh = Header(doc);
-  EXPECT_EQ(fresh.TagFontItal, 1);
-  EXPECT_STREQ(fresh.YagTitleFontName, "VERDANA");
-  EXPECT_STREQ(fresh.CoverTitle, "") << "the title is the calendar's own";
-  EXPECT_EQ(fresh.Year, 2030);
+  expectDesign(doc);
+  EXPECT_EQ(Header(doc).Year, 2030);
   FreeCalendar(doc);
 }
 

@@ -53,11 +53,11 @@ inline std::string Os2Bmp(int width, int height, int bits, const std::vector<uin
   return s + rows;
 }
 
-// `raw` as a zlib stream at the default level.
-inline std::string Zlib(const std::string& raw) {
+// `raw` as a zlib stream at `level` (zlib's default unless given).
+inline std::string Zlib(const std::string& raw, int level = Z_DEFAULT_COMPRESSION) {
   uLongf size = compressBound(raw.size());
   std::string z(size, '\0');
-  compress(reinterpret_cast<Bytef*>(&z[0]), &size, reinterpret_cast<const Bytef*>(raw.data()), raw.size());
+  compress2(reinterpret_cast<Bytef*>(&z[0]), &size, reinterpret_cast<const Bytef*>(raw.data()), raw.size(), level);
   z.resize(size);
   return z;
 }

@@ -1,5 +1,6 @@
 #include "app/window_layout.h"
 #include "base/text.h"
+#include "res/main_ids.h"
 #include "test_support.h"
 
 TEST(WindowLayout, StoredEdgesArePulledOntoASmallerScreen) {
@@ -65,4 +66,14 @@ TEST(WindowLayout, AWindowDraggedNearAnEdgeOfTheWorkAreaLandsOnIt) {
       {{400, -20, 1000, 440}, {400, -20, 1000, 440}},    // far above the top stays
   };
   for (const auto& m : moves) EXPECT_EQ(SnappedToEdges(m.dragged, work, 12), m.landed) << m.dragged.left;
+}
+
+// The month's own commands are greyed on the year page and the cover.
+TEST(WindowLayout, MonthCommandsActOnMonthPagesOnly) {
+  for (int command : {IDM_EDIT_MONTH, IDM_REPLICATE, IDM_EVENTS, IDM_EDIT_YEAR}) {
+    for (int page : {-1, 0, 11, 12, 13}) {
+      const bool month = page >= 0 && page < 12;
+      EXPECT_EQ(CommandActsOnPage(command, page), month || command == IDM_EDIT_YEAR) << command << " on " << page;
+    }
+  }
 }
