@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "base/dib.h"
 #include "calendar/calendar_file.h"
 #include "cli/cli_run.h"
 #include "unit/test_photos.h"
@@ -64,9 +63,8 @@ bool TableFindsEveryObject(const std::string& pdf) {
   return true;
 }
 
-// Colours as a calendar keeps them (0xBBGGRR) and as a PNG shows them.
-constexpr uint32_t kWhite = 0xFFFFFF, kBlack = 0, kGreen = 0x00A000, kRedPage = 0x0000C0, kRedPixel = 0xC00000,
-                   kBluePage = 0xC00000, kBluePixel = 0x0000C0;
+// Colours as a PNG shows them (0xRRGGBB).
+constexpr uint32_t kWhite = 0xFFFFFF, kBlack = 0, kGreen = 0x00A000, kRedPixel = 0xC00000, kBluePixel = 0x0000C0;
 
 }  // namespace
 
@@ -143,24 +141,13 @@ TEST_F(RenderCliTest, BookletSidesComeInTheOrderOfTheTwoPasses) {
 
 TEST_F(RenderCliTest, PrintShopPdfsBleedPastTheTrimWithCropMarksOutsideIt) {
   // Blue months, a green year page and a red cover whose black picture bleeds.
-  CalendarDocument doc = CreateCalendar(2026, 0);
-  CalendarHeader h;
-  GetHeader(doc, &h);
-  h.YagPageColour = kGreen;
-  h.CoverBackgroundColour = kRedPage;
-  h.CoverPicture = DibCreate(40, 30, 24);
-  h.CoverPictureShowPicture = h.CoverPictureBleed = 1;
-  PutHeader(doc, &h);
-  for (int month = 0; month < 12; ++month) {
-    MonthPage p;
-    GetMonthPage(doc, month, &p);
-    p.PageBackgroundColour = kBluePage;
-    PutMonthPage(doc, month, &p);
-  }
-  SilentProgress progress;
-  const std::string file = dir_.File("print.CLN");
-  ASSERT_EQ(SaveCalendar(&progress, file.c_str(), doc), 1);
-  FreeCalendar(doc);
+  const std::string file = dir_.File("print.CLN"), black = dir_.File("black.png");
+  ASSERT_EQ(RunCommand("convert -size 40x30 xc:black -type TrueColor PNG24:" + Q(black)), 0);
+  ASSERT_EQ(Cli("new --year 2026 -o " + Q(file)), 0);
+  ASSERT_EQ(Cli("set " + Q(file) + " --months PageBackgroundColour=#0000C0"), 0);
+  ASSERT_EQ(Cli("set " + Q(file) + " --year-page YagPageColour=#00A000"), 0);
+  ASSERT_EQ(Cli("set " + Q(file) + " --cover CoverBackgroundColour=#C00000 CoverPictureBleed=1 --picture " + Q(black)),
+            0);
   auto render = [&](const std::string& options, const std::string& pdf) {
     return Cli("render " + Q(file) + " --dpi 100 " + options + " --format pdf -o " + Q(dir_.File(pdf)));
   };
