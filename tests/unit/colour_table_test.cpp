@@ -60,12 +60,12 @@ TEST(ColourTable, ATableReadsInFileOrderAndWritesBackWithoutItsBackup) {
 TEST_F(QuernalTest, TheTableInUseIsAlwaysAFileOfTheProgramsFolder) {
   const std::string app = dir_.File("app");
   CopyText(Settings.ApplicationPath, sizeof Settings.ApplicationPath, app.c_str());
+  // A plain name is used, any other gives the default (which names are
+  // plain is the events lists' name test).
   const struct {
     const char* setting;
     const char* used;
-  } cases[] = {{"Ink.CCL", "Ink.CCL"},           {"CONSOLE.CCL", "CONSOLE.CCL"},  {"..\\outside\\victim.txt", "QUERNL.CCL"},
-               {"../victim.txt", "QUERNL.CCL"}, {"C:victim.CCL", "QUERNL.CCL"},  {"..", "QUERNL.CCL"},
-               {"", "QUERNL.CCL"},              {"nul.ccl", "QUERNL.CCL"},       {"LPT1", "QUERNL.CCL"}};
+  } cases[] = {{"Ink.CCL", "Ink.CCL"}, {"..\\outside\\victim.txt", "QUERNL.CCL"}};
   for (const auto& c : cases) {
     CopyText(Settings.ColourTableFile, sizeof Settings.ColourTableFile, c.setting);
     EXPECT_EQ(ColourTablePath(), JoinPath(app, c.used)) << c.setting;

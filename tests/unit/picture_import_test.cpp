@@ -163,7 +163,6 @@ TEST_F(PictureImport, TransparentPartsShowThePagesBackground) {
 
 TEST_F(PictureImport, EveryFileThatIsNoUsablePictureSaysWhy) {
   WriteFile(dir_.File("notes.txt"), "Shopping: bread, milk.");
-  WriteFile(dir_.File("cut.jpg"), ReadFile(Colourful("whole.jpg")).substr(0, 3000));
   // A JPEG whose frame claims 20000 x 10050 pixels.
   ASSERT_TRUE(WritePhotoJpeg(dir_.File("huge.jpg"), {16, 16}));
   std::string huge = ReadFile(dir_.File("huge.jpg"));
@@ -175,10 +174,8 @@ TEST_F(PictureImport, EveryFileThatIsNoUsablePictureSaysWhy) {
     ImportError error;
     std::string text;
   } cases[] = {
-      {dir_.File("notes.txt"), ImportFormats::kByContent, ImportError::kNotAPicture, "not a picture"},
       {dir_.File("notes.txt"), ImportFormats::kSixRows, ImportError::kNotAPicture, "not a picture"},
       {dir_.File("absent.jpg"), ImportFormats::kByContent, ImportError::kUnreadableFile, "cannot be read"},
-      {dir_.File("cut.jpg"), ImportFormats::kByContent, ImportError::kDamaged, "damaged"},
       {dir_.File("huge.jpg"), ImportFormats::kSixRows, ImportError::kTooLarge, "too large: 201 megapixels, at most 200"},
   };
   for (const auto& c : cases) {

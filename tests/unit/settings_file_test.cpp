@@ -131,30 +131,3 @@ TEST_F(SettingsFileTest, RecentFilesAreEveryPrefixOfMenuItemInFileOrder) {
   LoadRecentFilesFromFile(dir_.File("QUERNL.INI").c_str(), AddTo, &got);
   EXPECT_EQ(got, (std::vector<std::string>{"C:\\a.CLN", "C:\\b.CLN", "", "D:\\d.CLN"}));
 }
-
-TEST_F(SettingsFileTest, ConfigFolderHoldsTheSettingsFile) {
-  char folder[1024];
-#ifdef _WIN32
-  ASSERT_TRUE(ConfigFolder(folder, sizeof folder));
-  std::string f = folder;
-  ASSERT_GE(f.size(), 11u);
-  EXPECT_EQ(f.substr(f.size() - 10), "\\Tarnwick\\");
-  EXPECT_EQ(std::string(ConfigFile("QUERNL.INI")), f + "QUERNL.INI");
-  // The program never creates the folder; an installer does.
-  CreateDirectoryA(folder, nullptr);
-#else
-  SetConfigFolder(dir_.path().c_str());
-  ASSERT_TRUE(ConfigFolder(folder, sizeof folder));
-  EXPECT_EQ(std::string(folder), dir_.path() + "/");
-  EXPECT_EQ(std::string(ConfigFile("QUERNL.INI")), dir_.path() + "/QUERNL.INI");
-#endif
-  Settings.DateFontSize = 61;
-  SaveSettings({"C:\\one.CLN"});
-  ResetSettings();
-  LoadSettings();
-  EXPECT_EQ(Settings.DateFontSize, 61u);
-  std::vector<std::string> recent;
-  LoadRecentFiles(AddTo, &recent);
-  EXPECT_EQ(recent, (std::vector<std::string>{"C:\\one.CLN"}));
-  std::remove(ConfigFile("QUERNL.INI"));
-}
