@@ -129,33 +129,39 @@ TEST_F(PhotosCliTest, FillBoxCropsPicturesToFillTheirBoxOnThePaper) {
   // A4 2480 x 3508: inner 49..2431 x 49..3459, box to (3410 - 68) / 2 = 1671,
   // padded by 119 and less a shadow of 69: 168,168 to 2243,1483.
   // The cropped height is 1600 x 1315 / 2075 rounded; the fit's scale of
-  // 1296 thousandths draws it 2073 pixels wide: 231 ppi. (The shape's rule
-  // on other papers is the crop's own unit test; --paper reaching the page
-  // is SmallPicturesAreSaidToPrintBlurry's.)
-  const Rect box{168, 168, 2243, 1483};
+  // 1296 thousandths draws it 2073 pixels wide: 231 ppi. Letter's box is
+  // wider still (2550 x 3300).
+  const struct {
+    const char* paper;
+    Rect box;
+    const char* summary;
+  } papers[] = {{"a4", {168, 168, 2243, 1483}, "1600 x 1014 picture, prints at 231 ppi"},
+                {"letter", {173, 173, 2314, 1382}, "1600 x 904 picture, prints at 224 ppi"}};
   // The page's background (white) inside the box, across its middle row and
   // down its middle column.
-  const auto gaps = [&](const std::string& calendar, int* across, int* down) {
+  const auto gaps = [&](const std::string& calendar, const char* paper, const Rect& box, int* across, int* down) {
     const std::string png = dir_.File("page.png");
-    ASSERT_EQ(Cli("render " + Q(calendar) + " --page 0 --paper a4 --format png -o " + Q(png)).status, 0);
+    ASSERT_EQ(Cli("render " + Q(calendar) + " --page 0 --paper " + paper + " --format png -o " + Q(png)).status, 0);
     const Png image(png);
     *across = *down = 0;
     for (int x = box.left; x < box.right; ++x) *across += image(x, (box.top + box.bottom) / 2) == 0xFFFFFF;
     for (int y = box.top; y < box.bottom; ++y) *down += image((box.left + box.right) / 2, y) == 0xFFFFFF;
   };
-  int across, down;
-  gaps(cal, &across, &down);
-  EXPECT_GT(across, 200) << "letterboxed before (the shadow covers some)";
   const std::string filled = dir_.File("filled.CLN");
-  ASSERT_EQ(RunCommand("cp " + Q(cal) + " " + Q(filled)), 0);
-  const CliRun set = Cli("set " + Q(filled) + " --page 0 --fill-box --paper a4");
-  ASSERT_EQ(set.status, 0) << set.err;
-  EXPECT_TRUE(Has(Cli("summary " + Q(filled) + " --paper a4").out, "1600 x 1014 picture, prints at 231 ppi"));
-  // What the fit's scale in whole thousandths leaves: under a thousandth
-  // of the 1600 pixels, plus one.
-  gaps(filled, &across, &down);
-  EXPECT_LE(across, 2);
-  EXPECT_LE(down, 2);
+  for (const auto& p : papers) {
+    int across, down;
+    gaps(cal, p.paper, p.box, &across, &down);
+    EXPECT_GT(across, 200) << p.paper << ": letterboxed before (the shadow covers some)";
+    ASSERT_EQ(RunCommand("cp " + Q(cal) + " " + Q(filled)), 0);
+    const CliRun set = Cli("set " + Q(filled) + " --page 0 --fill-box --paper " + p.paper);
+    ASSERT_EQ(set.status, 0) << set.err;
+    EXPECT_TRUE(Has(Cli("summary " + Q(filled) + " --paper " + p.paper).out, p.summary)) << p.paper;
+    // What the fit's scale in whole thousandths leaves: under a thousandth
+    // of the 1600 pixels, plus one.
+    gaps(filled, p.paper, p.box, &across, &down);
+    EXPECT_LE(across, 2) << p.paper;
+    EXPECT_LE(down, 2) << p.paper;
+  }
   // The focus chooses the part kept: at the bottom, the portrait picture's
   // blue end tops the box where the middle's crop would show red. (Where
   // each focus puts the frame is the crop's unit test.)
@@ -163,6 +169,7 @@ TEST_F(PhotosCliTest, FillBoxCropsPicturesToFillTheirBoxOnThePaper) {
   ASSERT_EQ(Cli("set " + Q(filled) + " --page 1 --fill-box --focus 50,100").status, 0);
   EXPECT_TRUE(Has(Cli("info " + Q(filled)).out, Size(900, 570))) << "900 x 1315 / 2075";
   ASSERT_EQ(Cli("render " + Q(filled) + " --page 1 --format png -o " + Q(png)).status, 0);
+  const Rect& box = papers[0].box;
   const uint32_t top = Png(png)((box.left + box.right) / 2, box.top + 3);
   EXPECT_LT(top >> 16, top & 0xFF) << std::hex << top;
   EXPECT_EQ(Cli("set " + Q(cal) + " --page 1 --fill-box --focus 50").status, 2);

@@ -104,3 +104,30 @@ double MeanDifference(const RgbPixels& a, const RgbPixels& b) {
   for (size_t i = 0; i < a.rgb.size(); ++i) sum += std::abs(a.rgb[i] - b.rgb[i]);
   return sum / static_cast<double>(a.rgb.size());
 }
+
+double Ssim(const RgbPixels& a, const RgbPixels& b) {
+  if (a.width != b.width || a.height != b.height || a.rgb.size() != b.rgb.size() || a.width < 8 || a.height < 8)
+    return 0;
+  const auto luma = [](const RgbPixels& p, int x, int y) {
+    const uint8_t* q = &p.rgb[(static_cast<size_t>(y) * p.width + x) * 3];
+    return 0.299 * q[0] + 0.587 * q[1] + 0.114 * q[2];
+  };
+  const double c1 = 6.5025, c2 = 58.5225;  // (0.01 * 255)^2, (0.03 * 255)^2
+  double sum = 0;
+  int windows = 0;
+  for (int y = 0; y + 8 <= a.height; y += 4)
+    for (int x = 0; x + 8 <= a.width; x += 4, ++windows) {
+      double ma = 0, mb = 0, va = 0, vb = 0, cov = 0;
+      for (int j = 0; j < 8; ++j)
+        for (int i = 0; i < 8; ++i) ma += luma(a, x + i, y + j), mb += luma(b, x + i, y + j);
+      ma /= 64, mb /= 64;
+      for (int j = 0; j < 8; ++j)
+        for (int i = 0; i < 8; ++i) {
+          const double da = luma(a, x + i, y + j) - ma, db = luma(b, x + i, y + j) - mb;
+          va += da * da, vb += db * db, cov += da * db;
+        }
+      va /= 63, vb /= 63, cov /= 63;
+      sum += (2 * ma * mb + c1) * (2 * cov + c2) / ((ma * ma + mb * mb + c1) * (va + vb + c2));
+    }
+  return sum / windows;
+}

@@ -40,3 +40,6 @@ RgbPixels DibPixels(BlockHandle dib);
 double MeanDeltaE(const RgbPixels& a, const RgbPixels& b);
 // The mean absolute difference of their bytes, likewise.
 double MeanDifference(const RgbPixels& a, const RgbPixels& b);
+// The structural similarity of their luminance (1 for the same picture),
+// averaged over 8 x 8 windows; 0 when their sizes differ.
+double Ssim(const RgbPixels& a, const RgbPixels& b);
