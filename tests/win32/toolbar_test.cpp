@@ -142,7 +142,7 @@ TEST_F(ToolbarTest, AMouseRestingOnAButtonShowsItsWholeTipUntilItLeaves) {
   GetClientRect(TipWindow(), &tip);
   EXPECT_GE(tip.right, InkWidth(kLongest) + 8);
 
-  SendMessageA(buttons[6], WM_MOUSELEAVE, 0, 0);
+  SendMessageA(buttons[5], WM_MOUSELEAVE, 0, 0);
   EXPECT_FALSE(TipShowing());
   // Gone for good: no timer brings it back.
   Pump(1000);
