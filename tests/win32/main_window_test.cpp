@@ -240,12 +240,13 @@ TEST_F(MainWindowTest, TheStripFollowsTheWindowAndThePageFitsItsView) {
   EXPECT_EQ(dragged.left, work.left);
 }
 
-// Ctrl+0, as the menu says, opens the Open dialog in the folder the last
-// file dialog ended in (which folder that is, is the layout's own test).
+// After Save as, Ctrl+0 (as the menu says) opens the Open dialog where the
+// calendar was saved (where a first dialog starts is the layout's own test).
 TEST_F(MainWindowTest, ControlZeroOpensWhereTheLastFileDialogEnded) {
-  CopyText(Settings.OpenPath, sizeof Settings.OpenPath, (dir_.path() + "\\").c_str());
   std::string openedIn;
   DialogDriver driver;
+  driver.Then("Save As", [&](HWND dialog) { ChooseFile(dialog, dir_.File("Kept.CLN")); });
+  Command(IDM_SAVE_AS);
   driver.Then("Open", [&](HWND dialog) {
     openedIn = FolderShown(dialog);
     Press(dialog, IDCANCEL);
