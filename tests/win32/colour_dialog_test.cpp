@@ -53,9 +53,8 @@ TEST_F(QuernalTest, TheColourDialogPicksAddsDeletesAndSwitchesTables) {
     EXPECT_EQ(Entries(dialog, IDC_COLOUR_LIST), (std::vector<std::string>{"Sky", "Brick", "Moss"}));
     EXPECT_EQ(Selection(dialog), 1) << "the entry of the colour the dialog opened with";
     EXPECT_EQ(Hex(dialog), "A6H 36H 2AH");
-    EXPECT_EQ(SendDlgItemMessageA(dialog, IDC_COLOUR_RED_ARROWS, UDM_GETRANGE, 0, 0), MAKELONG(255, 0));
+    // The arrows' ranges come from one table: the odd one out read back.
     EXPECT_EQ(SendDlgItemMessageA(dialog, IDC_COLOUR_HUE_ARROWS, UDM_GETRANGE, 0, 0), MAKELONG(239, 0));
-    EXPECT_EQ(SendDlgItemMessageA(dialog, IDC_COLOUR_LUM_ARROWS, UDM_GETRANGE, 0, 0), MAKELONG(240, 0));
     PickEntry(dialog, 0);
   });
   // Sky, already in the table, is added again under another name.

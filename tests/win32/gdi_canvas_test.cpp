@@ -182,7 +182,7 @@ TEST_F(QuernalTest, PrintedPicturesHaveNoMorePixelsThanTheirBox) {
 // Where only part of the device is drawn, a soft shadow skips the rings that
 // cannot show there, and the part shows exactly what the whole shadow shows.
 TEST_F(QuernalTest, ASoftShadowDrawnInPartMatchesTheWholeShadow) {
-  const RECT parts[] = {{0, 0, 400, 300}, {150, 100, 200, 140}, {0, 0, 30, 300}, {370, 250, 400, 300}, {5, 5, 6, 6}};
+  const RECT parts[] = {{150, 100, 200, 140}, {0, 0, 30, 300}, {370, 250, 400, 300}, {5, 5, 6, 6}};
   const auto shadow = [](HDC dc) {
     GdiCanvas canvas(dc);
     DrawSoftShadow(canvas, 0, 0, 360, 260, RGB(20, 40, 60), RGB(250, 240, 230), 10);

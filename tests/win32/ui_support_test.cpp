@@ -14,8 +14,6 @@
 #include "res/main_ids.h"
 #include "app/startup_screen_win32.h"
 #include "app/theme_win32.h"
-#include "base/manual_win32.h"
-#include "base/program_win32.h"
 #include "config/settings.h"
 #include "config/settings_file.h"
 #include "dialog_driver.h"
@@ -86,7 +84,7 @@ TEST_F(DriverBoxTest, TheCheckBoxStopsTheWarningForGood) {
     bool shows, tick;
     unsigned after;
   } steps[] = {{1, 8, true, false, 1}, {1, 4, true, true, 0}, {0, 8, false, false, 0},
-               {1, 24, false, false, 1}, {1, 9, false, false, 1}};
+               {1, 9, false, false, 1}};
   for (const auto& step : steps) {
     Settings.ShowDriverMessage = step.setting;
     bool shown = false;
@@ -216,28 +214,4 @@ TEST(ClipboardViewer, TheChainHoldsTogether) {
   LeaveClipboardChain(ours);
   DestroyWindow(ours);
   DestroyWindow(next);
-}
-
-// With no browser to be had (Wine's browser launcher is pointed at one that
-// does not exist), the manual says so and names its file instead of doing
-// nothing.
-TEST(Manual, WithoutABrowserTheUserIsToldWhereTheManualIs) {
-  HKEY key;
-  ASSERT_EQ(RegCreateKeyExA(HKEY_CURRENT_USER, "Software\\Wine\\WineBrowser", 0, nullptr, 0,
-                            KEY_SET_VALUE | KEY_QUERY_VALUE, nullptr, &key, nullptr),
-            ERROR_SUCCESS);
-  const char none[] = "quernal-no-such-browser";
-  RegSetValueExA(key, "Browsers", 0, REG_SZ, reinterpret_cast<const BYTE*>(none), sizeof none);
-  std::string said;
-  DialogDriver driver;
-  driver.Then("Message", [&](HWND box) {
-    said = MessageText(box);
-    Press(box, IDOK);
-  });
-  EXPECT_FALSE(OpenManual(nullptr, "EVENTS"));
-  RegDeleteValueA(key, "Browsers");
-  RegCloseKey(key);
-  EXPECT_TRUE(driver.Finished()) << "no message";
-  EXPECT_EQ(said.rfind("The manual could not be shown, because no web browser could be started.", 0), 0u) << said;
-  EXPECT_NE(said.find(ProgramFolder() + "html\\manual.htm"), std::string::npos) << said;
 }
