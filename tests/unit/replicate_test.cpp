@@ -72,3 +72,22 @@ TEST_F(DialogModelTest, EventCodesSortByMonthDayAndTextWithoutRepeats) {
   EXPECT_EQ(EventListCode({9, 30, "x"}), "9Ux");
 }
 
+TEST_F(DialogModelTest, SavingAListReloadsEveryPageThatShowsIt) {
+  WriteFile(dir_.File("General.CDF"), "Jan01 Old\n");
+  WriteFile(dir_.File("Other.CDF"), "Jan01 Other\n");
+  doc_ = CreateCalendar(2026, 0);
+  MonthPage feb = Page(1);
+  std::strcpy(feb.DaysName, "Other");
+  GlobalBlockFree(feb.Events);
+  feb.Events = LoadEventList("Other");
+  PutMonthPage(doc_, 1, &feb);
+
+  ASSERT_TRUE(SaveEventList(doc_, "General", {"05Party", "B0Bad day"}));
+  EXPECT_EQ(ReadFile(dir_.File("General.CDF")), AsTextFile("Jan05 Party\nDec00 Bad day\n"));
+  EXPECT_EQ(ReadFile(dir_.File("General.BAK")), "Jan01 Old\n");
+  char text[64];
+  EXPECT_EQ(FindEvent(text, sizeof text, Page(0).Events, 0, 4), 1);
+  EXPECT_STREQ(text, "Party");
+  EXPECT_EQ(FindEvent(text, sizeof text, Page(11).Events, 0, 4), 1) << "every page of the list";
+  EXPECT_EQ(Page(1).Events, feb.Events) << "a page of another list keeps its own";
+}

@@ -1,5 +1,6 @@
 #include "app/window_layout.h"
 #include "base/text.h"
+#include "res/main_ids.h"
 #include "test_support.h"
 
 TEST(WindowLayout, StoredEdgesArePulledOntoASmallerScreen) {
@@ -33,6 +34,7 @@ TEST(WindowLayout, TheWindowAndItsPageTakeAPortraitShapeAndTheTitleNamesFileAndP
   EXPECT_EQ(PageRectForClient(700, true, 4960, 7016), (Rect{0, 0, 470, 665}));
   EXPECT_EQ(PageRectForClient(700, true, 100, 0), (Rect{0, 0, 66500, 665})) << "a height of 0 counts as 1";
   EXPECT_EQ(ZoomedPage({0, 0, 520, 665}, 400), (Rect{0, 0, 2080, 2660}));
+  EXPECT_EQ(WindowTitle("Quernal", DocumentLabel("Untitled.CLN", "January")), "Quernal [ Untitled.CLN \x96 January ]");
   EXPECT_EQ(DocumentLabel("C:\\Calendars\\Family 2027.CLN", "Cover"), "Family 2027.CLN \x96 Cover");
 }
 
@@ -44,9 +46,11 @@ TEST(WindowLayout, FileDialogsStartInTheFolderLastUsedOrTheDocuments) {
   for (const auto& f : folders) EXPECT_EQ(FolderOfFile(f.path), f.folder) << f.path;
 
   const std::string program = "C:\\Program Files\\Quernal\\", documents = "C:\\users\\me\\Documents";
+  EXPECT_EQ(DialogStartFolder("", program, documents), documents);
   EXPECT_EQ(DialogStartFolder("c:\\program files\\QUERNAL\\", program, documents), documents);
   EXPECT_EQ(DialogStartFolder("C:\\Program Files\\Quernal\\Old\\", program, documents),
             "C:\\Program Files\\Quernal\\Old\\");
+  EXPECT_EQ(DialogStartFolder("D:\\Cal\\", program, documents), "D:\\Cal\\");
 }
 
 TEST(WindowLayout, AWindowDraggedNearAnEdgeOfTheWorkAreaLandsOnIt) {
@@ -62,4 +66,14 @@ TEST(WindowLayout, AWindowDraggedNearAnEdgeOfTheWorkAreaLandsOnIt) {
       {{400, -20, 1000, 440}, {400, -20, 1000, 440}},    // far above the top stays
   };
   for (const auto& m : moves) EXPECT_EQ(SnappedToEdges(m.dragged, work, 12), m.landed) << m.dragged.left;
+}
+
+// The month's own commands are greyed on the year page and the cover.
+TEST(WindowLayout, MonthCommandsActOnMonthPagesOnly) {
+  for (int command : {IDM_EDIT_MONTH, IDM_REPLICATE, IDM_EVENTS, IDM_EDIT_YEAR}) {
+    for (int page : {-1, 0, 11, 12, 13}) {
+      const bool month = page >= 0 && page < 12;
+      EXPECT_EQ(CommandActsOnPage(command, page), month || command == IDM_EDIT_YEAR) << command << " on " << page;
+    }
+  }
 }
